@@ -1,0 +1,10 @@
+# Sanitizers hold for the whole build: library, netlist database, program and tests share one heap.
+if(GLABRENIMGAF_SANITIZE STREQUAL "address")
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(GLABRENIMGAF_SANITIZE STREQUAL "thread")
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=thread)
+elseif(GLABRENIMGAF_SANITIZE)
+    message(FATAL_ERROR "GLABRENIMGAF_SANITIZE must be address, thread or empty, not '${GLABRENIMGAF_SANITIZE}'")
+endif()
