@@ -1,0 +1,141 @@
+#pragma once
+
+#include "DesignObj.h"
+#include "Map.h"
+#include "Set.h"
+
+namespace Verific {
+
+class Cell;
+class Instance;
+class Net;
+class NetBus;
+class Port;
+class PortBus;
+
+/// Type codes of primitives.
+enum primitive_type {
+    PRIM_NONE = 0,
+    PRIM_PWR = 1,
+    PRIM_GND = 2,
+    PRIM_X = 3,
+    PRIM_Z = 4,
+    PRIM_BUF = 5,
+    PRIM_INV = 6,
+    PRIM_AND = 7,
+    PRIM_OR = 8,
+    PRIM_XOR = 9,
+    PRIM_MUX = 10,
+    PRIM_TRI = 11,
+    PRIM_OTHER = 12,
+};
+
+/// One view of a cell: its ports, nets and instances. A black box has ports alone that count.
+class VERIFIC_EXPORT Netlist : public DesignObj {
+  public:
+    explicit Netlist(const char *view_name);
+    /// Deletes everything in the netlist, takes it out of its cell and its instances out of their views' references;
+    /// instances elsewhere that have it as their view keep living, without view and pins.
+    ~Netlist() override;
+
+    /// The owning cell; null for a loose netlist or a copy.
+    Cell *Owner() const { return m_owner; }
+    /// Name of the owning cell, or null.
+    const char *CellBaseName() const;
+
+    /// These take ownership; they answer 0 (and take nothing) when the object has an owner already.
+    unsigned Add(Port *port);
+    unsigned Add(PortBus *bus);
+    unsigned Add(Net *net);
+    unsigned Add(NetBus *bus);
+    unsigned Add(Instance *inst);
+
+    /// Look-up by name, null when there is none; of several of one name the first. @p case_insensitive must be 0.
+    Port *GetPort(const char *name, unsigned case_insensitive = 0) const;
+    PortBus *GetPortBus(const char *name) const;
+    Net *GetNet(const char *name) const;
+    NetBus *GetNetBus(const char *name) const;
+    Instance *GetInst(const char *name) const;
+
+    /// The tables themselves, in order of addition. Read only.
+    Map *GetPorts() const { return const_cast<Map *>(&m_ports); }
+    Map *GetPortBuses() const { return const_cast<Map *>(&m_portBuses); }
+    Map *GetNets() const { return const_cast<Map *>(&m_nets); }
+    Map *GetNetBuses() const { return const_cast<Map *>(&m_netBuses); }
+    Map *GetInsts() const { return const_cast<Map *>(&m_insts); }
+
+    /// The instances that have this netlist as their view.
+    Set *GetReferences() const { return const_cast<Set *>(&m_references); }
+    unsigned NumOfRefs() const { return m_references.Size(); }
+
+    /// A loose netlist with the same name, flags, position, attributes, ports, buses, nets, instances and connections
+    /// in the same order. Views are shared. @p copied, when not null, gains original → copy for every port, net and
+    /// instance. The caller owns the copy.
+    Netlist *Copy(Map *copied) const;
+    /// Inserts this netlist and every netlist below it, each once, breadth first in instance order. With
+    /// @p include_leaves 0, operators and primitives are left out.
+    void Hierarchy(Set &netlists, unsigned include_leaves) const;
+
+    unsigned IsBlackBox() const { return m_blackBox; }
+    unsigned IsRegister() const { return m_register; }
+    unsigned IsOperator() const { return m_operator; }
+    unsigned IsPrimitive() const { return m_type != PRIM_NONE; }
+    /// Type code (primitive_type); 0 for what is no primitive.
+    unsigned Type() const { return m_type; }
+    /// Clock port of a register, or null.
+    Port *GetClock() const { return m_clock; }
+    /// Input port of a one-input primitive, or null.
+    Port *GetInput() const { return m_input; }
+    /// Marks the netlist as a black box; contents, if it has any, stay.
+    void MakeBlackBox() { m_blackBox = true; }
+
+    /// Reads a saved netlist into the global libset and answers its top netlist, or null (leaving the libset as it
+    /// was) when the file is missing, damaged, foreign or of a newer version. The top belongs to its cell; deleting it
+    /// leaves the netlists below it alive.
+    static Netlist *RestoreFromFile(const char *file_name);
+
+    // Embedded database only.
+    /// Writes this netlist and everything below it; answers 0 when the file cannot be written whole, leaving whatever
+    /// stood under the name before.
+    unsigned SaveToFile(const char *file_name) const;
+    /// @p clock is a port of this netlist, or null; a foreign port counts as null.
+    void MakeRegister(Port *clock);
+    /// @p type is one of primitive_type; @p input as the clock of MakeRegister.
+    void MakePrimitive(unsigned type, Port *input);
+    void MakeOperator() { m_operator = true; }
+
+  private:
+    friend class Cell;
+    friend class Instance;
+    friend class Library;
+    friend class Libset;
+    friend class Net;
+    friend class NetBus;
+    friend class NetlistCopier;
+    friend class NetlistReader;
+    friend class NetlistWriter;
+    friend class Port;
+    friend class PortBus;
+
+    explicit Netlist(SharedName view_name);
+    /// First half of deletion. Where many netlists go at once all of them go through it first: what they refer to in
+    /// one another still stands then, and no pin need be disconnected by itself.
+    void deleteInstances();
+
+    Cell *m_owner = nullptr;
+    Map m_ports{STRING_HASH};
+    Map m_portBuses{STRING_HASH};
+    Map m_nets{STRING_HASH};
+    Map m_netBuses{STRING_HASH};
+    Map m_insts{STRING_HASH};
+    Set m_references{POINTER_HASH};
+    Port *m_clock = nullptr;
+    Port *m_input = nullptr;
+    unsigned m_type = PRIM_NONE;
+    bool m_blackBox = false;
+    bool m_register = false;
+    bool m_operator = false;
+    bool m_dying = false; ///< set while the netlist is deleted: children need not take themselves out
+};
+
+} // namespace Verific

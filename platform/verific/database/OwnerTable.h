@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Map.h"
+
+namespace Verific {
+
+/// Adds @p object under @p name to an owner's table, closing the gaps first when most of it is gaps; answers its slot.
+/// @p moved is told the new slot of every object that the closing moves.
+template <typename Object, typename Moved>
+unsigned addToTable(Map &table, const char *name, Object *object, Moved moved)
+{
+    if (table.sparse()) {
+        table.compact([&moved](void *value, unsigned slot) { moved(static_cast<Object *>(value), slot); });
+    }
+    return table.append(name, object);
+}
+
+} // namespace Verific
