@@ -1,0 +1,143 @@
+#pragma once
+
+#include <netlistdb/IDesignDatabase.h>
+#include <netlistdb/InstanceNetSet.h>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace kvr::netlistdb {
+
+class VDBInstance;
+class VDBObjectPool;
+struct ClockState;
+
+/// The design database: builds the item trees of both sources and answers questions about them.
+///
+/// Owns the netlists, the instance trees, the clock domains, the caches and, with keepSourceNetlists, the working
+/// copies of the source netlists.
+class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
+  public:
+    /// A net as seen in one instance: the key of every clock query.
+    using InstanceNet = InstanceNetSet::value_type;
+    /// From an answer (null: no clock) to the pairs known to lead to it.
+    using DrivingClockCache = std::map<IClockDomain *, InstanceNetSet>;
+
+    /// Makes an empty database. With @p keepSourceNetlists the working copy of each import is kept and clock domains
+    /// are analysed; without it a tree costs less memory and every clock query answers null.
+    explicit DesignDatabase(bool keepSourceNetlists);
+    /// Frees everything. Also clears the netlist database's process-wide table of source files and, with
+    /// keepSourceNetlists, its library set: a process must not destroy a database while it still needs either.
+    ~DesignDatabase() override;
+    DesignDatabase(const DesignDatabase &) = delete;
+    DesignDatabase &operator=(const DesignDatabase &) = delete;
+
+    bool parseElaboratedNetlist(Verific::Netlist *netlist) override;
+    bool parseElaboratedNetlistFromFile(const std::string &path) override;
+    bool parsePostMapNetlist(Verific::Netlist *netlist) override;
+    bool parsePostMapNetlistFromFile(const std::string &path) override;
+    bool load(const std::string &path) override;
+    bool save(const std::string &path, bool flag) override;
+    bool reset(SOURCE_TYPE type) override;
+    bool isSourceLoaded(SOURCE_TYPE type) const override;
+    bool getCheckSum(unsigned char *buffer) override;
+    IVDBNetlist *getTopModule(SOURCE_TYPE type) override;
+    IVDBInstance *getRoot(SOURCE_TYPE type) override;
+    std::vector<IVDBInstance *> getViewInstances(IVDBNetlist *netlist) override;
+    std::vector<IVDBInstance *> getChildInstances(IVDBNetlist *netlist) override;
+    IVDBResultSet *search(const VDBSearchParam &param) override;
+    IClockDomain *findDrivingClockDomains(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type) override;
+    std::vector<IClockDomain *> listAllClockDomains(SOURCE_TYPE type) const override;
+
+    // The steps of the imports.
+
+    /// Builds one module with its buses, nets and ports from @p netlist and puts it on the elaborated or the post-map
+    /// list. The two names are fall-backs for a netlist without cell or library. The database owns the result.
+    /// @throws std::invalid_argument "netlist is nullptr", std::out_of_range "stoi"; nothing is left behind then.
+    IVDBNetlist *buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,
+                              const std::string &libraryName);
+    /// Builds every other module below @p top and unfolds the elaborated instance tree. False when some instance names
+    /// a view outside the hierarchy; the tree built so far stays.
+    bool parseHier(Verific::Netlist *top, IVDBNetlist *topModule);
+
+    // The steps of clock-domain analysis.
+
+    /// Records that @p key leads to @p domain (null: to no clock).
+    void addCache(IClockDomain *domain, InstanceNet key);
+    /// The first domain, in ascending order of address with null first, under which @p key is recorded; null also when
+    /// it is not recorded at all.
+    IClockDomain *isCached(InstanceNet key);
+    /// The same as a position in the cache, its end when @p key is not recorded.
+    DrivingClockCache::iterator findCachedResult(InstanceNet key);
+    /// The first record of the source's table with exactly this net and instance, or null.
+    IClockDomain *getParsedClockDomain(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type);
+    /// Records every clock net of a post-map netlist as a domain under the root.
+    /// @throws std::invalid_argument "VDBClockDomain: net is nullptr" when a clock net has no item.
+    void parseClkDomainPostMap(Verific::Netlist *netlist);
+    /// Traces a post-map net back to the first sequential cell; null when there is none or an argument is null.
+    IClockDomain *findDrivingClockDomainPostMap(IVDBInstance *inst, IVDBNet *net);
+    /// Records the highest net of every register clock of the elaborated tree as a domain. @p netlist is not read.
+    /// @throws std::invalid_argument "VDBClockDomain: net is nullptr" when a clock net has no item.
+    void parseClkDomainElab(Verific::Netlist *netlist);
+    /// Climbs from @p net in @p inst through module ports as far as it leads, at most below @p stop; answers the
+    /// highest pair found, or the arguments.
+    InstanceNet getRootClk(IVDBInstance *inst, IVDBNet *net, IVDBInstance *stop);
+    /// Traces an elaborated net back to the first register; null when there is none or an argument is null.
+    IClockDomain *findDrivingClockDomainElab(IVDBInstance *inst, IVDBNet *net);
+
+    // For diagnosis.
+
+    /// From built items to the objects they were made from; owned by the database. Internal type.
+    VDBObjectPool *objectPool() const { return m_pool; }
+    const DrivingClockCache &drivingClockCache() const { return m_drivingClockCache; }
+    /// The answers recorded per operator or primitive instance of the elaborated source (null: no clock), in ascending
+    /// order of instance address. A new list.
+    std::vector<std::pair<IVDBInstance *, IClockDomain *>> elaboratedInstanceCache() const;
+    /// The kept working copy of a source, or null. Owned by the database.
+    Verific::Netlist *workingCopy(SOURCE_TYPE type) const;
+
+  private:
+    struct Source {
+        Verific::Netlist *workingCopy = nullptr;
+        IVDBNetlist *topModule = nullptr; ///< also in netlists; not null marks the source as loaded
+        IVDBInstance *root = nullptr;
+        std::vector<IVDBNetlist *> netlists;
+        std::set<IClockDomain *> clockDomains;
+    };
+
+    Source *source(SOURCE_TYPE type);
+    const Source *source(SOURCE_TYPE type) const;
+    void makeWorkingCopy(Source &source, const Verific::Netlist &netlist);
+    VDBInstance *makeRoot(Source &source, IVDBNetlist *topModule);
+    bool buildPostMapTree(Verific::Netlist &top, const std::string &cellName, const std::string &libraryName);
+    static void dropWorkingCopy(Source &source);
+    void forgetInPool(const Source &freed, const Source &remaining);
+
+    /// Makes a domain and puts it in the table of its source.
+    void recordClockDomain(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type);
+    /// True when the elaborated instance cache holds @p inst; its answer then goes to @p domain.
+    bool findElaboratedAnswer(const IVDBInstance *inst, IClockDomain *&domain) const;
+    /// Records the answer for @p inst unless it has one.
+    void recordElaboratedAnswer(const IVDBInstance *inst, IClockDomain *domain);
+    /// Forgets what the clock queries keep beside the tables about a source whose items go.
+    void forgetClockRecords(SOURCE_TYPE type);
+    /// Drops the cache entries about items long gone whose addresses the items of a new import have taken: the
+    /// netlists from @p firstNetlist on and the current tree of the source.
+    void dropStaleAnswers(SOURCE_TYPE type, std::size_t firstNetlist);
+
+    bool m_keepSourceNetlists;
+    Source m_elaborated;
+    Source m_postMap;
+    DrivingClockCache m_drivingClockCache;
+    VDBObjectPool *m_pool;
+    std::unique_ptr<ClockState> m_clocks; ///< the elaborated instance cache, and indexes
+
+    // What an import without reset replaced: alive until the database goes.
+    std::vector<IVDBInstance *> m_replacedRoots;
+    std::vector<Verific::Netlist *> m_replacedCopies;
+};
+
+} // namespace kvr::netlistdb

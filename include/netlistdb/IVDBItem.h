@@ -1,0 +1,38 @@
+#pragma once
+
+#include <netlistdb/Export.h>
+
+#include <cstdint>
+#include <string>
+
+namespace kvr::netlistdb {
+
+/// Kinds of design items, one bit each, so that a set of kinds is a bit mask.
+enum ItemType : std::uint32_t {
+    ITEM_NETLIST = 1,
+    ITEM_NET = 2,
+    ITEM_PORT = 4,
+    ITEM_INSTANCE = 8,
+    ITEM_CLOCK_DOMAIN = 16,
+    ITEM_NET_BUS = 32,
+};
+
+/// Root of every design item: a netlist, net, net bus, port, instance or clock domain.
+///
+/// Items belong to the database that built them and are read-only once built. They live until their source is reset
+/// or the database is destroyed.
+class NETLISTDB_EXPORT IVDBItem {
+  public:
+    virtual ~IVDBItem();
+    /// The item's own name, one level, as it stands in the netlist. May be empty. Lives as long as the item.
+    virtual const std::string &getName() const = 0;
+    /// Exactly one bit of ItemType, a constant of the class.
+    virtual std::uint32_t getItemType() const = 0;
+
+  protected:
+    IVDBItem() = default;
+    IVDBItem(const IVDBItem &) = default;
+    IVDBItem &operator=(const IVDBItem &) = default;
+};
+
+} // namespace kvr::netlistdb

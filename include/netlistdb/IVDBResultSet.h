@@ -1,0 +1,41 @@
+#pragma once
+
+#include <netlistdb/Export.h>
+
+#include <cstdint>
+
+namespace kvr::netlistdb {
+
+class IVDBItem;
+
+/// What status() answers.
+enum ResultStatus : std::uint32_t {
+    RESULT_MATCH = 0, ///< the current item is a result
+    RESULT_NONE = 1,  ///< the walk is at its end, or was cancelled
+};
+
+/// A forward-only cursor over search results, pulled by one thread; cancel may come from another.
+///
+/// Loop: `next`; while `status()` is RESULT_MATCH read `getCurrent` (an instance, a net or a net bus: tell them apart
+/// by type code) and, for a net or bus, `getContext`; `next` again. Delete the set before the items it walks.
+class NETLISTDB_EXPORT IVDBResultSet {
+  public:
+    virtual ~IVDBResultSet();
+    /// Makes every later step end with RESULT_NONE. Waits for a running step, whose result stands. Any thread.
+    virtual void cancel() = 0;
+    /// Walks on to the next result. What the walk throws passes through; the set must not be used afterwards.
+    virtual void next() = 0;
+    /// Does nothing: the set is forward-only.
+    virtual void previous() = 0;
+    /// A ResultStatus; RESULT_MATCH before the first step.
+    virtual std::uint32_t status() const = 0;
+    /// The current result, or null at the end. Steps once if `next` has never run.
+    virtual IVDBItem *getCurrent() = 0;
+    /// The instance reported last: its path prefixes the full name of the current net or bus.
+    virtual IVDBItem *getContext() = 0;
+
+  protected:
+    IVDBResultSet() = default;
+};
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <netlistdb/IVDBNetlist.h>
+
+namespace Verific {
+class Netlist;
+}
+
+namespace kvr::netlistdb {
+
+/// A module definition made from a netlist of the netlist database and filled by the import.
+class NETLISTDB_EXPORT VDBNetlist : public IVDBNetlist {
+  public:
+    /// @p name and @p libName are fall-backs: the names of the netlist's own cell and library win where present.
+    /// @throws std::invalid_argument "netlist is nullptr"
+    VDBNetlist(const Verific::Netlist *netlist, const std::string &name, const std::string &libName);
+    /// Deletes buses (with their members), nets and ports, in this order.
+    ~VDBNetlist() override;
+    VDBNetlist(const VDBNetlist &) = delete;
+    VDBNetlist &operator=(const VDBNetlist &) = delete;
+
+    const std::string &getName() const override;
+    std::uint32_t getItemType() const override;
+    const std::string &GetLibName() const override;
+    const std::vector<IVDBNetBus *> &getAllNetBus() const override;
+    std::vector<IVDBNet *> getNets(bool fromBuses) const override;
+    const std::vector<IVDBPort *> &getPorts() const override;
+    bool isUserDeclared() const override;
+    IVDBLineInfo *getLineInfo() override;
+
+    // These take ownership and check nothing: the caller adds nothing twice.
+
+    /// Appends a net that is in no bus.
+    void addNet(IVDBNet *net);
+    void addNetBus(IVDBNetBus *bus);
+    void addPort(IVDBPort *port);
+
+    /// The list behind getNets(false), without a copy.
+    const std::vector<IVDBNet *> &plainNets() const;
+    /// Gives back the room that the lists grew by while they were filled.
+    void shrinkToFit();
+
+  private:
+    std::string m_name;
+    std::string m_libName;
+    std::vector<IVDBNetBus *> m_netBuses;
+    std::vector<IVDBNet *> m_nets;
+    std::vector<IVDBPort *> m_ports;
+    IVDBLineInfo *m_lineInfo = nullptr;
+};
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,60 @@
+#include "clock/PostMapCells.h"
+
+#include "DataBase.h"
+
+#include <cstring>
+
+namespace kvr::netlistdb {
+
+namespace {
+
+bool startsWith(std::string_view text, std::string_view start)
+{
+    return text.substr(0, start.size()) == start;
+}
+
+} // namespace
+
+std::string_view deviceCellName(const Verific::Instance *instance)
+{
+    const char *value = instance != nullptr ? instance->GetAttValue("KVR_ATTRIBUTE_CELL_NAME") : nullptr;
+    return value != nullptr ? std::string_view(value) : std::string_view();
+}
+
+bool isClockBuffer(const Verific::Instance *instance)
+{
+    return deviceCellName(instance) == "KVR_GBUFCE";
+}
+
+bool isSequentialCell(const Verific::Instance *instance)
+{
+    const std::string_view cell = deviceCellName(instance);
+    return cell == "KVR_FF" || cell == "KVR_MULT" || cell == "KVR_IDDR" || cell == "KVR_ODDR" ||
+           startsWith(cell, "KVR_RAM") || startsWith(cell, "KVR_DPRAM") || startsWith(cell, "KVR_DSP") ||
+           startsWith(cell, "KVR_SRL");
+}
+
+bool isClockPort(const Verific::Port *port)
+{
+    if (port->IsOutput()) {
+        return false;
+    }
+    const char *value = port->GetAttValue("KVR_ATTRIBUTE_PORT__IS_CLOCK");
+    return value != nullptr && std::strcmp(value, "TRUE") == 0;
+}
+
+bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin)
+{
+    if (drivingPin.empty() || clockPin.empty()) {
+        return false;
+    }
+    if (startsWith(cell, "KVR_RAM")) {
+        return drivingPin.front() == clockPin.front();
+    }
+    if (startsWith(cell, "KVR_DPRAM")) {
+        return drivingPin.back() == clockPin.back();
+    }
+    return true;
+}
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string_view>
+
+namespace Verific {
+class Instance;
+class Port;
+} // namespace Verific
+
+namespace kvr::netlistdb {
+
+/// Primitive type of a device cell, or empty when the instance is null or does not name it.
+std::string_view deviceCellName(const Verific::Instance *instance);
+
+/// True for a global clock buffer, whose pin "I" carries the clock into the clock network.
+bool isClockBuffer(const Verific::Instance *instance);
+
+/// True for the cells that hold state: flip-flops, multipliers and double-data-rate registers by their whole name,
+/// memories, DSP blocks and shift registers by how it begins, since these come in several sizes.
+bool isSequentialCell(const Verific::Instance *instance);
+
+/// True when @p port is no output and is marked as a clock.
+bool isClockPort(const Verific::Port *port);
+
+/// Whether the clock on a pin called @p clockPin clocks the output @p drivingPin of a cell of type @p cell: each side of
+/// a memory has a clock of its own, told by the first letter of its pins or, for the dual-port kind, by the last.
+bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin);
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,68 @@
+#include "clock/VisitedPairs.h"
+
+#include <algorithm>
+
+namespace kvr::netlistdb {
+
+bool VisitedPairs::insert(const Pair &pair)
+{
+    if (contains(pair)) {
+        return false;
+    }
+    m_pairs.push_back(pair);
+    if (m_pairs.size() <= FEW) {
+        return true;
+    }
+    if (m_pairs.size() * 2 > m_buckets.size()) {
+        rebuild();
+    } else {
+        m_buckets[bucketOf(pair)] = static_cast<std::uint32_t>(m_pairs.size());
+    }
+    return true;
+}
+
+bool VisitedPairs::contains(const Pair &pair) const
+{
+    if (m_buckets.empty()) {
+        return std::find(m_pairs.begin(), m_pairs.end(), pair) != m_pairs.end();
+    }
+    return m_buckets[bucketOf(pair)] != 0;
+}
+
+void VisitedPairs::clear()
+{
+    if (m_pairs.capacity() > KEPT) {
+        m_pairs = {};
+        m_buckets = {};
+        return;
+    }
+    m_pairs.clear();
+    m_buckets.clear();
+}
+
+/// The bucket that holds @p pair, or the free one where it belongs.
+std::size_t VisitedPairs::bucketOf(const Pair &pair) const
+{
+    const std::size_t mask = m_buckets.size() - 1;
+    const auto instance = reinterpret_cast<std::uintptr_t>(pair.first);
+    const auto net = reinterpret_cast<std::uintptr_t>(pair.second);
+    std::size_t at = static_cast<std::size_t>(((net >> 4) ^ (instance << 7)) * 0x9E3779B97F4A7C15u >> 20) & mask;
+    while (m_buckets[at] != 0 && m_pairs[m_buckets[at] - 1] != pair) {
+        at = (at + 1) & mask;
+    }
+    return at;
+}
+
+void VisitedPairs::rebuild()
+{
+    std::size_t size = 64;
+    while (size < m_pairs.size() * 4) {
+        size *= 2;
+    }
+    m_buckets.assign(size, 0);
+    for (std::size_t i = 0; i < m_pairs.size(); ++i) {
+        m_buckets[bucketOf(m_pairs[i])] = static_cast<std::uint32_t>(i + 1);
+    }
+}
+
+} // namespace kvr::netlistdb

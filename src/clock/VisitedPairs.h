@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace kvr::netlistdb {
+
+class IVDBInstance;
+class IVDBNet;
+
+/// The (instance, net) pairs met by one query, in the order in which they were met.
+///
+/// Most queries meet a handful of pairs, some meet millions: few pairs are looked up by walking them, more through a
+/// hash table that is dropped, not wiped, between queries.
+class VisitedPairs {
+  public:
+    using Pair = std::pair<IVDBInstance *, IVDBNet *>;
+
+    /// Adds @p pair; answers whether it was new.
+    bool insert(const Pair &pair);
+    bool contains(const Pair &pair) const;
+    bool empty() const { return m_pairs.empty(); }
+    void clear();
+
+    std::vector<Pair>::const_iterator begin() const { return m_pairs.begin(); }
+    std::vector<Pair>::const_iterator end() const { return m_pairs.end(); }
+
+  private:
+    static constexpr std::size_t FEW = 12;
+    static constexpr std::size_t KEPT = 4096; ///< storage that is kept between queries, in pairs
+
+    std::size_t bucketOf(const Pair &pair) const;
+    void rebuild();
+
+    std::vector<Pair> m_pairs;
+    std::vector<std::uint32_t> m_buckets; ///< index into m_pairs plus one; empty while there are few pairs
+};
+
+} // namespace kvr::netlistdb

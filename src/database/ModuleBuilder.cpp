@@ -1,0 +1,183 @@
+#include <netlistdb/DesignDatabase.h>
+
+#include "database/BitNetGroups.h"
+#include "database/VDBObjectPool.h"
+
+#include <netlistdb/VDBNet.h>
+#include <netlistdb/VDBNetBus.h>
+#include <netlistdb/VDBNetlist.h>
+#include <netlistdb/VDBPort.h>
+
+#include <DataBase.h>
+
+#include <memory>
+#include <string_view>
+
+namespace kvr::netlistdb {
+
+namespace {
+
+/// Builds one module. What is not released at the end is deleted and leaves no entry in the pool.
+class ModuleBuilder {
+  public:
+    ModuleBuilder(VDBObjectPool &pool, const Verific::Netlist *netlist, const std::string &cellName,
+                  const std::string &libraryName)
+        : m_pool(pool), m_netlist(netlist), m_module(std::make_unique<VDBNetlist>(netlist, cellName, libraryName))
+    {
+    }
+    ModuleBuilder(const ModuleBuilder &) = delete;
+    ModuleBuilder &operator=(const ModuleBuilder &) = delete;
+
+    ~ModuleBuilder()
+    {
+        if (m_module != nullptr) {
+            forgetInPool();
+        }
+    }
+
+    void build()
+    {
+        m_pool.registerNetlist(m_netlist, m_module.get());
+        addDeclaredBuses();
+        addRemainingNets();
+        addPorts();
+        m_module->shrinkToFit();
+    }
+
+    VDBNetlist *module() const { return m_module.get(); }
+    void release() { static_cast<void>(m_module.release()); }
+
+  private:
+    void addDeclaredBuses()
+    {
+        Verific::MapIter buses;
+        const Verific::NetBus *netBus = nullptr;
+        FOREACH_NETBUS_OF_NETLIST (m_netlist, buses, netBus) {
+            m_bus = std::make_unique<VDBNetBus>(netBus);
+            Verific::MapIter nets;
+            Verific::Net *net = nullptr;
+            FOREACH_NET_OF_NETBUS (netBus, nets, net) {
+                if (net != nullptr) {
+                    addMember(net);
+                }
+            }
+            finishBus();
+        }
+    }
+
+    void addRemainingNets()
+    {
+        BitNetGroups groups;
+        Verific::MapIter nets;
+        const Verific::Net *net = nullptr;
+        FOREACH_NET_OF_NETLIST (m_netlist, nets, net) {
+            if (net->Bus() != nullptr) {
+                continue;
+            }
+            const std::string_view name = net->Name() != nullptr ? net->Name() : "";
+            if (const auto subscript = bitSubscript(name)) {
+                groups.add(name, *subscript, net);
+            } else {
+                addPlain(net);
+            }
+        }
+        groups.forEach([this](const BitNetGroups::Group &group) { addGroup(group); });
+    }
+
+    void addGroup(const BitNetGroups::Group &group)
+    {
+        if (group.busWidth != 0) {
+            m_bus = std::make_unique<VDBNetBus>(std::string(group.baseName), group.busWidth);
+            m_bus->reserveNets(group.members);
+            for (std::size_t at = 0; at < group.members; ++at) {
+                addMember(group.bits[at].net);
+            }
+            finishBus();
+        }
+        for (std::size_t at = group.members; at < group.bits.size(); ++at) {
+            addPlain(group.bits[at].net);
+        }
+    }
+
+    void addPorts()
+    {
+        Verific::MapIter ports;
+        const Verific::Port *port = nullptr;
+        FOREACH_PORT_OF_NETLIST (m_netlist, ports, port) {
+            auto item = std::make_unique<VDBPort>(port);
+            m_module->addPort(item.get());
+            m_pool.registerPort(port, item.release());
+        }
+    }
+
+    // An item is owned by its module or bus before it enters the pool, so that a failure finds it there.
+
+    void addMember(const Verific::Net *net)
+    {
+        auto item = std::make_unique<VDBNet>(m_bus.get(), net);
+        m_bus->addNet(item.get());
+        m_pool.registerNet(net, item.release());
+    }
+
+    void addPlain(const Verific::Net *net)
+    {
+        auto item = std::make_unique<VDBNet>(net);
+        m_module->addNet(item.get());
+        m_pool.registerNet(net, item.release());
+    }
+
+    void finishBus()
+    {
+        m_module->addNetBus(m_bus.get());
+        static_cast<void>(m_bus.release());
+    }
+
+    void forgetInPool()
+    {
+        const auto forgetBus = [this](const IVDBNetBus &bus) {
+            for (const IVDBNet *net : bus.getNets()) {
+                m_pool.eraseNet(net);
+            }
+        };
+        if (m_bus != nullptr) {
+            forgetBus(*m_bus);
+        }
+        for (const IVDBNetBus *bus : m_module->getAllNetBus()) {
+            forgetBus(*bus);
+        }
+        for (const IVDBNet *net : m_module->plainNets()) {
+            m_pool.eraseNet(net);
+        }
+        auto item = m_module->getPorts().begin();
+        Verific::MapIter ports;
+        const Verific::Port *port = nullptr;
+        FOREACH_PORT_OF_NETLIST (m_netlist, ports, port) {
+            if (item == m_module->getPorts().end()) {
+                break;
+            }
+            m_pool.erasePort(port, *item++);
+        }
+        m_pool.eraseNetlist(m_module.get());
+    }
+
+    VDBObjectPool &m_pool;
+    const Verific::Netlist *m_netlist;
+    std::unique_ptr<VDBNetlist> m_module;
+    std::unique_ptr<VDBNetBus> m_bus; ///< the one being filled
+};
+
+} // namespace
+
+IVDBNetlist *DesignDatabase::buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,
+                                          const std::string &libraryName)
+{
+    ModuleBuilder builder(*m_pool, netlist, cellName, libraryName);
+    builder.build();
+    Source &built = elaborated ? m_elaborated : m_postMap;
+    built.netlists.push_back(builder.module());
+    IVDBNetlist *const module = builder.module();
+    builder.release();
+    return module;
+}
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,26 @@
+#include "model/SourcePosition.h"
+
+#include <netlistdb/VDBLineInfo.h>
+
+#include <DataBase.h>
+#include <LineFile.h>
+
+#include <cstdint>
+
+namespace kvr::netlistdb {
+
+IVDBLineInfo *sourcePosition(const Verific::DesignObj &object)
+{
+    const Verific::linefile_type handle = object.Linefile();
+    if (!handle) {
+        return nullptr;
+    }
+    const char *file = Verific::LineFile::GetAbsFileName(handle);
+    if (file == nullptr) {
+        return nullptr;
+    }
+    // The line goes through 32 unsigned bits, whatever integer the netlist database answers with.
+    return new VDBLineInfo(file, static_cast<std::uint32_t>(Verific::LineFile::GetLineNo(handle)));
+}
+
+} // namespace kvr::netlistdb

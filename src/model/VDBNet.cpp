@@ -1,0 +1,101 @@
+#include <netlistdb/VDBNet.h>
+
+#include "database/verific_queries.h"
+#include "model/LiveItems.h"
+#include "model/SourcePosition.h"
+
+#include <netlistdb/IVDBLineInfo.h>
+
+#include <DataBase.h>
+
+#include <stdexcept>
+
+namespace kvr::netlistdb {
+
+VDBNet::VDBNet(const Verific::Net *net) : VDBNet(nullptr, net) {}
+
+VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net) : m_ownerBus(ownerBus)
+{
+    if (net == nullptr) {
+        throw std::invalid_argument("net is nullptr");
+    }
+    if (const char *name = net->Name()) {
+        m_name = name;
+    }
+    m_width = verific_queries::widthOf(*net);
+    m_power = net->IsPwr() != 0;
+    m_ground = net->IsGnd() != 0;
+    m_multipleDriven = net->IsMultipleDriven() != 0;
+    m_lineInfo = sourcePosition(*net);
+    m_excluded = verific_queries::mustNotBeProbed(*net);
+    m_protected = net->IsProtected() != 0;
+    countItem(LiveItem::Net);
+}
+
+VDBNet::~VDBNet()
+{
+    delete m_lineInfo;
+    uncountItem(LiveItem::Net);
+}
+
+const std::string &VDBNet::getName() const
+{
+    return m_name;
+}
+
+std::uint32_t VDBNet::getItemType() const
+{
+    return ITEM_NET;
+}
+
+bool VDBNet::isUserDeclared() const
+{
+    return m_lineInfo != nullptr;
+}
+
+bool VDBNet::isSelectableForDebugger() const
+{
+    return !m_protected && !m_excluded;
+}
+
+bool VDBNet::isProtected() const
+{
+    return m_protected;
+}
+
+IVDBLineInfo *VDBNet::getLineInfo()
+{
+    return m_lineInfo;
+}
+
+unsigned long long VDBNet::getWidth() const
+{
+    return m_width;
+}
+
+bool VDBNet::isBus() const
+{
+    return m_width > 1;
+}
+
+IVDBNetBus *VDBNet::getOwnerBus()
+{
+    return m_ownerBus;
+}
+
+bool VDBNet::isPwr() const
+{
+    return m_power;
+}
+
+bool VDBNet::isGnd() const
+{
+    return m_ground;
+}
+
+bool VDBNet::isMultipleDriven() const
+{
+    return m_multipleDriven;
+}
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,25 @@
+#include "search/FullNameExpression.h"
+
+#include "search/FullName.h"
+
+namespace kvr::netlistdb {
+
+void FullNameExpression::enter(const IVDBInstance &instance)
+{
+    m_instance = &instance;
+}
+
+bool FullNameExpression::operator()(const std::string &name)
+{
+    if (m_instance != nullptr) {
+        m_buffer = netNamePrefix(m_instance);
+        m_prefixSize = m_buffer.size();
+        m_instance = nullptr;
+    }
+    m_buffer.resize(m_prefixSize);
+    m_buffer += name;
+    const char *begin = m_buffer.data();
+    return std::regex_search(begin, begin + m_buffer.size(), m_match, m_expression, std::regex_constants::match_any);
+}
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <regex>
+#include <string>
+
+namespace kvr::netlistdb {
+
+class IVDBInstance;
+
+/// Looks for a regular expression in the full names of nets, which are put together in one buffer behind the prefix
+/// that they share.
+class FullNameExpression {
+  public:
+    /// @p expression must outlive this object.
+    explicit FullNameExpression(const std::regex &expression) : m_expression(expression) {}
+
+    /// The names that follow belong to nets of @p instance, which must live as long as they come.
+    void enter(const IVDBInstance &instance);
+    /// True when std::regex_search finds the expression in the full name of the net called @p name.
+    bool operator()(const std::string &name);
+
+  private:
+    const std::regex &m_expression;
+    const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
+    std::string m_buffer;
+    std::size_t m_prefixSize = 0;
+    std::cmatch m_match;
+};
+
+} // namespace kvr::netlistdb

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvr::netlistdb {
+
+class CaseFold;
+class IVDBInstance;
+
+/// Looks for one text in the full names of nets without building them. A hit lies in the net's own name, in the prefix
+/// that all nets of the instance share, or across the two; what concerns the prefix is worked out once per instance,
+/// and only when a net's own name does not answer already.
+class FullNameText {
+  public:
+    /// With @p fold, which must outlive this object, both sides are folded.
+    explicit FullNameText(const std::string &text, const CaseFold *fold = nullptr);
+    FullNameText(const FullNameText &) = delete;
+    FullNameText &operator=(const FullNameText &) = delete;
+
+    /// The names that follow belong to nets of @p instance, which must live as long as they come.
+    void enter(const IVDBInstance &instance);
+    /// True when the text lies in the full name of the net called @p name. An empty text lies in every name.
+    bool operator()(const std::string &name);
+
+  private:
+    std::string_view folded(const std::string &text);
+    void readPrefix();
+    bool crossesInto(std::string_view name) const;
+
+    const CaseFold *m_fold;
+    std::string m_text;
+    std::string m_buffer;
+    const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
+    bool m_isInPrefix = false;
+    std::vector<std::string_view> m_rests; ///< of the text, for every start of it that the prefix ends with
+};
+
+} // namespace kvr::netlistdb

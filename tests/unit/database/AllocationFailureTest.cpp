@@ -1,0 +1,186 @@
+#include "database/VDBObjectPool.h"
+
+#include "tests/support/LibsetGuard.h"
+#include "tests/support/NetlistText.h"
+#include "tests/support/TreeText.h"
+
+#include <netlistdb/netlistdb.h>
+
+#include <DataBase.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+/// Allocations left before one fails; negative: none fails.
+long g_allocationsLeft = -1;
+
+} // namespace
+
+void *operator new(std::size_t size)
+{
+    if (g_allocationsLeft >= 0 && g_allocationsLeft-- == 0) {
+        throw std::bad_alloc();
+    }
+    if (void *memory = std::malloc(size != 0 ? size : 1)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void *operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void operator delete(void *memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void *memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void *memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void *memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+namespace kvr::netlistdb {
+namespace {
+
+using testsupport::LibsetGuard;
+using testsupport::netlistFromText;
+using testsupport::treeText;
+
+constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
+constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+
+constexpr const char *DESIGN = R"(
+    module leaf(in a_port_with_a_long_name, out q) at /some/where/leaf.v:1
+        net a_net_with_a_rather_long_name at /some/where/leaf.v:2
+        bus [1:0] a_bus_with_a_rather_long_name
+        net a_group_with_a_rather_long_name[0]
+        net a_group_with_a_rather_long_name[1]
+        net a_group_with_a_rather_long_name[3]
+    end
+    module mid() an_instance_with_a_long_name: leaf() l2: leaf() end
+    module top(in clk) m1: mid() m2: mid() f: KVR_FF(C=clk) end)";
+
+enum class Outcome { THREW, WENT_THROUGH, NOT_REACHED };
+
+/// Runs @p call while its allocation number @p number fails: the call throws that on, goes through without, or has no
+/// such allocation.
+template <typename Call> Outcome failAllocation(long number, Call call)
+{
+    g_allocationsLeft = number;
+    Outcome outcome = Outcome::THREW;
+    try {
+        call();
+        outcome = g_allocationsLeft < 0 ? Outcome::WENT_THROUGH : Outcome::NOT_REACHED;
+    } catch (const std::bad_alloc &) {
+        outcome = Outcome::THREW;
+    }
+    g_allocationsLeft = -1;
+    return outcome;
+}
+
+TEST(AllocationFailure, BuildingAModuleLeavesNothingBehind)
+{
+    const auto before = liveItemCounts();
+    int failures = 0;
+    for (long number = 0;; ++number) {
+        LibsetGuard guard;
+        netlistFromText(DESIGN);
+        Verific::Netlist *leaf = testsupport::netlistOfCell("leaf");
+        DesignDatabase database(true);
+        const Outcome outcome = failAllocation(number, [&] { database.buildNetlist(leaf, true, "", ""); });
+        if (outcome == Outcome::THREW) {
+            ++failures;
+            ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            continue;
+        }
+        const IVDBNetlist *module = database.objectPool()->find(leaf);
+        ASSERT_NE(module, nullptr);
+        ASSERT_EQ(module->getNets(true).size(), 4u);
+        ASSERT_EQ(module->getNets(false).size(), 4u);
+        if (outcome == Outcome::NOT_REACHED) {
+            break;
+        }
+    }
+    EXPECT_GT(failures, 50);
+}
+
+class InterruptedImport : public testing::TestWithParam<IDesignDatabase::SOURCE_TYPE> {
+  protected:
+    static bool import(DesignDatabase &database, Verific::Netlist *top)
+    {
+        return GetParam() == ELABORATED ? database.parseElaboratedNetlist(top) : database.parsePostMapNetlist(top);
+    }
+    static const char *wholeTree()
+    {
+        return GetParam() == ELABORATED ? "m1: mid\n  an_instance_with_a_long_name: leaf\n  l2: leaf\n"
+                                          "m2: mid\n  an_instance_with_a_long_name: leaf\n  l2: leaf\nf: KVR_FF\n"
+                                        : "m1: mid\nm2: mid\nf: KVR_FF\n";
+    }
+};
+
+TEST_P(InterruptedImport, LeavesADatabaseThatCanBeResetAndUsedAgain)
+{
+    const auto before = liveItemCounts();
+    int failures = 0;
+    for (long number = 0;; ++number) {
+        LibsetGuard guard;
+        Verific::Netlist *top = netlistFromText(DESIGN);
+        DesignDatabase database(true);
+        const Outcome outcome = failAllocation(number, [&] { EXPECT_TRUE(import(database, top)); });
+        if (outcome == Outcome::THREW) {
+            ++failures;
+            database.reset(GetParam());
+            ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            ASSERT_TRUE(import(database, top));
+        }
+        ASSERT_EQ(treeText(*database.getRoot(GetParam())), wholeTree()) << "allocation " << number;
+        if (outcome == Outcome::NOT_REACHED) {
+            break;
+        }
+    }
+    EXPECT_GT(failures, 100);
+    EXPECT_EQ(liveItemCounts(), before);
+}
+
+TEST_P(InterruptedImport, OverALoadedSourceLosesNeitherTree)
+{
+    const auto before = liveItemCounts();
+    for (long number = 0;; ++number) {
+        LibsetGuard guard;
+        Verific::Netlist *top = netlistFromText(DESIGN);
+        DesignDatabase database(true);
+        ASSERT_TRUE(import(database, top));
+        const IVDBInstance *oldRoot = database.getRoot(GetParam());
+        const Outcome outcome = failAllocation(number, [&] { import(database, top); });
+        ASSERT_TRUE(database.isSourceLoaded(GetParam()));
+        ASSERT_EQ(treeText(*oldRoot), wholeTree());
+        if (outcome == Outcome::NOT_REACHED) {
+            break;
+        }
+    }
+    EXPECT_EQ(liveItemCounts(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllocationFailure, InterruptedImport, testing::Values(ELABORATED, POST_MAP));
+
+} // namespace
+} // namespace kvr::netlistdb

@@ -1,0 +1,230 @@
+#include "database/VDBObjectPool.h"
+
+#include "tests/support/LibsetGuard.h"
+#include "tests/support/NetlistText.h"
+#include "tests/support/Throws.h"
+#include "tests/support/TreeText.h"
+
+#include <netlistdb/netlistdb.h>
+
+#include <DataBase.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace kvr::netlistdb {
+namespace {
+
+using testsupport::LibsetGuard;
+using testsupport::messageOf;
+using testsupport::moduleText;
+using testsupport::netlistFromText;
+
+/// What becomes of a module with these statements.
+std::string built(const std::string &statements)
+{
+    LibsetGuard guard;
+    DesignDatabase database(true);
+    Verific::Netlist *top = netlistFromText("module top() " + statements + " end");
+    return moduleText(*database.buildNetlist(top, true, "", ""));
+}
+
+TEST(BuildNetlist, RefusesANullNetlist)
+{
+    LibsetGuard guard;
+    DesignDatabase database(true);
+    EXPECT_EQ(messageOf<std::invalid_argument>([&] { database.buildNetlist(nullptr, true, "", ""); }),
+              "netlist is nullptr");
+    EXPECT_TRUE(database.objectPool()->empty());
+}
+
+TEST(BuildNetlist, TakesDeclaredBusesWithTheirNetsThenTheOtherNetsThenThePorts)
+{
+    EXPECT_EQ(built("net n bus [1:0] b bus [0:2] a net m"), "bus b[1:0]: b[1] b[0]\n"
+                                                            "bus a[0:2]: a[0] a[1] a[2]\n"
+                                                            "net n\n"
+                                                            "net m\n");
+    LibsetGuard guard;
+    DesignDatabase database(false);
+    const IVDBNetlist *module = database.buildNetlist(
+        netlistFromText("module top(in [1:0] d, clk, out q, inout p, none x) end"), false, "", "");
+    EXPECT_EQ(moduleText(*module), "bus d[1:0]: d[1] d[0]\n"
+                                   "net clk\nnet q\nnet p\nnet x\n"
+                                   "port d[1] in\nport d[0] in\nport clk in\nport q out\nport p other\nport x other\n");
+}
+
+TEST(BuildNetlist, LeavesOutTheUnsetBitsOfABus)
+{
+    EXPECT_EQ(built("bus [3:0] b = {x, -, y, -}"), "bus b[3:0]: x y\n");
+}
+
+TEST(BuildNetlist, NetsOfADeclaredBusAreNeverGrouped)
+{
+    EXPECT_EQ(built("bus [1:0] b = {q[1], q[0]} net q[2]"), "bus b[1:0]: q[1] q[0]\nnet q[2]\n");
+}
+
+TEST(BuildNetlist, MakesABusOfBitsFromZeroUp)
+{
+    EXPECT_EQ(built("net y[1] net y[0]"), "auto y[1:0]: y[0] y[1]\n");
+}
+
+TEST(BuildNetlist, KeepsBitsWithoutZeroPlain)
+{
+    EXPECT_EQ(built("net x[2] net x[1]"), "net x[1]\nnet x[2]\n") << "in the order of their subscripts";
+}
+
+TEST(BuildNetlist, KeepsASingleBitPlain)
+{
+    EXPECT_EQ(built("net q[0]"), "net q[0]\n");
+    EXPECT_EQ(built("net q[0] net q[2]"), "net q[0]\nnet q[2]\n");
+}
+
+TEST(BuildNetlist, EndsTheBusAtTheFirstGap)
+{
+    EXPECT_EQ(built("net d[5] net d[0] net d[1] net d[2]"), "auto d[2:0]: d[0] d[1] d[2]\nnet d[5]\n");
+    EXPECT_EQ(built("net d[0] net d[1] net d[3] net d[4]"), "auto d[1:0]: d[0] d[1]\nnet d[3]\nnet d[4]\n");
+}
+
+TEST(BuildNetlist, TakesMembersByPositionWhenSubscriptsRepeat)
+{
+    EXPECT_EQ(built("net d[0] net d[1] net d[01] net d[2]"), "auto d[2:0]: d[0] d[1] d[01]\nnet d[2]\n");
+    EXPECT_EQ(built("net d[0] net d[00] net d[1]"), "auto d[1:0]: d[0] d[00]\nnet d[1]\n");
+    EXPECT_EQ(built("net d[0] net d[00]"), "net d[0]\nnet d[00]\n");
+}
+
+TEST(BuildNetlist, ReadsSubscriptsWithLeadingZeros)
+{
+    EXPECT_EQ(built("net m[00] net m[01] net m[002]"), "auto m[2:0]: m[00] m[01] m[002]\n");
+}
+
+TEST(BuildNetlist, SeesASubscriptOnlyAtTheEndOfTheName)
+{
+    EXPECT_EQ(built("net m[0].q net m[1].q"), "net m[0].q\nnet m[1].q\n");
+    EXPECT_EQ(built("net m[0].q[1] net m[0].q[0]"), "auto m[0].q[1:0]: m[0].q[0] m[0].q[1]\n");
+}
+
+TEST(BuildNetlist, GroupsByAnEmptyBaseNameToo)
+{
+    EXPECT_EQ(built(R"(net "[1]" net "[0]")"), "auto [1:0]: [0] [1]\n");
+}
+
+TEST(BuildNetlist, TakesGroupsInByteOrderOfBaseNameAfterThePlainNets)
+{
+    EXPECT_EQ(built("net b[1] net b[0] net z net a_[0] net a_[1] net B[0] net B[1] net q[3] net c[0] net a"),
+              "auto B[1:0]: B[0] B[1]\n"
+              "auto a_[1:0]: a_[0] a_[1]\n"
+              "auto b[1:0]: b[0] b[1]\n"
+              "net z\nnet a\nnet c[0]\nnet q[3]\n");
+    EXPECT_EQ(built("net \"\xC3\xA4[0]\" net \"\xC3\xA4[1]\" net z[0] net z[1]"),
+              "auto z[1:0]: z[0] z[1]\n"
+              "auto \xC3\xA4[1:0]: \xC3\xA4[0] \xC3\xA4[1]\n")
+        << "bytes are compared without sign";
+}
+
+TEST(BuildNetlist, KeepsNamelessNetsPlain)
+{
+    EXPECT_EQ(built("net ! net ! net a"), "net \nnet \nnet a\n");
+}
+
+TEST(BuildNetlist, GivesMadeUpBusesTheNameAlignmentOfTheirMembers)
+{
+    LibsetGuard guard;
+    DesignDatabase database(false);
+    const IVDBNetlist *module =
+        database.buildNetlist(netlistFromText("module top() net d[0] net d[1] net aa[0] net aa[1] end"), true, "", "");
+    ASSERT_EQ(module->getAllNetBus().size(), 2u);
+    for (const IVDBNetBus *bus : module->getAllNetBus()) {
+        EXPECT_TRUE(bus->isAutoGenerated());
+        EXPECT_TRUE(bus->isNameAligned());
+        EXPECT_FALSE(bus->isUserDeclared());
+        for (IVDBNet *net : bus->getNets()) {
+            EXPECT_EQ(net->getOwnerBus(), bus);
+        }
+    }
+}
+
+TEST(BuildNetlist, TellsEveryMemberItsBusAndNoPlainNet)
+{
+    LibsetGuard guard;
+    DesignDatabase database(false);
+    const IVDBNetlist *module =
+        database.buildNetlist(netlistFromText("module top() bus [1:0] b net n net d[5] end"), true, "", "");
+    for (IVDBNet *net : module->getNets(true)) {
+        EXPECT_EQ(net->getOwnerBus(), module->getAllNetBus()[0]);
+    }
+    for (IVDBNet *net : module->getNets(false)) {
+        EXPECT_EQ(net->getOwnerBus(), nullptr);
+    }
+}
+
+TEST(BuildNetlist, HandsTheGivenNamesToTheModule)
+{
+    LibsetGuard guard;
+    DesignDatabase database(false);
+    Verific::Netlist *loose = netlistFromText("module top() loose end");
+    const IVDBNetlist *module = database.buildNetlist(loose, true, "cell", "library");
+    EXPECT_EQ(module->getName(), "cell");
+    EXPECT_EQ(module->GetLibName(), "library");
+    delete loose;
+    const IVDBNetlist *owned = database.buildNetlist(netlistFromText("module top() end"), true, "cell", "library");
+    EXPECT_EQ(owned->getName(), "top");
+    EXPECT_EQ(owned->GetLibName(), "work");
+}
+
+TEST(BuildNetlist, RegistersModuleNetsAndPortsButNoBuses)
+{
+    LibsetGuard guard;
+    DesignDatabase database(true);
+    Verific::Netlist *top = netlistFromText("module top(in clk) bus [1:0] b net n net q[0] net q[1] net q[5] end");
+    IVDBNetlist *module = database.buildNetlist(top, true, "", "");
+    const VDBObjectPool &pool = *database.objectPool();
+    EXPECT_EQ(pool.find(top), module);
+    EXPECT_EQ(pool.find(module), top);
+    std::vector<IVDBNet *> nets = module->getNets(false);
+    const std::vector<IVDBNet *> members = module->getNets(true);
+    nets.insert(nets.end(), members.begin(), members.end());
+    EXPECT_EQ(nets.size(), top->GetNets()->Size());
+    for (IVDBNet *net : nets) {
+        Verific::Net *source = pool.find(net);
+        ASSERT_NE(source, nullptr);
+        EXPECT_EQ(source->Name(), net->getName());
+        EXPECT_EQ(source->Owner(), top);
+        EXPECT_EQ(pool.find(source), net);
+    }
+    EXPECT_EQ(pool.find(testsupport::portOf(top, "clk")), module->getPorts()[0]);
+}
+
+TEST(BuildNetlist, DropsAModuleWhoseSubscriptIsTooLarge)
+{
+    LibsetGuard guard;
+    const auto before = liveItemCounts();
+    DesignDatabase database(true);
+    Verific::Netlist *top =
+        netlistFromText("module top(in a) bus [1:0] b at top.v:1 net n net q[0] net q[1] net d[2147483648] end");
+    EXPECT_EQ(messageOf<std::out_of_range>([&] { database.buildNetlist(top, true, "", ""); }), "stoi");
+    EXPECT_EQ(liveItemCounts(), before);
+    EXPECT_TRUE(database.objectPool()->empty());
+}
+
+TEST(BuildNetlist, TakesTheLargestSubscript)
+{
+    EXPECT_EQ(built("net d[2147483647] net d[0] net d[1]"), "auto d[1:0]: d[0] d[1]\nnet d[2147483647]\n");
+}
+
+TEST(BuildNetlist, DroppingAModuleLeavesWhatAnotherRegistered)
+{
+    LibsetGuard guard;
+    DesignDatabase database(true);
+    Verific::Netlist *top = netlistFromText("module top(in a) net n end");
+    IVDBNetlist *module = database.buildNetlist(top, true, "", "");
+    top->Add(new Verific::Net("d[2147483648]"));
+    EXPECT_THROW(database.buildNetlist(top, false, "", ""), std::out_of_range);
+    const VDBObjectPool &pool = *database.objectPool();
+    EXPECT_EQ(pool.find(top), module);
+    EXPECT_EQ(pool.find(testsupport::netOf(top, "n")), module->getNets(false)[1]);
+    EXPECT_EQ(pool.find(testsupport::portOf(top, "a")), module->getPorts()[0]);
+}
+
+} // namespace
+} // namespace kvr::netlistdb

@@ -1,0 +1,253 @@
+#include "database/VDBObjectPool.h"
+
+#include "tests/support/LibsetGuard.h"
+#include "tests/support/NetlistText.h"
+#include "tests/support/TreeText.h"
+
+#include <netlistdb/netlistdb.h>
+
+#include <DataBase.h>
+
+#include <gtest/gtest.h>
+
+namespace kvr::netlistdb {
+namespace {
+
+using testsupport::LibsetGuard;
+using testsupport::moduleText;
+using testsupport::netlistFromText;
+using testsupport::treeText;
+
+constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
+constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+
+constexpr const char *DESIGN = R"(
+    module leaf(in a, out q) net n bus [1:0] b net d[0] net d[1] end
+    module top(in a) u: leaf(a=a) f: KVR_FF(C=a) end)";
+
+/// Expects that the pool leads from every netlist object of this source to an item of this source and back.
+void expectWholePool(const DesignDatabase &database, const IVDBInstance *root, const Verific::Netlist *source)
+{
+    const VDBObjectPool &pool = *database.objectPool();
+    IVDBNetlist *module = root->getModule();
+    ASSERT_EQ(pool.find(source), module);
+    EXPECT_EQ(pool.find(module), source);
+    for (const bool fromBuses : {false, true}) {
+        for (IVDBNet *net : module->getNets(fromBuses)) {
+            const Verific::Net *object = pool.find(net);
+            ASSERT_NE(object, nullptr) << net->getName();
+            EXPECT_EQ(object->Owner(), source);
+            EXPECT_EQ(pool.find(object), net);
+        }
+    }
+    for (IVDBPort *port : module->getPorts()) {
+        EXPECT_EQ(pool.find(source->GetPort(port->getName().c_str())), port);
+    }
+    for (const IVDBInstance *child : root->getSubInstances()) {
+        const Verific::Instance *object = pool.find(child);
+        ASSERT_NE(object, nullptr) << child->getName();
+        EXPECT_EQ(object->Owner(), source);
+        expectWholePool(database, child, object->View());
+    }
+}
+
+TEST(Reset, EmptiesTheSourceAndLeavesTheOther)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    IVDBNetlist *top = database.getTopModule(POST_MAP);
+    const auto domains = database.listAllClockDomains(POST_MAP);
+    const std::string tree = treeText(*database.getRoot(POST_MAP));
+
+    EXPECT_TRUE(database.reset(ELABORATED));
+    EXPECT_FALSE(database.isSourceLoaded(ELABORATED));
+    EXPECT_EQ(database.getTopModule(ELABORATED), nullptr);
+    EXPECT_EQ(database.getRoot(ELABORATED), nullptr);
+    EXPECT_EQ(database.workingCopy(ELABORATED), nullptr);
+    EXPECT_TRUE(database.listAllClockDomains(ELABORATED).empty());
+    EXPECT_FALSE(database.reset(ELABORATED)) << "there is nothing left to reset";
+
+    EXPECT_TRUE(database.isSourceLoaded(POST_MAP));
+    EXPECT_EQ(database.getTopModule(POST_MAP), top);
+    EXPECT_EQ(database.listAllClockDomains(POST_MAP), domains);
+    EXPECT_EQ(treeText(*database.getRoot(POST_MAP)), tree);
+    EXPECT_TRUE(database.reset(POST_MAP));
+    EXPECT_TRUE(database.listAllClockDomains(POST_MAP).empty());
+}
+
+TEST(Reset, FreesEveryItemOfTheSource)
+{
+    for (const bool keep : {false, true}) {
+        LibsetGuard guard;
+        const auto before = liveItemCounts();
+        Verific::Netlist *source = netlistFromText(DESIGN);
+        DesignDatabase database(keep);
+        ASSERT_TRUE(database.parseElaboratedNetlist(source));
+        const auto elaborated = liveItemCounts();
+        ASSERT_TRUE(database.parsePostMapNetlist(source));
+        EXPECT_TRUE(database.reset(POST_MAP));
+        EXPECT_EQ(liveItemCounts(), elaborated);
+        EXPECT_TRUE(database.reset(ELABORATED));
+        EXPECT_EQ(liveItemCounts(), before);
+        EXPECT_TRUE(database.objectPool()->empty());
+    }
+}
+
+TEST(Reset, KeepsLibrariesAndSourceFiles)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText("module top() at /top.v:1 end");
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    EXPECT_TRUE(database.reset(ELABORATED));
+    EXPECT_EQ(testsupport::netlistOfCell("top"), source);
+    EXPECT_STREQ(Verific::LineFile::GetAbsFileName(source->Linefile()), "/top.v");
+}
+
+TEST(Reset, KeepsTheClockCaches)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText("module top(in clk) f: KVR_FF(C=clk, Q=q) end");
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    IVDBInstance *root = database.getRoot(POST_MAP);
+    IVDBNet *clock = database.getTopModule(POST_MAP)->getNets(false)[0];
+    database.addCache(nullptr, {root, clock});
+    EXPECT_TRUE(database.reset(POST_MAP));
+    EXPECT_EQ(database.drivingClockCache().size(), 1u);
+}
+
+TEST(Reset, DropsTheEntriesOfTheSourceFromThePool)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    const VDBObjectPool &pool = *database.objectPool();
+    const IVDBNetlist *top = database.getTopModule(ELABORATED);
+    const IVDBInstance *root = database.getRoot(ELABORATED);
+    const IVDBInstance *u = root->getSubInstances()[0];
+    const IVDBNetlist *leaf = u->getModule();
+    const IVDBNet *plain = leaf->getNets(false)[0];
+    const IVDBNet *member = leaf->getNets(true)[0];
+    ASSERT_NE(pool.find(top), nullptr);
+    ASSERT_NE(pool.find(u), nullptr);
+    ASSERT_NE(pool.find(member), nullptr);
+    EXPECT_TRUE(database.reset(ELABORATED));
+    EXPECT_EQ(pool.find(top), nullptr);
+    EXPECT_EQ(pool.find(leaf), nullptr);
+    EXPECT_EQ(pool.find(u), nullptr);
+    EXPECT_EQ(pool.find(plain), nullptr);
+    EXPECT_EQ(pool.find(member), nullptr);
+}
+
+TEST(Reset, LetsTheRemainingSourceTakeOverSharedNetlists)
+{
+    for (const bool elaboratedFirst : {true, false}) {
+        LibsetGuard guard;
+        Verific::Netlist *source = netlistFromText(DESIGN);
+        DesignDatabase database(true);
+        if (elaboratedFirst) {
+            ASSERT_TRUE(database.parseElaboratedNetlist(source));
+        }
+        ASSERT_TRUE(database.parsePostMapNetlist(source));
+        if (!elaboratedFirst) {
+            ASSERT_TRUE(database.parseElaboratedNetlist(source));
+        }
+        const auto freed = elaboratedFirst ? ELABORATED : POST_MAP;
+        const auto remaining = elaboratedFirst ? POST_MAP : ELABORATED;
+        const Verific::Netlist *leaf = testsupport::netlistOfCell("leaf");
+        ASSERT_EQ(database.objectPool()->find(leaf), database.getRoot(freed)->getSubInstances()[0]->getModule());
+        EXPECT_TRUE(database.reset(freed));
+        expectWholePool(database, database.getRoot(remaining), database.workingCopy(remaining));
+    }
+}
+
+TEST(Reset, OfTheSourceRegisteredLastLeavesTheOtherWhole)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    EXPECT_TRUE(database.reset(POST_MAP));
+    expectWholePool(database, database.getRoot(ELABORATED), database.workingCopy(ELABORATED));
+}
+
+TEST(Reset, DropsPortsOfANetlistThatChangedBetweenTheImports)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *leaf = testsupport::netlistOfCell("leaf");
+    const Verific::Port *a = testsupport::portOf(leaf, "a");
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    leaf->Add(new Verific::Port("late", Verific::DIR_IN));
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    EXPECT_TRUE(database.reset(ELABORATED));
+    const VDBObjectPool &pool = *database.objectPool();
+    EXPECT_EQ(pool.find(a), nullptr) << "no port is better than a wrong one";
+    EXPECT_EQ(pool.find(leaf), database.getRoot(POST_MAP)->getSubInstances()[0]->getModule());
+    EXPECT_NE(pool.find(testsupport::portOf(leaf, "late")), nullptr);
+}
+
+TEST(Reset, DoesNotNeedTheNetlistsBelowTheTopAnyMore)
+{
+    const auto before = liveItemCounts();
+    {
+        LibsetGuard guard;
+        Verific::Netlist *source = netlistFromText(DESIGN);
+        DesignDatabase database(true);
+        ASSERT_TRUE(database.parseElaboratedNetlist(source));
+        ASSERT_TRUE(database.parsePostMapNetlist(source));
+        Verific::Libset::Reset();
+        EXPECT_TRUE(database.reset(ELABORATED));
+        EXPECT_TRUE(database.reset(POST_MAP));
+        EXPECT_TRUE(database.objectPool()->empty());
+    }
+    EXPECT_EQ(liveItemCounts(), before);
+}
+
+TEST(Reset, ThenImportingAgainIsLikeAFreshDatabaseEveryTime)
+{
+    LibsetGuard guard;
+    const auto before = liveItemCounts();
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    DesignDatabase database(true);
+    std::string tree;
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(database.parseElaboratedNetlist(source));
+        ASSERT_TRUE(database.parsePostMapNetlist(source));
+        const std::string now =
+            treeText(*database.getRoot(ELABORATED)) + moduleText(*database.getTopModule(ELABORATED));
+        EXPECT_TRUE(tree.empty() || tree == now);
+        tree = now;
+        expectWholePool(database, database.getRoot(ELABORATED), database.workingCopy(ELABORATED));
+        EXPECT_TRUE(database.reset(ELABORATED));
+        expectWholePool(database, database.getRoot(POST_MAP), database.workingCopy(POST_MAP));
+        EXPECT_TRUE(database.reset(POST_MAP));
+        EXPECT_EQ(liveItemCounts(), before);
+    }
+}
+
+TEST(Reset, DropsRegisteredOccurrencesWithTheirInstances)
+{
+    LibsetGuard guard;
+    Verific::Netlist *source = netlistFromText(DESIGN);
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlist(source));
+    ASSERT_TRUE(database.parsePostMapNetlist(source));
+    VDBObjectPool &pool = *database.objectPool();
+    IVDBInstance *u = database.getRoot(ELABORATED)->getSubInstances()[0];
+    const Verific::Instance *object = pool.find(u);
+    pool.registerOccurrence(object, u);
+    EXPECT_TRUE(database.reset(ELABORATED));
+    EXPECT_EQ(pool.find(object), nullptr);
+}
+
+} // namespace
+} // namespace kvr::netlistdb
