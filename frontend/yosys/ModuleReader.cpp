@@ -1,0 +1,506 @@
+#include "ModuleReader.h"
+
+#include "BitReader.h"
+
+#include <limits>
+
+namespace kvr::netlistdb::yosys {
+
+namespace {
+
+constexpr std::string_view NAMELESS = "$bit$";
+constexpr std::string_view CONSTANT = "$const$";
+
+bool startsWith(std::string_view text, std::string_view prefix)
+{
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+bool looksLikeOurs(std::string_view name)
+{
+    return startsWith(name, NAMELESS) || startsWith(name, CONSTANT);
+}
+
+/// @p name, made longer until it is not in @p reserved.
+std::string freeName(std::string name, const std::unordered_set<std::string> &reserved)
+{
+    while (reserved.count(name) != 0) {
+        name += '_';
+    }
+    return name;
+}
+
+bool isGenerated(std::string_view name)
+{
+    return !name.empty() && name.front() == '$';
+}
+
+} // namespace
+
+void ModuleReader::read(Module &module)
+{
+    m_module = &module;
+    m_netlist = module.type.netlist();
+    m_fault.enterModule(module.type.name());
+    m_names.start(module.textSize);
+    m_netAttributes.clear();
+    m_portNames.clear();
+    m_reservedNets.clear();
+    m_reservedCells.clear();
+    m_constantNets = {};
+    m_latePins.clear();
+    m_usedBy.resize(m_modules.modules().size(), CellType::NO_MODULE);
+
+    addPortNames();
+    if (module.netNames) {
+        readNetNames(*module.netNames);
+    }
+    m_names.choose();
+    makeNets();
+    connectPorts();
+    if (module.memories) {
+        readMemories(*module.memories);
+    }
+    if (module.cells) {
+        readCells(*module.cells);
+    }
+    addConstantDrivers();
+    m_fault.leaveModule();
+}
+
+void ModuleReader::addPortNames()
+{
+    std::size_t at = 0;
+    for (const CellType::Group &group : m_module->type.groups()) {
+        for (unsigned position = 0; position < group.range.width; ++position) {
+            m_names.addBit(m_module->portBits[at++]);
+        }
+        m_portNames.emplace(group.name, static_cast<std::uint32_t>(m_names.names().size()));
+        m_names.add(group.name, NetNames::Rank::Port, group.range);
+    }
+}
+
+void ModuleReader::readNetNames(json::object &netNames)
+{
+    check(netNames.reset().error());
+    const char *end = nullptr;
+    eachField(netNames, [&](std::string_view raw, json::value &value) {
+        if (end == nullptr) {
+            m_progress.begin(raw.data());
+        }
+        end = raw.data();
+        m_progress.at(end);
+        readNetName(raw, value);
+    });
+    if (end != nullptr) {
+        m_progress.end(end);
+    }
+    m_fault.leaveItem();
+}
+
+void ModuleReader::readNetName(std::string_view raw, json::value &value)
+{
+    const std::string_view text = m_text.text(raw);
+    m_fault.enterItem("net", text);
+    json::object object = m_text.object(value, "a net");
+    bool hidden = isGenerated(text);
+    bool bitsRead = false;
+    VectorRange range;
+    AttributeReader::Summary summary;
+    std::uint32_t attributeNumber = NetNames::NO_ATTRIBUTES;
+    eachField(object, [&](std::string_view key, json::value &field) {
+        if (key == "bits") {
+            json::array bits = m_text.array(field, "\"bits\"");
+            if (bitsRead) {
+                m_fault.fail("\"bits\" stands there twice");
+            }
+            bitsRead = true;
+            eachElement(bits, [&](json::value &bit) { m_names.addBit(readBit(bit, m_fault)); });
+        } else if (key == "attributes") {
+            json::object attributes = m_text.object(field, "\"attributes\"");
+            summary = m_attributes.summarize(attributes);
+            if (summary.others) {
+                attributeNumber = static_cast<std::uint32_t>(m_netAttributes.size());
+                m_netAttributes.push_back(attributes);
+            }
+        } else if (key == "hide_name") {
+            hidden = m_text.flag(field, "\"hide_name\"") || hidden;
+        } else if (key == "offset") {
+            range.offset = m_text.integer(field, "\"offset\"");
+        } else if (key == "upto") {
+            range.upto = m_text.flag(field, "\"upto\"");
+        } else {
+            m_text.passOver(field);
+        }
+    });
+    if (!bitsRead) {
+        m_fault.fail("the net has no \"bits\"");
+    }
+    setWidth(range, m_names.pendingBits(), m_fault);
+    if (hidden) {
+        summary.position = 0;
+    }
+
+    NetNames::Name *name = nullptr;
+    const auto port = m_portNames.find(text);
+    if (port != m_portNames.end()) {
+        name = &m_names.names()[port->second];
+        bool same = name->range.width == range.width;
+        for (unsigned position = 0; same && position < range.width; ++position) {
+            same = m_names.bitOf(*name, position) == m_names.pendingBit(position);
+        }
+        if (!same) {
+            m_fault.fail("the net has other bits than the port of its name");
+        }
+        m_names.dropPendingBits();
+    } else {
+        const NetNames::Rank rank = hidden              ? NetNames::Rank::Generated
+                                    : !summary.position ? NetNames::Rank::Plain
+                                                        : NetNames::Rank::User;
+        name = &m_names.add(text, rank, range);
+        if (looksLikeOurs(text)) {
+            m_reservedNets.emplace(text);
+        }
+    }
+    name->position = summary.position;
+    name->attributes = attributeNumber;
+}
+
+void ModuleReader::makeNets()
+{
+    const std::vector<NetNames::Name> &names = m_names.names();
+    for (std::uint32_t number = 0; number < names.size(); ++number) {
+        const NetNames::Name &name = names[number];
+        if (name.range.isVector()) {
+            makeVector(number);
+        } else if (BitTable::Entry *entry = m_names.taken(number, 0)) {
+            entry->net = addNet(*m_netlist, m_scratch.of(name.text));
+            dress(name, *entry->net);
+        }
+    }
+}
+
+void ModuleReader::makeVector(std::uint32_t number)
+{
+    const NetNames::Name &name = m_names.names()[number];
+    unsigned taken = 0;
+    for (unsigned position = 0; position < name.range.width; ++position) {
+        taken += m_names.taken(number, position) != nullptr ? 1 : 0;
+    }
+    if (taken == 0) {
+        return;
+    }
+    Verific::NetBus *bus = nullptr;
+    if (taken == name.range.width) {
+        bus = addNetBus(*m_netlist, m_scratch.of(name.text), name.range.left(), name.range.right());
+        dress(name, *bus);
+    }
+    for (unsigned position = 0; position < name.range.width; ++position) {
+        BitTable::Entry *entry = m_names.taken(number, position);
+        if (entry == nullptr) {
+            continue;
+        }
+        const int index = name.range.indexOf(position);
+        entry->net = addNet(*m_netlist, m_scratch.indexed(name.text, index));
+        if (bus == nullptr) {
+            dress(name, *entry->net);
+            continue;
+        }
+        // The attributes are the vector's; position and protection hold for every bit of it.
+        setPosition(*entry->net, bus->Linefile());
+        if (bus->IsProtected() != 0) {
+            setProtected(*entry->net);
+        }
+        putInBus(*bus, index, entry->net);
+    }
+}
+
+void ModuleReader::dress(const NetNames::Name &name, Verific::DesignObj &object)
+{
+    setPosition(object, name.position);
+    if (name.attributes != NetNames::NO_ATTRIBUTES) {
+        json::object &attributes = m_netAttributes[name.attributes];
+        check(attributes.reset().error());
+        m_fault.enterItem("net", name.text);
+        m_attributes.apply(attributes, object, !name.position);
+        m_fault.leaveItem();
+    }
+}
+
+void ModuleReader::connectPorts()
+{
+    const std::vector<Verific::Port *> &pins = m_module->type.pins();
+    std::size_t pin = 0;
+    std::uint32_t number = 0;
+    for (const CellType::Group &group : m_module->type.groups()) {
+        const NetNames::Name &name = m_names.names()[number++];
+        if (group.range.isVector() && group.range.width > 0) {
+            dress(name, *pins[pin]->Bus());
+        }
+        for (unsigned position = 0; position < group.range.width; ++position, ++pin) {
+            dress(name, *pins[pin]);
+            pins[pin]->Connect(netOf(m_module->portBits[pin]));
+        }
+    }
+}
+
+void ModuleReader::readMemories(json::object &memories)
+{
+    check(memories.reset().error());
+    eachField(memories, [&](std::string_view raw, json::value &value) {
+        const std::string_view text = m_text.text(raw, m_nameBuffer);
+        m_fault.enterItem("memory", text);
+        json::object object = m_text.object(value, "a memory");
+        int width = -1;
+        int size = -1;
+        bool hidden = isGenerated(text);
+        std::optional<json::object> attributes;
+        eachField(object, [&](std::string_view key, json::value &field) {
+            if (key == "width") {
+                width = m_text.integer(field, "\"width\"");
+            } else if (key == "size") {
+                size = m_text.integer(field, "\"size\"");
+            } else if (key == "hide_name") {
+                hidden = m_text.flag(field, "\"hide_name\"") || hidden;
+            } else if (key == "attributes") {
+                attributes = m_text.object(field, "\"attributes\"");
+            } else {
+                m_text.passOver(field);
+            }
+        });
+        if (width < 0 || size < 0) {
+            m_fault.fail("a memory must have a \"width\" and a \"size\" that are not negative");
+        }
+        const std::uint64_t bits = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(size);
+        if (bits > std::numeric_limits<unsigned>::max()) {
+            m_fault.fail("a memory of " + std::to_string(size) + " words of " + std::to_string(width) +
+                         " bits is too large: at most 4294967295 bits");
+        }
+        Verific::Net *memory = addMemory(*m_netlist, m_scratch.of(text), static_cast<unsigned>(bits));
+        if (attributes) {
+            check(attributes->reset().error());
+            m_attributes.apply(*attributes, *memory, hidden);
+        }
+    });
+    m_fault.leaveItem();
+}
+
+void ModuleReader::readCells(json::object &cells)
+{
+    check(cells.reset().error());
+    const char *end = nullptr;
+    eachField(cells, [&](std::string_view raw, json::value &value) {
+        if (end == nullptr) {
+            m_progress.begin(raw.data());
+        }
+        end = raw.data();
+        m_progress.at(end);
+        readCell(raw, value);
+    });
+    if (end != nullptr) {
+        m_progress.end(end);
+    }
+    m_fault.leaveItem();
+}
+
+void ModuleReader::readCell(std::string_view raw, json::value &value)
+{
+    const std::string_view name = m_text.text(raw, m_nameBuffer);
+    m_fault.enterItem("cell", name);
+    ++m_cellNumber;
+    const bool generated = isGenerated(name);
+    if (looksLikeOurs(name)) {
+        m_reservedCells.emplace(name);
+    }
+    json::object object = m_text.object(value, "a cell");
+    bool hidden = generated;
+    std::string_view rawType;
+    CellType *type = nullptr;
+    Verific::Instance *inst = nullptr;
+    CellParts later;
+    unsigned met = 0;
+    const auto once = [&](unsigned part, std::string_view key) {
+        if ((met & part) != 0) {
+            m_fault.fail("\"" + std::string(key) + "\" stands in the cell twice");
+        }
+        met |= part;
+    };
+    // In files of yosys the type comes before everything that needs it. Where the type is a module, every part is used
+    // as it comes; otherwise the parts are put aside until all are known.
+    eachField(object, [&](std::string_view key, json::value &field) {
+        if (key == "connections") {
+            once(1, key);
+            json::object part = m_text.object(field, "\"connections\"");
+            if (inst != nullptr) {
+                readConnections(part, *inst, *type);
+            } else {
+                later.connections = part;
+            }
+        } else if (key == "port_directions") {
+            once(2, key);
+            json::object part = m_text.object(field, "\"port_directions\"");
+            eachField(part, [&](std::string_view, json::value &each) { m_text.rawString(each, "a port direction"); });
+            later.directions = part;
+        } else if (key == "attributes") {
+            once(4, key);
+            json::object part = m_text.object(field, "\"attributes\"");
+            if (inst != nullptr) {
+                m_attributes.apply(part, *inst, generated);
+            } else {
+                later.attributes = part;
+            }
+        } else if (key == "parameters") {
+            once(8, key);
+            json::object part = m_text.object(field, "\"parameters\"");
+            if (inst != nullptr) {
+                m_attributes.applyParameters(part, *inst);
+            } else {
+                later.parameters = part;
+            }
+        } else if (key == "type") {
+            once(16, key);
+            rawType = m_text.rawString(field, "\"type\"");
+            type = m_modules.find(rawType);
+            if (type != nullptr) {
+                inst = addCell(name, *type);
+            }
+        } else if (key == "hide_name") {
+            hidden = m_text.flag(field, "\"hide_name\"") || hidden;
+        } else {
+            m_text.passOver(field);
+        }
+    });
+    if (rawType.data() == nullptr) {
+        m_fault.fail("the cell has no \"type\"");
+    }
+    if (type == nullptr) {
+        type = m_modules.findByName(m_text.text(rawType, m_portBuffer));
+        if (type == nullptr) {
+            type = &m_others.find(rawType, later.parameters, later.directions, later.connections);
+        }
+        inst = addCell(name, *type);
+    }
+    if (later.attributes) {
+        check(later.attributes->reset().error());
+        m_attributes.apply(*later.attributes, *inst, generated);
+    }
+    if (later.parameters) {
+        check(later.parameters->reset().error());
+        m_attributes.applyParameters(*later.parameters, *inst);
+    }
+    if (later.connections) {
+        check(later.connections->reset().error());
+        readConnections(*later.connections, *inst, *type);
+    }
+    if (hidden && !generated) {
+        setPosition(*inst, 0);
+    }
+}
+
+Verific::Instance *ModuleReader::addCell(std::string_view name, const CellType &type)
+{
+    if (type.module() != CellType::NO_MODULE && m_usedBy[type.module()] != m_module->type.module()) {
+        m_usedBy[type.module()] = m_module->type.module();
+        m_module->uses.push_back(type.module());
+        m_modules.modules()[type.module()].instantiated = true;
+    }
+    return addInstance(*m_netlist, m_scratch.of(name), type.netlist());
+}
+
+CellType::Group &ModuleReader::groupOf(CellType &type, std::string_view raw, unsigned position)
+{
+    CellType::Group *group = type.find(raw, position);
+    if (group != nullptr) {
+        return *group;
+    }
+    const std::string_view name = m_text.text(raw, m_portBuffer);
+    m_fault.enterPort(name);
+    group = type.findByName(name);
+    if (group == nullptr) {
+        m_fault.fail("cell type '" + std::string(type.name()) + "' has no such port");
+    }
+    return *group;
+}
+
+void ModuleReader::readConnections(json::object &connections, Verific::Instance &inst, CellType &type)
+{
+    unsigned position = 0;
+    eachField(connections, [&](std::string_view raw, json::value &value) {
+        CellType::Group &group = groupOf(type, raw, position++);
+        m_fault.enterPort(group.name);
+        if (group.connectedBy == m_cellNumber) {
+            m_fault.fail("the port is connected twice");
+        }
+        group.connectedBy = m_cellNumber;
+        m_pinBits.clear();
+        json::array bits = m_text.array(value, "a connection");
+        eachElement(bits, [&](json::value &bit) { m_pinBits.push_back(readBit(bit, m_fault)); });
+        if (m_pinBits.empty()) {
+            return; // left open
+        }
+        if (!group.widthKnown) {
+            VectorRange range;
+            setWidth(range, m_pinBits.size(), m_fault);
+            type.define(group, range, m_scratch);
+        } else if (group.range.width != m_pinBits.size()) {
+            m_fault.fail("the connection is " + std::to_string(m_pinBits.size()) +
+                         " wide, but the port of cell type '" + std::string(type.name()) + "' is " +
+                         std::to_string(group.range.width));
+        }
+        if (m_pinNets.size() < type.pins().size()) {
+            m_pinNets.resize(type.pins().size(), nullptr);
+        }
+        for (std::size_t at = 0; at < m_pinBits.size(); ++at) {
+            Verific::Net *net = netOf(m_pinBits[at]);
+            if (isConstant(m_pinBits[at]) && group.direction == Verific::DIR_OUT) {
+                m_latePins.push_back({&inst, type.pins()[group.firstPin + at], net});
+            } else {
+                m_pinNets[group.firstPin + at] = net;
+            }
+        }
+    });
+    m_fault.leavePort();
+    // In the order of the ports, whatever the order in the file: look-up by port is quickest then.
+    const std::vector<Verific::Port *> &pins = type.pins();
+    const std::size_t count = std::min(pins.size(), m_pinNets.size());
+    for (std::size_t at = 0; at < count; ++at) {
+        if (m_pinNets[at] != nullptr) {
+            inst.Connect(pins[at], m_pinNets[at]);
+            m_pinNets[at] = nullptr;
+        }
+    }
+}
+
+void ModuleReader::addConstantDrivers()
+{
+    for (unsigned constant = 0; constant < CONSTANTS; ++constant) {
+        Verific::Net *net = m_constantNets[constant];
+        if (net == nullptr) {
+            continue;
+        }
+        Verific::Netlist *driver = m_others.constant(constant);
+        const std::string name = freeName(std::string(CONSTANT) + CONSTANT_NAMES[constant], m_reservedCells);
+        addInstance(*m_netlist, name.c_str(), driver)->Connect(driver->GetPort("Y"), net);
+    }
+    for (const LatePin &pin : m_latePins) {
+        pin.inst->Connect(pin.port, pin.net);
+    }
+}
+
+Verific::Net *ModuleReader::namelessNet(Bit bit, BitTable::Entry &entry)
+{
+    const std::string name = freeName(std::string(NAMELESS) + std::to_string(bit), m_reservedNets);
+    entry.net = addNet(*m_netlist, name.c_str());
+    return entry.net;
+}
+
+Verific::Net *ModuleReader::constantNet(unsigned constant)
+{
+    Verific::Net *&net = m_constantNets[constant];
+    if (net == nullptr) {
+        net = addNet(*m_netlist, freeName(std::string(CONSTANT) + CONSTANT_NAMES[constant], m_reservedNets).c_str());
+    }
+    return net;
+}
+
+} // namespace kvr::netlistdb::yosys

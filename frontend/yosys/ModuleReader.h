@@ -1,0 +1,101 @@
+#pragma once
+
+#include "ModuleTable.h"
+#include "NetNames.h"
+#include "OtherCellTypes.h"
+#include "Progress.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace kvr::netlistdb::yosys {
+
+/// Reads the bodies of modules: nets, memories and cells. One reader serves all modules, one after the other, so that
+/// its tables are allocated once.
+class ModuleReader {
+  public:
+    ModuleReader(JsonText &text, ReadFault &fault, AttributeReader &attributes, ModuleTable &modules,
+                 OtherCellTypes &others, Progress &progress)
+        : m_text(text), m_fault(fault), m_attributes(attributes), m_modules(modules), m_others(others),
+          m_progress(progress)
+    {
+    }
+
+    void read(Module &module);
+
+  private:
+    /// The parts of a cell that were met before it was known what the cell is.
+    struct CellParts {
+        std::optional<json::object> parameters;
+        std::optional<json::object> attributes;
+        std::optional<json::object> directions;
+        std::optional<json::object> connections;
+    };
+    /// An output pin that is tied to a constant; connected last, so that the constant stays the net's driver.
+    struct LatePin {
+        Verific::Instance *inst;
+        Verific::Port *port;
+        Verific::Net *net;
+    };
+
+    void addPortNames();
+    void readNetNames(json::object &netNames);
+    void readNetName(std::string_view raw, json::value &value);
+    void makeNets();
+    void makeVector(std::uint32_t number);
+    void dress(const NetNames::Name &name, Verific::DesignObj &object);
+    void connectPorts();
+
+    void readMemories(json::object &memories);
+
+    void readCells(json::object &cells);
+    void readCell(std::string_view raw, json::value &value);
+    Verific::Instance *addCell(std::string_view name, const CellType &type);
+    void readConnections(json::object &connections, Verific::Instance &inst, CellType &type);
+    CellType::Group &groupOf(CellType &type, std::string_view raw, unsigned position);
+    void addConstantDrivers();
+
+    Verific::Net *netOf(Bit bit)
+    {
+        if (isConstant(bit)) {
+            return constantNet(bit - FIRST_CONSTANT);
+        }
+        BitTable::Entry &entry = m_names.entry(bit);
+        return entry.net != nullptr ? entry.net : namelessNet(bit, entry);
+    }
+    Verific::Net *namelessNet(Bit bit, BitTable::Entry &entry);
+    Verific::Net *constantNet(unsigned constant);
+
+    JsonText &m_text;
+    ReadFault &m_fault;
+    AttributeReader &m_attributes;
+    ModuleTable &m_modules;
+    OtherCellTypes &m_others;
+    Progress &m_progress;
+    CText m_scratch;
+    TextBuffer m_nameBuffer;
+    TextBuffer m_portBuffer;
+
+    // Of the module that is being read.
+    Module *m_module = nullptr;
+    Verific::Netlist *m_netlist = nullptr;
+    NetNames m_names;
+    std::vector<json::object> m_netAttributes;
+    std::unordered_map<std::string_view, std::uint32_t> m_portNames; ///< name of a port -> number of the name
+    std::unordered_set<std::string> m_reservedNets;                  ///< names of nets that look like ours
+    std::unordered_set<std::string> m_reservedCells;                 ///< names of cells that look like ours
+    std::array<Verific::Net *, CONSTANTS> m_constantNets{};
+    std::vector<LatePin> m_latePins;
+    std::vector<unsigned> m_usedBy; ///< by number of module: the latest module met that instantiates it
+
+    // Of the cell that is being read.
+    std::vector<Verific::Net *> m_pinNets;
+    std::vector<Bit> m_pinBits;
+    std::uint64_t m_cellNumber = 0;
+};
+
+} // namespace kvr::netlistdb::yosys

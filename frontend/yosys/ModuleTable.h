@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Attributes.h"
+#include "CellType.h"
+#include "LooseDesign.h"
+
+#include <deque>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace kvr::netlistdb::yosys {
+
+/// A module of the file, its ports made, its body not read yet.
+struct Module {
+    Module(std::string_view name, Verific::Netlist *netlist, unsigned number) : type(name, netlist, number) {}
+
+    CellType type;
+    std::vector<Bit> portBits; ///< the bit on each of type.pins()
+    std::optional<json::object> netNames;
+    std::optional<json::object> memories;
+    std::optional<json::object> cells;
+    std::size_t textSize = 0; ///< bytes of the module in the file
+    bool blackBox = false;
+    bool markedTop = false;
+    bool instantiated = false;
+    std::vector<unsigned> uses; ///< numbers of the modules that it instantiates, each once
+};
+
+/// The modules of one file.
+class ModuleTable {
+  public:
+    ModuleTable(JsonText &text, ReadFault &fault, AttributeReader &attributes, LooseDesign &design)
+        : m_text(text), m_fault(fault), m_attributes(attributes), m_design(design)
+    {
+    }
+
+    /// Reads the modules' attributes and ports, makes their netlists and notes where their bodies stand.
+    void read(json::object &modules);
+
+    std::deque<Module> &modules() { return m_modules; }
+    /// The module that a cell of type @p raw (as it stands between its quotes) instantiates, or null.
+    CellType *find(std::string_view raw)
+    {
+        const auto found = m_byRaw.find(raw);
+        return found != m_byRaw.end() ? found->second : nullptr;
+    }
+    CellType *findByName(std::string_view name);
+
+  private:
+    void readModule(std::string_view raw, json::value &value);
+    void readPorts(Module &module, json::object &ports);
+
+    JsonText &m_text;
+    ReadFault &m_fault;
+    AttributeReader &m_attributes;
+    LooseDesign &m_design;
+    CText m_scratch;
+    std::deque<Module> m_modules;
+    std::unordered_map<std::string_view, CellType *> m_byRaw;
+    std::unordered_map<std::string_view, CellType *> m_byName;
+};
+
+} // namespace kvr::netlistdb::yosys
