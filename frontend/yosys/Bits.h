@@ -24,7 +24,7 @@ struct VectorRange {
     unsigned width = 0; ///< number of bits
     bool upto = false;  ///< declared [low:high], the lowest index being the most significant bit
     bool isVector() const { return width != 1 || offset != 0; }
-    int high() const { return offset + static_cast<int>(width) - 1; }
+    int high() const { return static_cast<int>(offset + static_cast<std::int64_t>(width) - 1); }
     int left() const { return upto ? offset : high(); }
     int right() const { return upto ? high() : offset; }
     /// Index of bit number @p position of the file's list.

@@ -11,31 +11,52 @@ class Netlist;
 
 namespace kvr::netlistdb::yosys {
 
-/// A Yosys JSON file that cannot become a netlist. what() is one line: file, fault, and the module and item it lies in.
+/// A Yosys JSON file that cannot become a netlist. what() is one line: the file, the fault, and the module and the
+/// cell, port, net or memory that it lies in, as far as there is one.
 class ReadError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// The reader was told to stop by its progress callback.
+/// The progress callback told the reader to stop.
 class ReadCancelled : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
 struct ReadOptions {
-    /// Name of the top module; empty: the module marked as top, or else the only one that no other instantiates.
+    /// Name of the top module; empty: the module that is marked with the attribute `top`, or else the only one with a
+    /// body that no other instantiates.
     std::string top;
-    /// Told from time to time how many of how many bytes are read; answering false stops the reading. May be empty.
+    /// Told at the start, at the end, and after about every hundredth of the file how many of how many bytes are read;
+    /// `done` never falls. Answering false stops the reading. May be empty; what it throws passes.
     std::function<bool(std::uint64_t done, std::uint64_t total)> progress;
 };
 
-/// Reads a netlist that yosys wrote with `write_json` (0.23 or later) into the global libset.
+/// Reads a netlist that yosys wrote with `write_json` (0.23 or later) into the global libset and answers the top
+/// netlist, which belongs to its cell.
 ///
-/// Modules go to library "work", word-level cells to "Operators", one-bit cells and constants to "Primitives". Answers
-/// the top netlist, which belongs to its cell. Reads in time proportional to the file.
-/// @throws ReadError when the file is not such a netlist, ReadCancelled when stopped, std::bad_alloc; the global libset
-///         is then as it was before.
+/// - Every module becomes a cell with one netlist in library "work". Modules marked `blackbox` or `whitebox` become
+///   black boxes, and so do cell types that the file does not define but whose cells tell their port directions. The
+///   netlists of a second file become further views of cells of the same names; nothing is merged.
+/// - Word-level cells (`$add`, `$dff`, …) become operators in library "Operators"; gates (`$_AND_`, …), one-bit
+///   buffers and constants primitives in library "Primitives": one netlist for every type and set of parameters.
+///   Flip-flops and clocked memory ports are registers. An instance keeps its parameters.
+/// - A port of several bits becomes one port per bit, called `name[index]`, and a port bus. Ports bear the
+///   attributes of the net of their name.
+/// - Every bit becomes one net and takes the best of its names: the name of a port, then one with a source position
+///   (fewest of '.' and '/', then shortest, then first in byte order), then another. A vector whose bits all took
+///   its name becomes a net bus; otherwise its bits are nets called `name[index]`. Bits without a name are called
+///   `$bit$<number>`, constants `$const$0`, `$const$1`, `$const$x` and `$const$z`.
+/// - A memory becomes a RamNet of all its bits.
+/// - `src` attributes become source positions (of the first range) and make their objects user-declared, unless the
+///   name begins with '$' (modules called `$paramod…` count as the user's). `protected` protects its object. All
+///   other attributes and all parameters keep key and value: numbers as they are written, texts without the blank
+///   that yosys puts behind those that look like bits. The attributes of a net bus stand on the bus alone.
+///
+/// Reads in time proportional to the file, at most 4 GiB, which is held in memory as a whole meanwhile.
+/// @throws ReadError when the file cannot be read or is not such a netlist, ReadCancelled when stopped,
+///         std::bad_alloc; the global libset is then as it was before.
 Verific::Netlist *readJson(const std::string &path, const ReadOptions &options = {});
 
 } // namespace kvr::netlistdb::yosys

@@ -9,6 +9,7 @@ namespace kvr::netlistdb {
 
 class IDesignDatabase;
 class IVDBInstance;
+class IVDBNetlist;
 class PendingItems;
 
 /// Walks the instance tree below a start instance level by level, listing with each instance its buses, nets and
@@ -35,7 +36,10 @@ class NETLISTDB_EXPORT BFSItemIterator : public TreeIterator {
     void fetchMoreItem(IVDBItem *item);
 
   private:
-    void appendChildren(IVDBInstance &instance);
+    friend class WalkCursor;
+
+    void stepOn();
+    void appendChildren(IVDBInstance &instance, const IVDBNetlist *module);
 
     VDBSearchParam m_param;
     [[maybe_unused]] IDesignDatabase *m_database;

@@ -33,8 +33,11 @@ class NETLISTDB_EXPORT IDesignDatabase {
     virtual ~IDesignDatabase();
 
     /// Imports an elaborated netlist, which stays the caller's: it is read and copied only. The source then counts as
-    /// loaded even when the answer is false: some instance names a view outside the netlist's hierarchy.
-    /// @throws std::out_of_range "stoi" when a bit subscript exceeds 32 bits, std::bad_alloc.
+    /// loaded even when the answer is false: some instance names a view outside the netlist's hierarchy. No module may
+    /// contain itself. A source that is loaded already is not emptied first: its old tree lives on until the database
+    /// goes. What a throwing import built stays until the source is reset.
+    /// @throws std::invalid_argument "netlist is nullptr" (nothing changes then), std::out_of_range "stoi" when a bit
+    ///         subscript exceeds a signed 32-bit integer, std::bad_alloc.
     virtual bool parseElaboratedNetlist(Verific::Netlist *netlist) = 0;
     /// Restores a saved netlist and imports it; false when the file cannot be restored (nothing changes then) or when
     /// the import says so.

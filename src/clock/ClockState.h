@@ -26,6 +26,14 @@ struct InstanceNetHash {
     }
 };
 
+/// A net that a post-map trace has put in line, with its item still to be looked up: most queries end before most of
+/// the nets in line have their turn.
+struct WaitingNet {
+    IVDBInstance *instance;
+    const Verific::Net *net;
+    std::size_t visited; ///< pairs visited when it was put in line: one of those is not visited again
+};
+
 /// What a clock query keeps beside the database's tables and caches, so that no query walks one of them.
 struct ClockState {
     using Pair = std::pair<IVDBInstance *, IVDBNet *>;
@@ -47,6 +55,7 @@ struct ClockState {
 
     // Storage of the running query, kept for the next one.
     std::deque<Pair> queue;
+    std::deque<WaitingNet> fanIn;
     VisitedPairs visited;
     VisitedPairs deadEnds;
 };

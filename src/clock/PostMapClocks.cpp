@@ -59,6 +59,23 @@ bool clockOfOutput(const Verific::Instance *cell, const Verific::Port *drivingPi
     return false;
 }
 
+/// Takes nets from the line until one was not visited before it was put there; false when none is left. A net may have
+/// been put in line several times before its first turn, and then has several turns.
+bool nextWaiting(const VDBObjectPool &pool, std::deque<WaitingNet> &queue, const VisitedPairs &visited,
+                 VisitedPairs::Pair &pair, const Verific::Net *&source)
+{
+    while (!queue.empty()) {
+        const WaitingNet waiting = queue.front();
+        queue.pop_front();
+        pair = {waiting.instance, pool.find(waiting.net)};
+        source = pair.second != nullptr ? waiting.net : nullptr;
+        if (!visited.containsAmongFirst(waiting.visited, pair)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 void DesignDatabase::parseClkDomainPostMap(Verific::Netlist *netlist)
@@ -110,7 +127,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
         return nullptr;
     }
 
-    std::deque<InstanceNet> &queue = m_clocks->queue;
+    std::deque<WaitingNet> &queue = m_clocks->fanIn;
     VisitedPairs &visited = m_clocks->visited;
     VisitedPairs &deadEnds = m_clocks->deadEnds;
     queue.clear();
@@ -118,23 +135,20 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
     deadEnds.clear();
 
     const auto cacheVisited = [&](IClockDomain *domain) {
-        for (const InstanceNet &pair : visited) {
-            if (deadEnds.empty() || !deadEnds.contains(pair)) {
-                addCache(domain, pair);
+        for (const InstanceNet &each : visited) {
+            if (deadEnds.empty() || !deadEnds.contains(each)) {
+                addCache(domain, each);
             }
         }
     };
-    const auto push = [&](const InstanceNet &pair) {
-        if (!visited.contains(pair)) {
-            queue.push_back(pair);
-        }
+    const auto push = [&](IVDBInstance *instance, const Verific::Net *waiting) {
+        queue.push_back({instance, waiting, visited.size()});
     };
 
     IClockDomain *answer = nullptr;
-    queue.emplace_back(inst, net);
-    while (!queue.empty()) {
-        const InstanceNet pair = queue.front();
-        queue.pop_front();
+    InstanceNet pair{inst, net};
+    const Verific::Net *source = m_pool->find(net);
+    for (bool waiting = true; waiting; waiting = nextWaiting(*m_pool, queue, visited, pair, source)) {
         visited.insert(pair);
 
         const auto cached = findCachedResult(pair);
@@ -146,11 +160,12 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
             return cached->first;
         }
 
-        const Verific::Net *source = m_pool->find(pair.second);
         const Verific::Instance *driver = source != nullptr ? source->Driver() : nullptr;
         const Verific::PortRef *pin = driver != nullptr ? m_clocks->drivingPins.find(source, driver) : nullptr;
         if (pin == nullptr && pair.first != nullptr && pair.first->getDepth() != 0) {
-            climb(*m_pool, pair.first, source, push);
+            climb(*m_pool, pair.first, source, [&](const InstanceNet &above) {
+                push(above.first, m_pool->find(above.second));
+            });
             continue;
         }
         if (pin == nullptr || pin->GetPort() == nullptr || pin->GetInst() == nullptr) {
@@ -173,14 +188,14 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
         Verific::PortRef *input = nullptr;
         FOREACH_PORTREF_OF_INST(driver, inputs, input) {
             if (input->GetPort() != nullptr && input->GetNet() != nullptr && !input->GetPort()->IsOutput()) {
-                push({inst, m_pool->find(input->GetNet())});
+                push(inst, input->GetNet());
             }
         }
     }
 
     if (answer == nullptr) {
-        for (const InstanceNet &pair : visited) {
-            addCache(nullptr, pair);
+        for (const InstanceNet &each : visited) {
+            addCache(nullptr, each);
         }
     }
     return answer;

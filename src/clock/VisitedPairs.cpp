@@ -21,12 +21,14 @@ bool VisitedPairs::insert(const Pair &pair)
     return true;
 }
 
-bool VisitedPairs::contains(const Pair &pair) const
+bool VisitedPairs::containsAmongFirst(std::size_t count, const Pair &pair) const
 {
     if (m_buckets.empty()) {
-        return std::find(m_pairs.begin(), m_pairs.end(), pair) != m_pairs.end();
+        const auto end = m_pairs.begin() + static_cast<std::ptrdiff_t>(count);
+        return std::find(m_pairs.begin(), end, pair) != end;
     }
-    return m_buckets[bucketOf(pair)] != 0;
+    const std::uint32_t place = m_buckets[bucketOf(pair)];
+    return place != 0 && place <= count;
 }
 
 void VisitedPairs::clear()

@@ -20,7 +20,10 @@ class VisitedPairs {
 
     /// Adds @p pair; answers whether it was new.
     bool insert(const Pair &pair);
-    bool contains(const Pair &pair) const;
+    bool contains(const Pair &pair) const { return containsAmongFirst(m_pairs.size(), pair); }
+    /// Whether @p pair is one of the @p count pairs added first.
+    bool containsAmongFirst(std::size_t count, const Pair &pair) const;
+    std::size_t size() const { return m_pairs.size(); }
     bool empty() const { return m_pairs.empty(); }
     void clear();
 

@@ -20,20 +20,28 @@ BFSItemIterator::~BFSItemIterator() = default;
 
 IVDBItem *BFSItemIterator::getCurrent()
 {
-    return m_pending->front();
+    return m_pending->settle() ? m_pending->front() : nullptr;
 }
 
 void BFSItemIterator::next()
 {
+    if (m_pending->settle()) {
+        stepOn();
+    }
+}
+
+void BFSItemIterator::stepOn()
+{
     if (IVDBInstance *instance = m_pending->frontInstance()) {
-        appendChildren(*instance);
+        const IVDBNetlist *module = m_pending->frontModule();
+        appendChildren(*instance, module != nullptr ? module : instance->getModule());
     }
     m_pending->pop();
 }
 
 bool BFSItemIterator::isEnd()
 {
-    return m_pending->empty();
+    return !m_pending->settle();
 }
 
 IVDBItem *BFSItemIterator::getContext()
@@ -49,13 +57,13 @@ void BFSItemIterator::setContext(IVDBItem *item)
 void BFSItemIterator::fetchMoreItem(IVDBItem *item)
 {
     if (auto *instance = dynamic_cast<IVDBInstance *>(item)) {
-        appendChildren(*instance);
+        appendChildren(*instance, instance->getModule());
     }
 }
 
-void BFSItemIterator::appendChildren(IVDBInstance &instance)
+void BFSItemIterator::appendChildren(IVDBInstance &instance, const IVDBNetlist *module)
 {
-    if (instance.getModule() == nullptr) {
+    if (module == nullptr) {
         throw std::runtime_error("Unknown item");
     }
     if ((m_param.itemTypes & ITEM_INSTANCE) != 0 && !instance.getSubInstances().empty()) {

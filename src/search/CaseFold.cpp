@@ -1,35 +1,37 @@
 #include "search/CaseFold.h"
 
+#include <algorithm>
 #include <cctype>
-#include <cstddef>
 
 namespace kvr::netlistdb {
 
-CaseFold CaseFold::ofCLibrary()
+void CaseFold::fold(std::string_view text, std::string &result)
 {
-    CaseFold fold;
-    for (std::size_t byte = 0; byte < fold.m_lower.size(); ++byte) {
-        fold.m_lower[byte] = static_cast<char>(std::tolower(static_cast<int>(byte)));
+    if (m_facet != nullptr) {
+        result = text;
+        m_facet->tolower(result.data(), result.data() + result.size());
+        return;
     }
-    return fold;
-}
-
-CaseFold CaseFold::ofLocale(const std::locale &locale)
-{
-    CaseFold fold;
-    for (std::size_t byte = 0; byte < fold.m_lower.size(); ++byte) {
-        fold.m_lower[byte] = static_cast<char>(static_cast<unsigned char>(byte));
-    }
-    std::use_facet<std::ctype<char>>(locale).tolower(fold.m_lower.data(), fold.m_lower.data() + fold.m_lower.size());
-    return fold;
-}
-
-void CaseFold::fold(std::string_view text, std::string &result) const
-{
     result.resize(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        result[i] = m_lower[static_cast<unsigned char>(text[i])];
+    if (m_hasTable) {
+        std::transform(text.begin(), text.end(), result.begin(),
+                       [this](char c) { return m_table[static_cast<unsigned char>(c)]; });
+        return;
     }
+    std::transform(text.begin(), text.end(), result.begin(),
+                   [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    m_bytesFolded += text.size();
+    if (m_bytesFolded > m_table.size()) {
+        makeTable();
+    }
+}
+
+void CaseFold::makeTable()
+{
+    for (std::size_t byte = 0; byte < m_table.size(); ++byte) {
+        m_table[byte] = static_cast<char>(std::tolower(static_cast<int>(byte)));
+    }
+    m_hasTable = true;
 }
 
 } // namespace kvr::netlistdb

@@ -16,10 +16,14 @@ bool FullNameExpression::operator()(const std::string &name)
         m_prefixSize = m_buffer.size();
         m_instance = nullptr;
     }
-    m_buffer.resize(m_prefixSize);
-    m_buffer += name;
-    const char *begin = m_buffer.data();
-    return std::regex_search(begin, begin + m_buffer.size(), m_match, m_expression, std::regex_constants::match_any);
+    const std::string *fullName = &name;
+    if (m_prefixSize != 0) {
+        m_buffer.resize(m_prefixSize);
+        m_buffer += name;
+        fullName = &m_buffer;
+    }
+    const char *begin = fullName->data();
+    return std::regex_search(begin, begin + fullName->size(), m_match, m_expression, std::regex_constants::match_any);
 }
 
 } // namespace kvr::netlistdb

@@ -9,7 +9,7 @@ namespace kvr::netlistdb {
 class IVDBInstance;
 
 /// Looks for a regular expression in the full names of nets, which are put together in one buffer behind the prefix
-/// that they share.
+/// that they share, or searched where they stand when there is no prefix.
 class FullNameExpression {
   public:
     /// @p expression must outlive this object.

@@ -1,6 +1,5 @@
 #include "search/FullNameText.h"
 
-#include "search/CaseFold.h"
 #include "search/FullName.h"
 
 #include <algorithm>
@@ -8,10 +7,11 @@
 
 namespace kvr::netlistdb {
 
-FullNameText::FullNameText(const std::string &text, const CaseFold *fold) : m_fold(fold), m_text(text)
+FullNameText::FullNameText(const std::string &text, std::optional<CaseFold> fold) : m_fold(fold), m_text(text)
 {
-    if (m_fold != nullptr) {
-        m_fold->fold(text, m_text);
+    if (m_fold) {
+        m_fold->fold(text, m_foldedText);
+        m_text = m_foldedText;
     }
 }
 
@@ -40,7 +40,7 @@ bool FullNameText::operator()(const std::string &name)
 
 std::string_view FullNameText::folded(const std::string &text)
 {
-    if (m_fold == nullptr) {
+    if (!m_fold) {
         return text;
     }
     m_fold->fold(text, m_buffer);
@@ -53,10 +53,9 @@ void FullNameText::readPrefix()
     m_instance = nullptr;
     const std::string_view prefix = folded(unfolded);
     m_isInPrefix = prefix.find(m_text) != std::string_view::npos;
-    const std::string_view text = m_text;
-    for (std::size_t length = 1; length < text.size() && length <= prefix.size(); ++length) {
-        if (prefix.substr(prefix.size() - length) == text.substr(0, length)) {
-            m_rests.push_back(text.substr(length));
+    for (std::size_t length = 1; length < m_text.size() && length <= prefix.size(); ++length) {
+        if (prefix.substr(prefix.size() - length) == m_text.substr(0, length)) {
+            m_rests.push_back(m_text.substr(length));
         }
     }
 }

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "search/CaseFold.h"
+
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kvr::netlistdb {
 
-class CaseFold;
 class IVDBInstance;
 
 /// Looks for one text in the full names of nets without building them. A hit lies in the net's own name, in the prefix
@@ -14,8 +16,9 @@ class IVDBInstance;
 /// and only when a net's own name does not answer already.
 class FullNameText {
   public:
-    /// With @p fold, which must outlive this object, both sides are folded.
-    explicit FullNameText(const std::string &text, const CaseFold *fold = nullptr);
+    /// With @p fold both sides are folded.
+    /// @p text and the locale of @p fold must outlive this object.
+    explicit FullNameText(const std::string &text, std::optional<CaseFold> fold = std::nullopt);
     FullNameText(const FullNameText &) = delete;
     FullNameText &operator=(const FullNameText &) = delete;
 
@@ -29,8 +32,9 @@ class FullNameText {
     void readPrefix();
     bool crossesInto(std::string_view name) const;
 
-    const CaseFold *m_fold;
-    std::string m_text;
+    std::optional<CaseFold> m_fold;
+    std::string m_foldedText;
+    std::string_view m_text;
     std::string m_buffer;
     const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
     bool m_isInPrefix = false;

@@ -1,5 +1,6 @@
 #include "search/InstanceMembers.h"
 
+#include "search/KnownModules.h"
 #include "search/MemberOrder.h"
 
 #include <netlistdb/IVDBNet.h>
@@ -8,30 +9,45 @@
 #include <netlistdb/IVDBPort.h>
 #include <netlistdb/VDBSearchParam.h>
 
+#include <algorithm>
+
 namespace kvr::netlistdb {
 
-void InstanceMembers::open(const IVDBNetlist *module, const VDBSearchParam &param)
+namespace {
+
+bool isPlain(const IVDBPort *port)
 {
-    *this = InstanceMembers();
-    if (module == nullptr) {
-        return;
+    return port == nullptr || (port->getItemType() & (ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS)) == 0;
+}
+
+} // namespace
+
+void InstanceMembers::open(KnownModule &module, const VDBSearchParam &param)
+{
+    if (module.buses == nullptr) {
+        module.buses = &module.netlist->getAllNetBus();
+        module.ports = &module.netlist->getPorts();
+        module.portsArePlain = std::all_of(module.ports->begin(), module.ports->end(), isPlain);
     }
+    m_buses = (param.itemTypes & ITEM_NET_BUS) != 0 ? module.buses : nullptr;
+    m_nets.clear();
+    if ((param.itemTypes & ITEM_NET) != 0 && !module.listsOnlyPorts) {
+        m_nets = module.netlist->getNets(false);
+    }
+    module.listsOnlyPorts = m_nets.empty() && (m_buses == nullptr || m_buses->empty());
+    m_sorted.clear();
+    const bool wantsPorts = (param.itemTypes & ITEM_PORT) != 0 && (module.isUserDeclared || !param.userPortsOnly);
+    m_ports = wantsPorts ? module.ports : nullptr;
+    m_portsArePlain = module.portsArePlain;
+    m_nextBus = m_nextNet = m_nextSorted = m_nextPort = 0;
     m_userNetsOnly = param.userNetsOnly;
-    if ((param.itemTypes & ITEM_NET_BUS) != 0) {
-        m_buses = &module->getAllNetBus();
-    }
-    if ((param.itemTypes & ITEM_NET) != 0) {
-        m_nets = module->getNets(false);
-    }
+    m_hasMore = true;
     if (param.sortItems && (param.nameOrder != SORT_NONE || param.widthOrder != SORT_NONE)) {
         sort(param);
     }
-    if ((param.itemTypes & ITEM_PORT) != 0 && (module->isUserDeclared() || !param.userPortsOnly)) {
-        m_ports = &module->getPorts();
-    }
 }
 
-bool InstanceMembers::next(IVDBItem *&item)
+bool InstanceMembers::advance(IVDBItem *&item, PlainPorts plainPorts)
 {
     IVDBNetBase *member = nextWanted(m_sorted, m_nextSorted);
     if (member == nullptr && m_buses != nullptr) {
@@ -44,10 +60,12 @@ bool InstanceMembers::next(IVDBItem *&item)
         item = member;
         return true;
     }
-    if (m_ports != nullptr && m_nextPort < m_ports->size()) {
+    const bool visitsPorts = m_ports != nullptr && !(m_portsArePlain && plainPorts == PlainPorts::Skip);
+    if (visitsPorts && m_nextPort < m_ports->size()) {
         item = (*m_ports)[m_nextPort++];
         return true;
     }
+    m_hasMore = false;
     return false;
 }
 

@@ -49,6 +49,12 @@ int compareAsFractions(const char *a, std::size_t digitsOfA, const char *b, std:
     return difference != 0 ? order(difference, 0) : order(digitsOfA, digitsOfB);
 }
 
+/// True for the characters that are neither digit nor white space in any locale: most of a name.
+bool isPlain(char c)
+{
+    return c > '9' && c <= '~';
+}
+
 signed char folded(char c)
 {
     return static_cast<signed char>(std::toupper(static_cast<unsigned char>(c)));
@@ -59,6 +65,10 @@ signed char folded(char c)
 int naturalCompareNoCase(const char *a, const char *b)
 {
     for (;;) {
+        while (*a == *b && isPlain(*a)) {
+            ++a;
+            ++b;
+        }
         a = skipSpace(a);
         b = skipSpace(b);
         if (isDigit(*a) && isDigit(*b)) {

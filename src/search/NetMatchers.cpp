@@ -2,10 +2,11 @@
 
 #include <netlistdb/VDBHelper.h>
 
-#include "search/CaseFold.h"
 #include "search/FullNameExpression.h"
 #include "search/FullNameText.h"
+#include "search/KindCheck.h"
 #include "search/RequiredText.h"
+#include "search/WalkCursor.h"
 
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
@@ -13,58 +14,108 @@
 #include <netlistdb/TreeIterator.h>
 #include <netlistdb/VDBSearchParam.h>
 
+#include <locale>
 #include <optional>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace kvr::netlistdb {
 
 namespace {
 
-template <typename Kind> Kind &checked(IVDBItem *item, const char *complaint)
+template <typename Item> Item &notNull(Item *item, const char *complaint)
 {
-    auto *result = dynamic_cast<Kind *>(item);
-    if (result == nullptr) {
+    if (item == nullptr) {
         throw std::runtime_error(complaint);
     }
-    return *result;
+    return *item;
 }
 
-/// Moves on to the next instance, which becomes the context, or the next net or bus that @p hit takes.
-template <typename Hit> bool matchNets(TreeIterator &iterator, Hit hit)
+enum class Stop { End, Instance, Net };
+
+/// Moves on to the next instance, which becomes the context, or the next net or bus.
+template <typename Cursor> Stop findStop(Cursor &cursor)
 {
-    for (; !iterator.isEnd(); iterator.next()) {
-        IVDBItem *item = iterator.getCurrent();
+    for (; !cursor.isEnd(); cursor.next()) {
+        IVDBItem *item = cursor.getCurrent();
         const std::uint32_t type = item != nullptr ? item->getItemType() : 0;
         if (type == ITEM_INSTANCE) {
-            iterator.setContext(item);
-            return true;
+            cursor.setContext(item);
+            return Stop::Instance;
         }
-        if ((type == ITEM_NET || type == ITEM_NET_BUS) && hit(item, type)) {
-            return true;
+        if (type == ITEM_NET || type == ITEM_NET_BUS) {
+            return Stop::Net;
         }
     }
-    return false;
+    return Stop::End;
 }
 
-/// Moves on to the next instance, or the next net or bus whose full name passes @p test.
-template <typename Test> bool matchNetNames(TreeIterator &iterator, Test &test)
+/// With the cursor on a net or bus: moves on to the next instance, or the next net or bus whose full name passes a
+/// test.
+template <typename Test, typename Cursor, typename... Arguments>
+bool matchFromNet(Cursor cursor, const Arguments &...arguments)
 {
+    Test test(arguments...);
+    KindCheck<IVDBNetBase> asNet;
     const IVDBItem *entered = nullptr;
-    return matchNets(iterator, [&](IVDBItem *item, std::uint32_t) {
-        const auto &net = checked<IVDBNetBase>(item, "Unknown item iterated");
-        IVDBItem *context = iterator.getContext();
+    Stop stop = Stop::Net;
+    while (stop == Stop::Net) {
+        const IVDBNetBase &net = notNull(asNet(cursor.getCurrent()), "Unknown item iterated");
+        IVDBItem *context = cursor.getContext();
         if (context == nullptr || context != entered) {
-            test.enter(checked<IVDBInstance>(context, "Unknown item saved in context"));
+            test.enter(notNull(dynamic_cast<IVDBInstance *>(context), "Unknown item saved in context"));
             entered = context;
         }
-        return test(net.getName());
-    });
+        if (test(net.getName())) {
+            return true;
+        }
+        cursor.next();
+        stop = findStop(cursor);
+    }
+    return stop == Stop::Instance;
+}
+
+/// Moves on to the next instance, or the next net or bus whose full name passes a test. The test is made from
+/// @p arguments when the first net comes: many a call moves from one instance straight to the next.
+template <typename Test, typename Cursor, typename... Arguments>
+bool matchNetNamesAt(Cursor cursor, const Arguments &...arguments)
+{
+    const Stop stop = findStop(cursor);
+    return stop == Stop::Net ? matchFromNet<Test>(cursor, arguments...) : stop == Stop::Instance;
+}
+
+bool isPlainWalk(const TreeIterator &iterator)
+{
+    return typeid(iterator) == typeid(BFSItemIterator);
+}
+
+template <typename Test, typename... Arguments>
+bool matchNetNames(TreeIterator &iterator, const Arguments &...arguments)
+{
+    if (isPlainWalk(iterator)) {
+        return matchNetNamesAt<Test>(WalkCursor(static_cast<BFSItemIterator &>(iterator)), arguments...);
+    }
+    return matchNetNamesAt<Test>(AnyCursor(iterator), arguments...);
+}
+
+template <typename Cursor> bool matchAllNetAt(Cursor cursor)
+{
+    const Stop stop = findStop(cursor);
+    if (stop == Stop::Net) {
+        IVDBItem *item = cursor.getCurrent();
+        if (item->getItemType() == ITEM_NET_BUS) {
+            notNull(dynamic_cast<IVDBNetBus *>(item), "Unknown item iterated");
+        } else {
+            notNull(dynamic_cast<IVDBNet *>(item), "Unknown item iterated");
+        }
+    }
+    return stop != Stop::End;
 }
 
 /// An expression behind the text that stands in all it matches, which is much quicker to look for.
 class ScreenedExpression {
   public:
-    ScreenedExpression(const std::regex &expression, const std::string &text, const CaseFold *fold)
+    ScreenedExpression(const std::regex &expression, const std::string &text, std::optional<CaseFold> fold)
         : m_expression(expression), m_text(text, fold)
     {
     }
@@ -89,12 +140,9 @@ bool matchPattern(TreeIterator &iterator, const std::string &pattern, bool ignor
     if (text.empty()) {
         return VDBHelper::matchNetRegex(&iterator, expression);
     }
-    std::optional<CaseFold> fold;
-    if (ignoreCase) {
-        fold = CaseFold::ofLocale(expression.getloc());
-    }
-    ScreenedExpression test(expression, text, fold ? &*fold : nullptr);
-    return matchNetNames(iterator, test);
+    const std::locale locale = expression.getloc();
+    return matchNetNames<ScreenedExpression>(iterator, expression, text,
+                                             ignoreCase ? std::optional(CaseFold(locale)) : std::nullopt);
 }
 
 } // namespace
@@ -112,30 +160,21 @@ bool VDBHelper::matchParam(TreeIterator *iterator, const VDBSearchParam &param)
 
 bool VDBHelper::matchAllNet(TreeIterator *iterator)
 {
-    return matchNets(*iterator, [](IVDBItem *item, std::uint32_t type) {
-        if (type == ITEM_NET_BUS) {
-            checked<IVDBNetBus>(item, "Unknown item iterated");
-        } else {
-            checked<IVDBNet>(item, "Unknown item iterated");
-        }
-        return true;
-    });
+    if (isPlainWalk(*iterator)) {
+        return matchAllNetAt(WalkCursor(static_cast<BFSItemIterator &>(*iterator)));
+    }
+    return matchAllNetAt(AnyCursor(*iterator));
 }
 
 bool VDBHelper::matchNet(TreeIterator *iterator, const std::string &pattern, bool ignoreCase)
 {
-    std::optional<CaseFold> fold;
-    if (ignoreCase) {
-        fold = CaseFold::ofCLibrary();
-    }
-    FullNameText test(pattern, fold ? &*fold : nullptr);
-    return matchNetNames(*iterator, test);
+    return ignoreCase ? matchNetNames<FullNameText>(*iterator, pattern, CaseFold())
+                      : matchNetNames<FullNameText>(*iterator, pattern);
 }
 
 bool VDBHelper::matchNetRegex(TreeIterator *iterator, const std::regex &expression)
 {
-    FullNameExpression test(expression);
-    return matchNetNames(*iterator, test);
+    return matchNetNames<FullNameExpression>(*iterator, expression);
 }
 
 } // namespace kvr::netlistdb

@@ -1,103 +1,91 @@
 #include "search/PendingItems.h"
 
 #include <netlistdb/IVDBInstance.h>
-#include <netlistdb/IVDBNetlist.h>
 #include <netlistdb/VDBSearchParam.h>
 
 namespace kvr::netlistdb {
 
-namespace {
-
-bool isUserDeclared(const IVDBInstance &instance)
+bool PendingItems::findFront(PlainPorts plainPorts)
 {
-    const IVDBNetlist *module = instance.getModule();
-    return module != nullptr && module->isUserDeclared();
-}
-
-} // namespace
-
-void PendingItems::pop()
-{
-    if (m_empty) {
-        return;
+    if (m_hasUnopened) {
+        m_hasUnopened = false;
+        openMembers(*m_frontModule, plainPorts);
     }
     m_frontInstance = nullptr;
-    if (m_unopened != nullptr) {
-        m_members.open(m_unopened->getModule(), m_param);
-        m_unopened = nullptr;
-    }
-    while (!m_members.next(m_front)) {
+    while (!m_members.next(m_front, plainPorts)) {
         IVDBInstance *child = nextChild();
         if (child == nullptr) {
-            m_empty = true;
-            m_front = nullptr;
-            return;
+            return false;
         }
-        if (visit(child)) {
-            return;
+        if (visit(child, plainPorts)) {
+            return true;
         }
     }
+    m_isSettled = true;
+    return true;
 }
 
 void PendingItems::appendStart(IVDBInstance *instance)
 {
-    const bool userDeclared = isUserDeclared(*instance);
-    if (!userDeclared && m_param.userModulesOnly) {
-        return;
-    }
-    list(instance, userDeclared || !m_param.collapseNonUserModules);
-}
-
-void PendingItems::appendChildren(IVDBInstance *parent)
-{
-    m_parents.push_back(parent);
-    if (m_empty) {
-        m_empty = false;
-        pop();
+    KnownModule &module = m_modules.of(instance->getModule());
+    if (module.isUserDeclared || !m_param.userModulesOnly) {
+        list(instance, module);
     }
 }
 
 IVDBInstance *PendingItems::nextChild()
 {
-    while (!m_parents.empty()) {
-        const std::vector<IVDBInstance *> &children = m_parents.front()->getSubInstances();
-        while (m_nextChild < children.size()) {
-            if (IVDBInstance *child = children[m_nextChild++]) {
+    for (;;) {
+        while (m_children != nullptr && m_nextChild < m_children->size()) {
+            if (IVDBInstance *child = (*m_children)[m_nextChild++]) {
                 return child;
             }
         }
-        m_parents.pop_front();
+        if (m_parents.empty()) {
+            m_children = nullptr;
+            return nullptr;
+        }
+        m_children = &m_parents.front()->getSubInstances();
         m_nextChild = 0;
+        m_parents.pop_front();
     }
-    return nullptr;
 }
 
-bool PendingItems::visit(IVDBInstance *instance)
+bool PendingItems::visit(IVDBInstance *instance, PlainPorts plainPorts)
 {
-    const bool userDeclared = isUserDeclared(*instance);
-    if (!userDeclared && m_param.userModulesOnly) {
-        return false;
-    }
+    KnownModule &module = m_modules.of(instance->getModule());
     if (m_param.collapseNonUserModules) {
         const IVDBInstance *owner = instance->getOwnerInstance();
-        if (owner != nullptr && !isUserDeclared(*owner)) {
+        if (owner != nullptr && !m_modules.of(owner->getModule()).isUserDeclared) {
             // Below a collapsed instance nothing shows but the members of what the user wrote.
-            if (userDeclared) {
-                m_members.open(instance->getModule(), m_param);
+            if (module.isUserDeclared) {
+                openMembers(module, plainPorts);
             }
             return false;
         }
     }
-    list(instance, userDeclared || !m_param.collapseNonUserModules);
+    if (!module.isUserDeclared && m_param.userModulesOnly) {
+        return false;
+    }
+    list(instance, module);
     return true;
 }
 
-void PendingItems::list(IVDBInstance *instance, bool withMembers)
+void PendingItems::list(IVDBInstance *instance, KnownModule &module)
 {
-    m_empty = false;
+    m_isSettled = true;
     m_front = instance;
     m_frontInstance = instance;
-    m_unopened = withMembers ? instance : nullptr;
+    m_frontModule = &module;
+    m_hasUnopened = module.isUserDeclared || !m_param.collapseNonUserModules;
+}
+
+void PendingItems::openMembers(KnownModule &module, PlainPorts plainPorts)
+{
+    const bool hasNothing = module.listsOnlyPorts && module.portsArePlain && plainPorts == PlainPorts::Skip;
+    if (module.netlist != nullptr && !hasNothing) {
+        m_members.open(module, m_param);
+    }
 }
 
 } // namespace kvr::netlistdb

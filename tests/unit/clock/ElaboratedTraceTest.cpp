@@ -412,18 +412,27 @@ TEST_F(ElaboratedTrace, SearchesTheDriverByNameWhereTheNetIsOfAnotherModule)
     EXPECT_EQ(answers[0].first, other->getSubInstances().at(0));
 }
 
-TEST_F(ElaboratedTrace, EndsAtAGenericCellWhoseItemHasNoOwner)
+TEST_F(ElaboratedTrace, EndsAtAGenericCellWhoseItemHasNoOwnerWhateverElseWaits)
 {
     withCells(R"(
         module top(in clk, d)
             r: DFF(clk=clk, d=d, q=q)
-            inv: INV(a=q, o=y)
+            inv: INV(a=q, o=n)
+            and: AND(a=n, b=q, o=y)
         end)");
     IVDBInstance *const root = database->getRoot(ELABORATED);
     kvr::netlistdb::VDBInstance foreign(root->getModule(), nullptr);
+    foreign.addSubInstance(new kvr::netlistdb::VDBInstance(nullptr, root, copied("r")));
     foreign.addSubInstance(new kvr::netlistdb::VDBInstance(nullptr, nullptr, copied("inv")));
-    EXPECT_EQ(database->findDrivingClockDomains(&foreign, netOf(root, "y"), ELABORATED), nullptr);
+    foreign.addSubInstance(new kvr::netlistdb::VDBInstance(nullptr, &foreign, copied("and")));
+    EXPECT_EQ(nameOf(database->findDrivingClockDomains(&foreign, netOf(root, "n"), ELABORATED)), "none");
     EXPECT_TRUE(database->elaboratedInstanceCache().empty());
+    EXPECT_EQ(nameOf(database->findDrivingClockDomains(&foreign, netOf(root, "y"), ELABORATED)), "none");
+    const auto answers = database->elaboratedInstanceCache();
+    ASSERT_EQ(answers.size(), 1U);
+    EXPECT_EQ(answers[0].first, foreign.getSubInstances().at(2));
+    EXPECT_EQ(answers[0].second, nullptr);
+    EXPECT_EQ(nameOf(database->findDrivingClockDomains(&foreign, netOf(root, "q"), ELABORATED)), "clk");
     EXPECT_EQ(clockOf("y"), "clk");
 }
 

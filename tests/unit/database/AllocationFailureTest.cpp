@@ -3,6 +3,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/TreeText.h"
+#include "tests/unit/database/FailingAllocator.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -10,51 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
-
-namespace {
-
-/// Allocations left before one fails; negative: none fails.
-long g_allocationsLeft = -1;
-
-} // namespace
-
-void *operator new(std::size_t size)
-{
-    if (g_allocationsLeft >= 0 && g_allocationsLeft-- == 0) {
-        throw std::bad_alloc();
-    }
-    if (void *memory = std::malloc(size != 0 ? size : 1)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void *operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void *memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void *memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void *memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
 
 namespace kvr::netlistdb {
 namespace {
@@ -83,15 +40,15 @@ enum class Outcome { THREW, WENT_THROUGH, NOT_REACHED };
 /// such allocation.
 template <typename Call> Outcome failAllocation(long number, Call call)
 {
-    g_allocationsLeft = number;
+    testsupport::failAllocationAfter(number);
     Outcome outcome = Outcome::THREW;
     try {
         call();
-        outcome = g_allocationsLeft < 0 ? Outcome::WENT_THROUGH : Outcome::NOT_REACHED;
+        outcome = testsupport::allocationHasFailed() ? Outcome::WENT_THROUGH : Outcome::NOT_REACHED;
     } catch (const std::bad_alloc &) {
         outcome = Outcome::THREW;
     }
-    g_allocationsLeft = -1;
+    testsupport::failNoAllocation();
     return outcome;
 }
 

@@ -13,6 +13,7 @@
 
 #include <set>
 #include <stdexcept>
+#include <string>
 
 namespace kvr::netlistdb {
 namespace {
@@ -94,6 +95,38 @@ TEST(ElaboratedImport, SharesOneModuleAmongItsInstances)
     for (const IVDBInstance *child : children) {
         EXPECT_EQ(child->getOwnerInstance(), design.root);
     }
+}
+
+TEST(ElaboratedImport, UnfoldsHierarchiesDeeperThanTheStack)
+{
+    constexpr unsigned LEVELS = 20000;
+    LibsetGuard guard;
+    const auto before = liveItemCounts();
+    auto *library = new Verific::Library("work");
+    Verific::Libset::Global()->Add(library);
+    Verific::Netlist *below = nullptr;
+    for (unsigned level = 0; level <= LEVELS; ++level) {
+        auto *cell = new Verific::Cell(("m" + std::to_string(level)).c_str());
+        library->Add(cell);
+        auto *netlist = new Verific::Netlist("netlist");
+        cell->Add(netlist);
+        if (below != nullptr) {
+            netlist->Add(new Verific::Instance("u", below));
+        }
+        below = netlist;
+    }
+    {
+        DesignDatabase database(true);
+        ASSERT_TRUE(database.parseElaboratedNetlist(below));
+        EXPECT_EQ(liveItemCounts()[2] - before[2], LEVELS + 1);
+        const IVDBInstance *deepest = database.getRoot(ELABORATED);
+        while (!deepest->getSubInstances().empty()) {
+            deepest = deepest->getSubInstances()[0];
+        }
+        EXPECT_EQ(deepest->getDepth(), LEVELS);
+        EXPECT_EQ(deepest->getPath().size(), 2 * LEVELS - 1);
+    }
+    EXPECT_EQ(liveItemCounts(), before);
 }
 
 TEST(ElaboratedImport, BuildsOperatorsAndPrimitivesToo)

@@ -78,6 +78,26 @@ TEST_F(YosysPorts, OfOneBitWithAnOffsetAreVectorsOfOne)
               "net d[3] in d\n");
 }
 
+TEST_F(YosysPorts, MayCountUpToTheLargestIndexAndFromTheSmallest)
+{
+    EXPECT_EQ(print(readModules(R"("top": {"ports": {
+        "d": {"direction": "input", "offset": 2147483646, "bits": [2, 3]},
+        "u": {"direction": "input", "offset": -2147483648, "upto": 1, "bits": [4, 5]}}})")),
+              "work/top\n"
+              "in d[2147483646] = d[2147483646] in d\n"
+              "in d[2147483647] = d[2147483647] in d\n"
+              "in u[-2147483647] = u[-2147483647] in u\n"
+              "in u[-2147483648] = u[-2147483648] in u\n"
+              "in bus d [2147483647:2147483646]\n"
+              "in bus u [-2147483648:-2147483647]\n"
+              "bus d [2147483647:2147483646]\n"
+              "bus u [-2147483648:-2147483647]\n"
+              "net d[2147483646] in d\n"
+              "net d[2147483647] in d\n"
+              "net u[-2147483647] in u\n"
+              "net u[-2147483648] in u\n");
+}
+
 TEST_F(YosysPorts, OfNoBitsLeaveNothingBehind)
 {
     EXPECT_EQ(print(readModules(R"("top": {"ports": {"none": {"direction": "input", "bits": []}},

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace kvr::netlistdb {
 namespace {
@@ -223,7 +225,7 @@ TEST_F(BFSItemIteratorTest, ThrowsWhenItStepsPastAnInstanceWithoutModuleAndStays
         EXPECT_EQ(iterator.getCurrent(), &u1);
     }
     u1.module = &leafModule;
-    EXPECT_EQ(walkText(iterator), "@u1 n1 @u2 n1 @c1 n2 @c2 n2");
+    EXPECT_EQ(walkText(iterator), "@u1 @u2 n1 @c1 n2 @c2 n2");
 }
 
 TEST_F(BFSItemIteratorTest, LooksForTheModuleBeforeTheInstanceBit)
@@ -253,6 +255,24 @@ TEST_F(BFSItemIteratorTest, FetchesTheChildrenOfAnyInstanceBehindWhatIsWaiting)
     EXPECT_EQ(walkText(iterator), "@c1 n2");
     iterator.fetchMoreItem(&c1);
     EXPECT_TRUE(iterator.isEnd());
+}
+
+TEST_F(BFSItemIteratorTest, TellsHundredsOfModulesApart)
+{
+    constexpr int count = 500;
+    std::vector<MockNetlist *> modules;
+    for (int i = 0; i < count; ++i) {
+        modules.push_back(&tree.module("m", i % 2 == 0));
+        tree.net(*modules.back(), "n" + std::to_string(i));
+    }
+    std::string expected = "@c1 n2";
+    for (int i = 0; i < 2 * count; ++i) {
+        const std::string name = std::to_string(i);
+        tree.instance(name, modules[static_cast<std::size_t>(i % count)], &c1);
+        expected += " @" + name + " n" + std::to_string(i % count);
+    }
+    param.startItem = &c1;
+    EXPECT_EQ(walk(), expected);
 }
 
 TEST_F(BFSItemIteratorTest, OnlyKeepsTheContextForOthers)

@@ -87,7 +87,7 @@ class NameMatchersTest : public testing::TestWithParam<Kind> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, NameMatchersTest, testing::Values(instances(), netlists(), ports()),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         [](const auto &kind) { return std::string(kind.param.name); });
 
 TEST_P(NameMatchersTest, FindPlainTextInTheName)
 {

@@ -226,6 +226,56 @@ TEST_F(NetMatchersTest, FollowsAContextThatChangesBetweenNets)
     EXPECT_EQ(iterator.getContext(), &top);
 }
 
+TEST_F(NetMatchersTest, LeavesThePortsToWhoeverWalksOnByHand)
+{
+    BFSItemIterator iterator(nullptr, param);
+    while (iterator.getCurrent() != leafModule.nets[1]) {
+        ASSERT_TRUE(VDBHelper::matchAllNet(&iterator));
+        iterator.next();
+    }
+    ASSERT_TRUE(VDBHelper::matchAllNet(&iterator));
+    iterator.next();
+    EXPECT_EQ(iterator.getCurrent(), leafModule.ports[0]);
+    ASSERT_TRUE(VDBHelper::matchAllNet(&iterator));
+    EXPECT_EQ(iterator.getCurrent(), &core);
+}
+
+TEST_F(NetMatchersTest, ThrowsOnAPortThatClaimsToBeANetOnlyWhenTheWalkComesThere)
+{
+    class LyingPort : public testsupport::MockPort {
+      public:
+        using MockPort::MockPort;
+        std::uint32_t getItemType() const override { return ITEM_NET; }
+    };
+    LyingPort liar("liar");
+    leafModule.ports.push_back(&liar);
+    BFSItemIterator iterator(nullptr, param);
+    while (iterator.getCurrent() != leafModule.nets[1]) {
+        ASSERT_TRUE(VDBHelper::matchAllNet(&iterator));
+        iterator.next();
+    }
+    EXPECT_EQ(messageOf<std::runtime_error>([&] { VDBHelper::matchNet(&iterator, "nowhere", false); }),
+              "Unknown item iterated");
+    EXPECT_EQ(iterator.getCurrent(), &liar);
+}
+
+TEST_F(NetMatchersTest, MovesAnIteratorDerivedFromTheWalkByItsOwnOperations)
+{
+    class SteppingIterator : public BFSItemIterator {
+      public:
+        using BFSItemIterator::BFSItemIterator;
+        void next() override
+        {
+            ++steps;
+            BFSItemIterator::next();
+        }
+        int steps = 0;
+    };
+    SteppingIterator iterator(nullptr, param);
+    EXPECT_EQ(reported(iterator, VDBHelper::matchAllNet), everything);
+    EXPECT_EQ(iterator.steps, 16) << "ports included";
+}
+
 TEST_F(NetMatchersTest, ThrowsOnAnItemThatIsNotWhatItsTypeSaysAndStaysThere)
 {
     MockInstance liar("liar", &emptyModule, nullptr);

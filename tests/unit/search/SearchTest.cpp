@@ -1,5 +1,6 @@
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBResultSet.h>
+#include <netlistdb/VDBSearchParam.h>
 
 #include "WalkText.h"
 #include "tests/support/MockItems.h"

@@ -42,12 +42,11 @@ bool isLocked(VDBResultSet &results)
     return locked;
 }
 
-/// Result sets that stay locked can never be destroyed; here they stay reachable.
-VDBResultSet &abandoned(std::unique_ptr<VDBResultSet> results)
+/// Expects that a step left the set locked, and unlocks it, so that it can be used again and destroyed.
+void expectLocked(VDBResultSet &results)
 {
-    static std::vector<VDBResultSet *> sets;
-    sets.push_back(results.release());
-    return *sets.back();
+    ASSERT_TRUE(isLocked(results));
+    lockOf(results).unlock();
 }
 
 /// A set over three ports whose predicate counts its runs and answers what the test says.
@@ -146,12 +145,11 @@ TEST_F(VDBResultSetTest, CanBeCancelledBeforeTheFirstStep)
 
 TEST_F(VDBResultSetTest, StaysLockedAfterAnExceptionWithStatusUnchanged)
 {
-    VDBResultSet &set = abandoned(std::move(results));
+    VDBResultSet &set = *results;
     step = []() -> bool { throw std::runtime_error("first step"); };
     EXPECT_EQ(messageOf<std::runtime_error>([&] { set.getCurrent(); }), "first step");
     EXPECT_EQ(set.status(), RESULT_MATCH);
-    EXPECT_TRUE(isLocked(set));
-    lockOf(set).unlock();
+    expectLocked(set);
 
     step = [] { return true; };
     set.next();
@@ -163,27 +161,27 @@ TEST_F(VDBResultSetTest, StaysLockedAfterAnExceptionWithStatusUnchanged)
     step = []() -> bool { throw std::bad_alloc(); };
     EXPECT_THROW(set.next(), std::bad_alloc);
     EXPECT_EQ(set.status(), RESULT_NONE);
-    EXPECT_TRUE(isLocked(set));
+    expectLocked(set);
 }
 
 TEST_F(VDBResultSetTest, HasStatusNoneAfterAnExceptionWhenItWasCancelled)
 {
-    VDBResultSet &set = abandoned(std::move(results));
+    VDBResultSet &set = *results;
     set.next();
     set.cancel();
     step = []() -> bool { throw std::runtime_error("step"); };
     EXPECT_EQ(messageOf<std::runtime_error>([&] { set.next(); }), "step");
     EXPECT_EQ(set.status(), RESULT_NONE);
-    EXPECT_TRUE(isLocked(set));
+    expectLocked(set);
 }
 
-TEST(VDBResultSet, ThrowsWithoutPredicateOnceTheIteratorHasMoved)
+TEST(VDBResultSet, ThrowsWithoutPredicate)
 {
     MockPort port("p");
-    VDBResultSet &set = abandoned(std::make_unique<VDBResultSet>(new ListIterator({&port}), std::function<bool()>()));
+    VDBResultSet set(new ListIterator({&port}), std::function<bool()>());
     EXPECT_THROW(set.next(), std::bad_function_call);
     EXPECT_EQ(set.status(), RESULT_MATCH);
-    EXPECT_TRUE(isLocked(set));
+    expectLocked(set);
 }
 
 TEST(VDBResultSet, PassesOnWhatTheIteratorThrowsBeforeThePredicateRuns)
@@ -195,13 +193,12 @@ TEST(VDBResultSet, PassesOnWhatTheIteratorThrowsBeforeThePredicateRuns)
     };
     MockPort port("p");
     int runs = 0;
-    VDBResultSet &set = abandoned(std::make_unique<VDBResultSet>(new ThrowingIterator(std::vector<IVDBItem *>{&port}),
-                                                                 [&runs] { return ++runs > 0; }));
+    VDBResultSet set(new ThrowingIterator(std::vector<IVDBItem *>{&port}), [&runs] { return ++runs > 0; });
     set.next();
     EXPECT_EQ(messageOf<std::runtime_error>([&] { set.next(); }), "Unknown item");
     EXPECT_EQ(set.status(), RESULT_MATCH);
     EXPECT_EQ(runs, 1);
-    EXPECT_TRUE(isLocked(set));
+    expectLocked(set);
 }
 
 TEST(VDBResultSet, DeletesItsIteratorButNoItem)
