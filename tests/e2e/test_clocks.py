@@ -1,0 +1,97 @@
+import csv
+import os
+import unittest
+
+from program import DESIGNS, ELABORATED, POST_MAP, REPOSITORY, ProgramTest, bit_module, net, netlist, run, rows_of_csv
+
+
+def expectations(design):
+    """What a reader of the RTL expects: clocks by net, None where there is none."""
+    with open(os.path.join(REPOSITORY, design.replace(".json", ".clocks.csv"))) as stream:
+        return {row["path"]: None if row["clock"] == "-" else row["clock"] for row in csv.DictReader(stream)}
+
+
+class Clocks(ProgramTest):
+    def clocks_of(self, design, paths):
+        text = self.succeed("clock-of", design, "-", "--format", "csv", stdin="\n".join(paths))
+        return {row["net"]: row["clock"] or None for row in rows_of_csv(text)}
+
+    def test_the_clock_of_each_net_is_what_a_reader_of_the_rtl_expects(self):
+        for design in DESIGNS:
+            with self.subTest(design):
+                expected = expectations(design)
+                self.assertGreater(len(expected), 50)
+                self.assertEqual(self.clocks_of(design, expected), expected)
+
+    def test_one_query_at_a_time_answers_the_same(self):
+        for path in ("u_clocks/clk_div_o", "spi_cs_no[0]", "u_cpu/pc_o[0]"):
+            result = run("clock-of", ELABORATED, path, "--format", "csv")
+            self.assertEqual(rows_of_csv(result.stdout), [{"net": path, "clock": "clk_sys_i"}], path)
+
+    def test_lists_every_domain_with_the_nets_it_drives(self):
+        for design in DESIGNS:
+            with self.subTest(design):
+                document = self.json("clocks", design)
+                driven = {row["clock"]: row["nets"] for row in document["results"]}
+                self.assertEqual(len(driven), len(document["results"]))
+                self.assertTrue({clock for clock in expectations(design).values() if clock} <= set(driven))
+                self.assertEqual(sum(driven.values()) + document["nets_without_clock"], document["nets"])
+
+    def test_counts_what_clock_of_answers(self):
+        design = POST_MAP
+        paths = [row["path"] for row in self.results("search", design, "") if row["kind"] != "instance"]
+        cells = {row["path"] for row in self.results("tree", design) if row["depth"]}
+        paths = [path for path in paths if path.rpartition("/")[0] not in cells]
+        counted = {}
+        for clock in self.clocks_of(design, paths).values():
+            counted[clock] = counted.get(clock, 0) + 1
+        document = self.json("clocks", design)
+        self.assertEqual({row["clock"]: row["nets"] for row in document["results"] if row["nets"]},
+                         {clock: number for clock, number in counted.items() if clock})
+        self.assertEqual(document["nets_without_clock"], counted[None])
+
+    def test_domains_stand_in_the_order_of_the_netlist(self):
+        rows = self.results("clocks", ELABORATED)
+        instances = [row["path"] for row in self.results("tree", ELABORATED)]
+        nets = [row["path"] for row in self.results("search", ELABORATED, "")]
+        expected = sorted(rows, key=lambda row: (instances.index(row["instance"]), nets.index(row["clock"])))
+        self.assertEqual(rows, expected)
+        self.assertEqual(self.succeed("clocks", ELABORATED), self.succeed("clocks", ELABORATED))
+
+    def test_a_bus_answers_for_each_of_its_bits(self):
+        rows = self.results("clock-of", ELABORATED, "spi_cs_no")
+        self.assertEqual([row["net"] for row in rows], ["spi_cs_no[0]", "spi_cs_no[1]", "spi_cs_no[2]"])
+        self.assertEqual({row["clock"] for row in rows}, {"clk_sys_i"})
+
+    def test_bits_of_a_bus_go_by_their_index_in_the_bus(self):
+        rows = self.results("clock-of", ELABORATED, "g_uart[0].u_uart/u_tx/left_q[3]")
+        self.assertEqual([row["net"] for row in rows], ["g_uart[0].u_uart/u_tx/left_q[3]"])
+        self.fail_with(2, "clock-of", ELABORATED, "g_uart[0].u_uart/u_tx/left_q[4]")
+
+    def test_asking_for_pins_of_cells_as_well_changes_no_answer(self):
+        expected = expectations(POST_MAP)
+        pins = [row["path"] for row in self.results("search", POST_MAP, "/I0") if row["kind"] == "net"]
+        self.assertTrue(pins)
+        answers = self.clocks_of(POST_MAP, pins + list(expected))
+        self.assertEqual({path: answers[path] for path in expected}, expected)
+
+    def test_a_net_without_clock_is_nothing_found(self):
+        result = run("clock-of", ELABORATED, "clk_sys_i", "--format", "csv")
+        self.assertEqual((result.returncode, result.stdout), (1, "net,clock\nclk_sys_i,\n"))
+        result = run("clock-of", ELABORATED, "clk_sys_i")
+        self.assertEqual(result.returncode, 1)
+        self.assertRegex(result.stdout, r"^NET +CLOCK\nclk_sys_i +\(none\)\n$")
+
+    def test_a_design_without_registers_has_no_clocks(self):
+        design = self.file("wires.json", netlist(top=bit_module({}, {"a": net(2)})))
+        self.assertEqual(run("clocks", design).returncode, 1)
+
+    def test_says_how_many_nets_no_clock_drives(self):
+        document = self.json("clocks", ELABORATED)
+        note = run("clocks", ELABORATED).stderr
+        self.assertEqual(note, f"netlistdb: {document['nets_without_clock']} of {document['nets']} nets are driven by no clock\n")
+        self.assertEqual(run("clocks", ELABORATED, "--format", "csv").stderr, "")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "app/CommonOptions.h"
+#include "app/Interrupt.h"
+#include "app/Progress.h"
+#include "app/Stats.h"
+#include "output/OutputStream.h"
+#include "output/ResultWriter.h"
+
+#include <memory>
+
+namespace kvr::netlistdb::tool {
+
+/// What one run of one command works with. Made after the command line has been understood; an output file that cannot
+/// be written is found out here, before a long read.
+class Session {
+  public:
+    Session(const CommonOptions &commonOptions, Interrupt &runInterrupt);
+
+    const CommonOptions &options;
+    Interrupt &interrupt;
+    Progress progress;
+    Stats stats;
+    OutputStream output;
+    bool color; ///< in tables
+
+    std::unique_ptr<ResultWriter> makeWriter();
+    /// Ends the result: hands everything on, and answers the exit code. Says so on standard error when the result is
+    /// partial.
+    int finish(ResultWriter &writer, bool found, Ending ending, const std::vector<Fact> &facts = {});
+    /// The same for a result that was written without a writer.
+    int finish(bool found);
+    /// Writes a line to standard error.
+    void note(const std::string &message);
+};
+
+} // namespace kvr::netlistdb::tool

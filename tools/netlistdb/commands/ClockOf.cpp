@@ -1,0 +1,123 @@
+#include "app/Session.h"
+#include "commands/Command.h"
+#include "design/Design.h"
+#include "design/PathResolver.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+/// @p arguments, with what standard input holds, line by line, in the place of "-".
+std::vector<std::string> pathsOf(const std::vector<std::string> &arguments)
+{
+    std::vector<std::string> paths;
+    for (const std::string &argument : arguments) {
+        if (argument != "-") {
+            paths.push_back(argument);
+            continue;
+        }
+        for (std::string line; std::getline(std::cin, line);) {
+            if (!line.empty()) {
+                paths.push_back(line);
+            }
+        }
+    }
+    return paths;
+}
+
+class ClockOfCommand : public DesignCommand {
+  public:
+    const char *name() const override { return "clock-of"; }
+    const char *summary() const override { return "Show the clock domain that drives each net"; }
+    const char *arguments() const override { return "DESIGN... PATH... [OPTIONS]"; }
+    const char *more() const override
+    {
+        return "PATH is the full name of a net or of a bus, which answers for each of its bits; `-` reads paths from\n"
+               "standard input, one a line. The clock domain of a net is the clock of the first register that is\n"
+               "met on the way back from it. Nothing is answered when one of the paths does not exist.\n\n"
+               "Examples:\n"
+               "  netlistdb clock-of soc.json u_uart/tx_shift_q 'u_uart/count_q[3]'\n"
+               "  netlistdb search soc.json fifo --format jsonl | jq -r '.path // empty' |\n"
+               "    netlistdb clock-of soc.json -";
+    }
+
+    void addOptions(CLI::App &app, CommonOptions &common) override
+    {
+        addDesignOptions(app, common);
+        addOutputOptions(app, common);
+        addReportOptions(app, common);
+    }
+
+    int run(Session &session) override
+    {
+        const std::vector<std::string> paths = pathsOf(m_own);
+        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        session.stats.begin("trace");
+        PathResolver resolver(*design);
+        std::vector<PathResolver::Bit> bits;
+        for (const std::string &path : paths) {
+            session.interrupt.check();
+            const std::vector<PathResolver::Bit> found = resolver.nets(path);
+            bits.insert(bits.end(), found.begin(), found.end());
+        }
+        const auto writer = session.makeWriter();
+        ResultHead head;
+        head.command = "clock-of";
+        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.columns = {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
+        writer->begin(head);
+        const Ending ending = trace(*design, bits, *writer, session);
+        session.stats.end();
+        return session.finish(*writer, m_found, ending);
+    }
+
+  protected:
+    std::size_t leastOwnArguments() const override { return 1; }
+    std::size_t mostOwnArguments() const override { return SIZE_MAX / 2; }
+
+  private:
+    Ending trace(Design &design, const std::vector<PathResolver::Bit> &bits, ResultWriter &writer, Session &session)
+    {
+        std::vector<const IClockDomain *> domains(bits.size());
+        // A database remembers what its traces met. Those that start on a pin of a black box meet nets of the design,
+        // but may find no clock for them: they come last, so that they spoil no other answer.
+        for (const bool onBlackBoxes : {false, true}) {
+            for (std::size_t at = 0; at < bits.size(); ++at) {
+                const auto &[instance, net] = bits[at];
+                if (design.isBlackBox(*instance->getModule()) == onBlackBoxes) {
+                    if (session.interrupt.requested()) {
+                        return Ending::Interrupted;
+                    }
+                    domains[at] = design.clockOf(*instance, *net);
+                }
+            }
+        }
+        for (std::size_t at = 0; at < bits.size(); ++at) {
+            write(writer, bits[at], domains[at]);
+        }
+        return Ending::Complete;
+    }
+
+    void write(ResultWriter &writer, const PathResolver::Bit &bit, const IClockDomain *domain)
+    {
+        m_found = m_found || domain != nullptr;
+        const std::string path = VDBHelper::getNetFullName(bit.net, bit.instance);
+        const Value none = writer.isTable() ? Value(std::string_view("(none)")) : Value();
+        writer.row({std::string_view(path), domain != nullptr ? Value(std::string_view(domain->getName())) : none});
+    }
+
+    bool m_found = false;
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeClockOfCommand()
+{
+    return std::make_unique<ClockOfCommand>();
+}
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/CommonOptions.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kvr::netlistdb::tool {
+
+class Session;
+
+/// One command of the program: its options, and what it does.
+class Command {
+  public:
+    virtual ~Command();
+
+    virtual const char *name() const = 0;
+    /// One line for the list of commands.
+    virtual const char *summary() const = 0;
+    /// What stands behind the name of the command on a command line.
+    virtual const char *arguments() const = 0;
+    /// What the help ends with: examples, and what is worth knowing.
+    virtual const char *more() const = 0;
+    /// Adds options of its own and those it shares to @p app.
+    virtual void addOptions(CLI::App &app, CommonOptions &common) = 0;
+    /// Takes the arguments that are no options.
+    /// @throws Failure
+    virtual void takeArguments(std::vector<std::string> arguments) = 0;
+    /// Does it; answers an exit code.
+    virtual int run(Session &session) = 0;
+};
+
+/// A command whose first argument is the design: several Verilog sources, or one file.
+class DesignCommand : public Command {
+  public:
+    void takeArguments(std::vector<std::string> arguments) override;
+
+  protected:
+    /// Bounds of the number of arguments behind the design.
+    virtual std::size_t leastOwnArguments() const { return 0; }
+    virtual std::size_t mostOwnArguments() const { return leastOwnArguments(); }
+
+    std::vector<std::string> m_design;
+    std::vector<std::string> m_own;
+};
+
+/// Every command, in the order of the help.
+std::vector<std::unique_ptr<Command>> makeCommands();
+
+std::unique_ptr<Command> makeInfoCommand();
+std::unique_ptr<Command> makeTreeCommand();
+std::unique_ptr<Command> makeSearchCommand();
+std::unique_ptr<Command> makeClocksCommand();
+std::unique_ptr<Command> makeClockOfCommand();
+std::unique_ptr<Command> makeProbesCommand();
+std::unique_ptr<Command> makeSaveCommand();
+std::unique_ptr<Command> makeChecksumCommand();
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,56 @@
+#include "app/Session.h"
+#include "commands/Command.h"
+#include "commands/InfoReport.h"
+#include "design/Design.h"
+
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+class InfoCommand : public DesignCommand {
+  public:
+    const char *name() const override { return "info"; }
+    const char *summary() const override { return "Show what the design holds"; }
+    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
+    const char *more() const override
+    {
+        return "Nets and ports are counted bit by bit. The answer says nothing of the file: a design gives the same\n"
+               "one from every file that holds it.\n\n"
+               "Examples:\n"
+               "  netlistdb info soc.json\n"
+               "  netlistdb info rtl/soc.v rtl/uart.v --top soc\n"
+               "  netlistdb info soc.netlist --format json | jq .clock_domains";
+    }
+
+    void addOptions(CLI::App &app, CommonOptions &common) override
+    {
+        addDesignOptions(app, common);
+        addOutputOptions(app, common);
+        addReportOptions(app, common);
+    }
+
+    int run(Session &session) override
+    {
+        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        session.stats.begin("count");
+        InfoReport report;
+        report.top = design->top().getName();
+        report.form = design->form();
+        report.census = takeCensus(design->root(), session.interrupt);
+        report.clockDomains = design->clockDomains().size();
+        report.write(session.options.format, session.output, session.color);
+        session.stats.end();
+        return session.finish(true);
+    }
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeInfoCommand()
+{
+    return std::make_unique<InfoCommand>();
+}
+
+} // namespace kvr::netlistdb::tool

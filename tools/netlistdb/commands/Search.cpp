@@ -1,0 +1,187 @@
+#include "app/Choice.h"
+#include "app/Failure.h"
+#include "app/NumberOption.h"
+#include "app/Session.h"
+#include "commands/Command.h"
+#include "design/Design.h"
+#include "design/ExpressionWalk.h"
+#include "design/NamePattern.h"
+#include "design/PathResolver.h"
+#include "design/SourceText.h"
+
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+enum class Sort { None, Name, Width };
+
+/// Starts the walk. @p pattern must outlive the result.
+std::unique_ptr<IVDBResultSet> startSearch(Design &design, VDBSearchParam &param, const NamePattern &pattern)
+{
+    DesignDatabase &database = design.database();
+    if (pattern.expression() == nullptr) {
+        param.filterByName = true;
+        param.pattern = pattern.text();
+        param.ignoreCase = pattern.ignoreCase();
+        return std::unique_ptr<IVDBResultSet>(database.search(param));
+    }
+    // A search by expression would compile it anew for every hit.
+    auto iterator = std::make_unique<ExpressionWalk>(&database, param, design.name());
+    TreeIterator *walk = iterator.get();
+    const std::regex *expression = pattern.expression();
+    auto predicate = [walk, expression] { return VDBHelper::matchNetRegex(walk, *expression); };
+    auto result = std::make_unique<VDBResultSet>(walk, std::move(predicate));
+    static_cast<void>(iterator.release());
+    return result;
+}
+
+class SearchCommand : public DesignCommand {
+  public:
+    const char *name() const override { return "search"; }
+    const char *summary() const override { return "Find instances, nets and buses by their full names"; }
+    const char *arguments() const override { return "DESIGN... PATTERN [OPTIONS]"; }
+    const char *more() const override
+    {
+        return "PATTERN is looked for anywhere in the full name, which joins the names of all levels with '/'. With\n"
+               "--glob it must match the whole full name: '*' and '?' stand for text within one level, '**' for text\n"
+               "across levels, brackets for themselves; a backslash takes the meaning of '*' and '?' away. The\n"
+               "results come in the order of the walk, level by level; within an instance buses come before nets.\n\n"
+               "Examples:\n"
+               "  netlistdb search soc.json tx_ready\n"
+               "  netlistdb search soc.json '(rx|tx)_valid$' --regex\n"
+               "  netlistdb search soc.json 'u_uart/**_q[?]' --glob --user-nets\n"
+               "  netlistdb search soc.json clk -i --from u_dsp --limit 20 --format csv -o clocks.csv";
+    }
+
+    void addOptions(CLI::App &app, CommonOptions &common) override
+    {
+        CLI::Option *regex = app.add_flag("--regex", m_regex, "PATTERN is a regular expression (ECMAScript)");
+        app.add_flag("--glob", m_glob, "PATTERN has wildcards: * and ? within a level, ** across levels")
+            ->excludes(regex);
+        app.add_flag("-i,--ignore-case", m_ignoreCase, "Upper and lower case are the same");
+        app.add_flag("--user-nets", m_param.userNetsOnly, "Leave out nets and buses without source position");
+        app.add_flag("--user-modules", m_param.userModulesOnly,
+                     "Leave out instances of modules without source position, with all below them");
+        static const std::map<std::string, Sort> SORTS = {{"name", Sort::Name}, {"width", Sort::Width}};
+        addChoice(app, "--sort", m_sort, "Order of the nets and buses of each instance (default: the netlist's)",
+                  "name|width", SORTS);
+        app.add_option("--from", m_from, "Search below the instance PATH only")->type_name("PATH");
+        addNumber(app, "--limit", m_limit, 1, "Stop after N results");
+        addDesignOptions(app, common);
+        addOutputOptions(app, common);
+        addReportOptions(app, common);
+    }
+
+    int run(Session &session) override
+    {
+        using Kind = NamePattern::Kind;
+        const NamePattern pattern(m_regex  ? Kind::Regex
+                                  : m_glob ? Kind::Glob
+                                           : Kind::Plain,
+                                  m_own.front(), m_ignoreCase);
+        const auto design = loadDesign(m_design, Clocks::No, session);
+        m_param.startItem = &findStart(*design);
+        m_param.sortItems = m_sort != Sort::None;
+        m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;
+        m_param.widthOrder = m_sort == Sort::Width ? SORT_ASCENDING : SORT_NONE;
+        session.stats.begin("search");
+        const auto writer = session.makeWriter();
+        ResultHead head;
+        head.command = "search";
+        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}, {"pattern", m_own.front()}};
+        head.columns = {{"kind", "KIND", Look::Dim, false, 8},
+                        {"width", "WIDTH", Look::Plain, true, 5},
+                        {"path", "PATH"},
+                        {"module", nullptr},
+                        {"user_declared", nullptr},
+                        {"file", nullptr},
+                        {"line", nullptr}};
+        writer->begin(head);
+        auto result = startSearch(*design, m_param, pattern);
+        const Ending ending = walk(result, pattern, *writer, session);
+        session.stats.end();
+        return session.finish(*writer, m_found > 0, ending);
+    }
+
+  protected:
+    std::size_t leastOwnArguments() const override { return 1; }
+
+  private:
+    IVDBInstance &findStart(Design &design)
+    {
+        return m_from.empty() ? design.root() : PathResolver(design).instance(m_from);
+    }
+
+    Ending walk(std::unique_ptr<IVDBResultSet> &result, const NamePattern &pattern, ResultWriter &writer,
+                Session &session)
+    {
+        const Interrupt::Action cancel(session.interrupt, [set = result.get()] { set->cancel(); });
+        for (;;) {
+            try {
+                result->next();
+            } catch (...) {
+                // A step that throws keeps its lock: such a set can neither be used nor deleted.
+                static_cast<void>(result.release());
+                throw;
+            }
+            if (result->status() != RESULT_MATCH) {
+                return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
+            }
+            meet(*result->getCurrent(), pattern, writer);
+            if (m_found == m_limit) {
+                return Ending::Limit;
+            }
+            writer.tick();
+        }
+    }
+
+    /// Instances come along as the context of their nets, whether they match or not.
+    void meet(IVDBItem &item, const NamePattern &pattern, ResultWriter &writer)
+    {
+        if (item.getItemType() == ITEM_INSTANCE) {
+            auto &instance = static_cast<IVDBInstance &>(item);
+            m_path = instance.getPath();
+            if (!m_path.empty() && pattern.matches(m_path)) {
+                write(writer, "instance", {}, m_path, std::string_view(instance.getModule()->getName()),
+                      instance.getModule()->isUserDeclared(), instance.getModule()->getLineInfo());
+            }
+            return;
+        }
+        auto &net = static_cast<IVDBNetBase &>(item);
+        m_fullName = m_path;
+        m_fullName += m_path.empty() ? "" : "/";
+        m_fullName += net.getName();
+        write(writer, item.getItemType() == ITEM_NET_BUS ? "bus" : "net", std::uint64_t(net.getWidth()), m_fullName, {},
+              net.isUserDeclared(), net.getLineInfo());
+    }
+
+    void write(ResultWriter &writer, const char *kind, Value width, std::string_view path, Value module,
+               bool userDeclared, const IVDBLineInfo *source)
+    {
+        ++m_found;
+        writer.row({std::string_view(kind), width, path, module, userDeclared, fileOf(source), lineOf(source)});
+    }
+
+    bool m_regex = false;
+    bool m_glob = false;
+    bool m_ignoreCase = false;
+    Sort m_sort = Sort::None;
+    std::string m_from;
+    std::uint64_t m_limit = UINT64_MAX;
+    VDBSearchParam m_param;
+
+    std::uint64_t m_found = 0;
+    std::string m_path; ///< of the instance whose nets follow
+    std::string m_fullName;
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeSearchCommand()
+{
+    return std::make_unique<SearchCommand>();
+}
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,123 @@
+#include "app/NumberOption.h"
+#include "app/Session.h"
+#include "commands/Command.h"
+#include "design/ClockOrder.h"
+#include "design/Design.h"
+#include "design/InstanceWalk.h"
+
+#include <CLI/CLI.hpp>
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+/// Name of an instance as the tree of a table draws it.
+std::string drawn(const InstanceWalk &walk, const std::string &name)
+{
+    std::string text;
+    for (std::size_t level = 1; level < walk.depth(); ++level) {
+        text += walk.isLast(level) ? "   " : "│  ";
+    }
+    if (walk.depth() > 0) {
+        text += walk.isLast(walk.depth()) ? "└─ " : "├─ ";
+    }
+    return text + name;
+}
+
+class TreeCommand : public DesignCommand {
+  public:
+    const char *name() const override { return "tree"; }
+    const char *summary() const override { return "Show the instance tree"; }
+    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
+    const char *more() const override
+    {
+        return "Examples:\n"
+               "  netlistdb tree soc.json --depth 2\n"
+               "  netlistdb tree soc.json --user-modules --clocks\n"
+               "  netlistdb tree soc.json --format jsonl | jq -r 'select(.depth == 1).path'";
+    }
+
+    void addOptions(CLI::App &app, CommonOptions &common) override
+    {
+        addNumber(app, "--depth", m_depth, 0, "Show at most N levels below the top");
+        app.add_flag("--clocks", m_clocks, "Show the clock domains that begin in each instance");
+        app.add_flag("--user-modules", m_userModules, "Leave out instances of modules without source position");
+        addDesignOptions(app, common);
+        addOutputOptions(app, common);
+        addReportOptions(app, common);
+    }
+
+    int run(Session &session) override
+    {
+        const auto design = loadDesign(m_design, m_clocks ? Clocks::Yes : Clocks::No, session);
+        session.stats.begin("show");
+        ResultHead head;
+        head.command = "tree";
+        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.columns = {{"depth", nullptr},
+                        {nullptr, "INSTANCE"},
+                        {"path", nullptr},
+                        {"name", nullptr},
+                        {"module", "MODULE", Look::Name},
+                        {"library", "LIBRARY", Look::Dim},
+                        {"user_declared", nullptr}};
+        if (m_clocks) {
+            head.columns.push_back({"clocks", "CLOCKS"});
+            m_domains = clocksByInstance(*design);
+        }
+        const auto writer = session.makeWriter();
+        writer->begin(head);
+        const Ending ending = show(*design, *writer, session);
+        session.stats.end();
+        return session.finish(*writer, true, ending);
+    }
+
+  private:
+    Ending show(Design &design, ResultWriter &writer, Session &session)
+    {
+        static const std::vector<std::string> NONE;
+        InstanceWalk walk(design.root(), m_userModules);
+        while (walk.instance() != nullptr) {
+            if (session.interrupt.requested()) {
+                return Ending::Interrupted;
+            }
+            IVDBInstance &instance = *walk.instance();
+            IVDBNetlist &module = *instance.getModule();
+            const std::string &shown = walk.depth() == 0 ? module.getName() : instance.getName();
+            const std::string drawing = writer.isTable() ? drawn(walk, shown) : std::string();
+            Row row = {std::uint64_t(walk.depth()),
+                       std::string_view(drawing),
+                       std::string_view(walk.path()),
+                       std::string_view(instance.getName()),
+                       std::string_view(module.getName()),
+                       std::string_view(module.GetLibName()),
+                       module.isUserDeclared()};
+            if (m_clocks) {
+                const auto found = m_domains.find(&instance);
+                row.emplace_back(found != m_domains.end() ? &found->second : &NONE);
+            }
+            writer.row(row);
+            if (walk.depth() < m_depth) {
+                walk.next();
+            } else {
+                walk.skip();
+            }
+        }
+        return Ending::Complete;
+    }
+
+    std::uint64_t m_depth = UINT64_MAX;
+    bool m_clocks = false;
+    bool m_userModules = false;
+    ClocksByInstance m_domains;
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeTreeCommand()
+{
+    return std::make_unique<TreeCommand>();
+}
+
+} // namespace kvr::netlistdb::tool

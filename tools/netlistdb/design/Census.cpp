@@ -1,0 +1,115 @@
+#include "design/Census.h"
+
+#include "app/Interrupt.h"
+#include "design/InstanceWalk.h"
+
+#include <netlistdb/netlistdb.h>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+struct Definition {
+    Contents contents;
+    std::size_t module = 0; ///< place in Census::modules
+};
+
+Contents contentsOf(IVDBNetlist &module)
+{
+    Contents contents;
+    for (const bool fromBuses : {false, true}) {
+        for (IVDBNet *net : module.getNets(fromBuses)) {
+            contents.nets.add(net->isUserDeclared());
+        }
+    }
+    for (IVDBNetBus *bus : module.getAllNetBus()) {
+        contents.buses.add(bus->isUserDeclared());
+    }
+    contents.ports = module.getPorts().size();
+    return contents;
+}
+
+bool drivesConstant(IVDBNetlist &module)
+{
+    static const std::set<std::string> CONSTANTS = {"$gnd", "$pwr", "$x", "$z"};
+    return module.GetLibName() == "Primitives" && CONSTANTS.count(module.getName()) != 0;
+}
+
+/// Counts while a walk meets the instances.
+class Counter {
+  public:
+    void meet(IVDBInstance &instance, std::size_t depth)
+    {
+        const bool userDeclared = instance.getModule()->isUserDeclared();
+        m_census.instances.add(userDeclared);
+        if (m_census.levels.size() <= depth) {
+            m_census.levels.resize(depth + 1);
+        }
+        m_census.levels[depth].add(userDeclared);
+        const auto [found, isNew] = m_definitions.try_emplace(instance.getModule());
+        if (isNew) {
+            define(instance, found->second);
+        }
+        ++m_census.modules[found->second.module].instances;
+        m_census.unfolded.add(found->second.contents);
+    }
+
+    Census result() { return std::move(m_census); }
+
+  private:
+    void define(IVDBInstance &instance, Definition &definition)
+    {
+        IVDBNetlist &netlist = *instance.getModule();
+        definition.contents = contentsOf(netlist);
+        const auto [place, isNew] =
+            m_modules.try_emplace({netlist.GetLibName(), netlist.getName()}, m_census.modules.size());
+        definition.module = place->second;
+        if (isNew) {
+            m_census.modules.emplace_back();
+            m_census.modules.back().name = netlist.getName();
+            m_census.modules.back().library = netlist.GetLibName();
+            m_census.modules.back().userDeclared = netlist.isUserDeclared();
+            m_census.modules.back().constant = drivesConstant(netlist);
+        }
+        ModuleCensus &module = m_census.modules[definition.module];
+        ++module.definitions;
+        module.contents.add(definition.contents);
+        m_census.definitions.add(netlist.isUserDeclared());
+        m_census.defined.add(definition.contents);
+        for (IVDBInstance *child : instance.getSubInstances()) {
+            if (!drivesConstant(*child->getModule())) {
+                ++module.cells[child->getModule()->getName()];
+            }
+        }
+    }
+
+    Census m_census;
+    std::unordered_map<IVDBNetlist *, Definition> m_definitions;
+    std::map<std::pair<std::string, std::string>, std::size_t> m_modules;
+};
+
+} // namespace
+
+void Contents::add(const Contents &other, std::uint64_t times)
+{
+    nets.total += other.nets.total * times;
+    nets.userDeclared += other.nets.userDeclared * times;
+    buses.total += other.buses.total * times;
+    buses.userDeclared += other.buses.userDeclared * times;
+    ports += other.ports * times;
+}
+
+Census takeCensus(IVDBInstance &root, const Interrupt &interrupt)
+{
+    Counter counter;
+    for (InstanceWalk walk(root); walk.instance() != nullptr; walk.next()) {
+        interrupt.check();
+        counter.meet(*walk.instance(), walk.depth());
+    }
+    return counter.result();
+}
+
+} // namespace kvr::netlistdb::tool

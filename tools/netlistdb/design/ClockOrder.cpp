@@ -1,0 +1,44 @@
+#include "design/ClockOrder.h"
+
+#include "design/Design.h"
+#include "design/InstanceWalk.h"
+
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+std::vector<IClockDomain *> clocksInOrder(Design &design)
+{
+    std::unordered_map<IVDBInstance *, std::unordered_multimap<IVDBNet *, IClockDomain *>> remaining;
+    for (IClockDomain *domain : design.clockDomains()) {
+        remaining[domain->getInstance()].emplace(domain->getNet(), domain);
+    }
+    std::vector<IClockDomain *> ordered;
+    for (InstanceWalk walk(design.root()); walk.instance() != nullptr && !remaining.empty(); walk.next()) {
+        const auto found = remaining.find(walk.instance());
+        if (found == remaining.end()) {
+            continue;
+        }
+        for (const bool fromBuses : {true, false}) {
+            for (IVDBNet *net : walk.instance()->getModule()->getNets(fromBuses)) {
+                const auto [first, last] = found->second.equal_range(net);
+                for (auto domain = first; domain != last; ++domain) {
+                    ordered.push_back(domain->second);
+                }
+            }
+        }
+        remaining.erase(found);
+    }
+    return ordered;
+}
+
+ClocksByInstance clocksByInstance(Design &design)
+{
+    ClocksByInstance clocks;
+    for (IClockDomain *domain : clocksInOrder(design)) {
+        clocks[domain->getInstance()].push_back(domain->getNet()->getName());
+    }
+    return clocks;
+}
+
+} // namespace kvr::netlistdb::tool

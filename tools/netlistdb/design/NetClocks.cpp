@@ -1,0 +1,34 @@
+#include "design/NetClocks.h"
+
+#include "design/Design.h"
+
+#include <algorithm>
+#include <netlistdb/netlistdb.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+void addClock(Design &design, IVDBInstance &instance, IVDBNet &net, std::vector<std::string> &clocks)
+{
+    const IClockDomain *domain = design.clockOf(instance, net);
+    if (domain != nullptr && std::find(clocks.begin(), clocks.end(), domain->getName()) == clocks.end()) {
+        clocks.push_back(domain->getName());
+    }
+}
+
+} // namespace
+
+void findClocks(Design &design, IVDBInstance &instance, IVDBItem &item, std::vector<std::string> &clocks)
+{
+    clocks.clear();
+    if (item.getItemType() == ITEM_NET) {
+        addClock(design, instance, static_cast<IVDBNet &>(item), clocks);
+        return;
+    }
+    for (IVDBNet *net : static_cast<IVDBNetBus &>(item).getNets()) {
+        addClock(design, instance, *net, clocks);
+    }
+}
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "output/Value.h"
+
+#include <fmt/format.h>
+#include <netlistdb/IVDBLineInfo.h>
+
+namespace kvr::netlistdb::tool {
+
+/// File and line of @p info as values; absent when there is none.
+inline Value fileOf(const IVDBLineInfo *info)
+{
+    return info != nullptr ? Value(std::string_view(info->getFilePath())) : Value();
+}
+inline Value lineOf(const IVDBLineInfo *info)
+{
+    return info != nullptr ? Value(std::uint64_t(info->getLineNumber())) : Value();
+}
+
+/// `file:line` for people: @p directory (which ends in a slash) is left out of files below it.
+inline std::string sourceText(const IVDBLineInfo *info, const std::string &directory)
+{
+    if (info == nullptr) {
+        return {};
+    }
+    std::string_view file = info->getFilePath();
+    if (file.substr(0, directory.size()) == directory) {
+        file.remove_prefix(directory.size());
+    }
+    return fmt::format("{}:{}", file, info->getLineNumber());
+}
+
+/// The working directory with a slash behind it; empty when there is none.
+std::string workingDirectory();
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace kvr::netlistdb::tool {
+
+/// One field of a result. Texts and lists are not owned: they must live until the row has been written.
+using Value = std::variant<std::monostate, bool, std::uint64_t, std::string_view, const std::vector<std::string> *>;
+
+/// One result: a value for each column.
+using Row = std::vector<Value>;
+
+/// A named value about a result as a whole.
+struct Fact {
+    const char *key;
+    Value value;
+};
+
+} // namespace kvr::netlistdb::tool

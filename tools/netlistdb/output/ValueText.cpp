@@ -1,0 +1,28 @@
+#include "output/ValueText.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+struct Texter {
+    std::string operator()(std::monostate) const { return {}; }
+    std::string operator()(bool value) const { return value ? "yes" : "no"; }
+    std::string operator()(std::uint64_t value) const { return fmt::to_string(value); }
+    std::string operator()(std::string_view value) const { return std::string(value); }
+    std::string operator()(const std::vector<std::string> *value) const
+    {
+        return fmt::to_string(fmt::join(*value, " "));
+    }
+};
+
+} // namespace
+
+std::string valueText(const Value &value)
+{
+    return std::visit(Texter{}, value);
+}
+
+} // namespace kvr::netlistdb::tool
