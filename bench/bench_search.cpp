@@ -1,0 +1,205 @@
+// How long until the first hit of a search by name, and until the last?
+
+#include "support/BenchmarkArgs.h"
+#include "support/Measure.h"
+#include "support/TreeWalk.h"
+
+#include "DataBase.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <regex>
+
+namespace kvr::netlistdb::bench {
+namespace {
+
+constexpr const char *PLAIN = "alu_0";
+constexpr const char *PLAIN_OTHER_CASE = "ALU_0";
+constexpr const char *REGEX = "alu_[0-9_]+/(data|stage)_.*q";
+
+/// One imported design and the flat list of its full names, shared by all benchmarks of one shape and size in a row.
+struct Searched {
+    Shape shape = Shape::Flat;
+    std::size_t size = 0;
+    std::unique_ptr<DesignDatabase> database;
+    std::vector<std::string> names;
+    std::string listFile;
+};
+
+Searched &searched(benchmark::State &state)
+{
+    static Searched current;
+    const Shape shape = shapeArgument(state);
+    if (current.shape != shape || current.size != sizeArgument(state)) {
+        current = Searched();
+        current.shape = shape;
+        current.size = sizeArgument(state);
+        current.database = std::make_unique<DesignDatabase>(false);
+        import(*current.database, shape, restoreDesign(shape, current.size));
+        Verific::Libset::Reset();
+        current.names = fullNames(*current.database, sourceOf(shape));
+        current.listFile = std::filesystem::path(savedFile(shape, current.size)).replace_extension("names").string();
+        writeLines(current.names, current.listFile);
+    }
+    return current;
+}
+
+/// A walk over instances, nets and buses; ports, which no net matcher reports, are left out.
+VDBSearchParam everything(const Searched &on)
+{
+    VDBSearchParam param;
+    param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
+    param.startItem = on.database->getRoot(sourceOf(on.shape));
+    return param;
+}
+
+VDBSearchParam parameters(const Searched &on, const char *pattern, bool ignoreCase)
+{
+    VDBSearchParam param = everything(on);
+    param.filterByName = true;
+    param.pattern = pattern;
+    param.ignoreCase = ignoreCase;
+    return param;
+}
+
+/// Number of nets and buses found.
+std::size_t searchAll(const Searched &on, const VDBSearchParam &param)
+{
+    const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
+    std::size_t hits = 0;
+    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
+        hits += results->getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+    }
+    return hits;
+}
+
+/// The same with an expression that is compiled once.
+std::size_t searchAllRegex(const Searched &on, const std::regex &expression)
+{
+    BFSItemIterator items(on.database.get(), everything(on));
+    std::size_t hits = 0;
+    while (VDBHelper::matchNetRegex(&items, expression)) {
+        hits += items.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+        items.next();
+    }
+    return hits;
+}
+
+/// Lines that grep counts, and the time of the whole process.
+std::pair<std::size_t, double> grep(const std::string &options, const std::string &pattern, const std::string &file)
+{
+    Stopwatch watch;
+    std::FILE *const pipe = popen(fmt::format("LC_ALL=C grep {} -e '{}' '{}'", options, pattern, file).c_str(), "r");
+    if (pipe == nullptr) {
+        return {0, 0};
+    }
+    std::array<char, 64> text{};
+    const char *const line = std::fgets(text.data(), static_cast<int>(text.size()), pipe);
+    const std::size_t count = line == nullptr ? 0 : std::stoul(line);
+    pclose(pipe);
+    return {count, watch.lap()};
+}
+
+void compareWithGrep(benchmark::State &state, const char *pattern, bool ignoreCase)
+{
+    const Searched &on = searched(state);
+    const VDBSearchParam param = parameters(on, pattern, ignoreCase);
+    const char *const options = ignoreCase ? "-cFi" : "-cF";
+    const std::size_t expected = grep(options, pattern, on.listFile).first;
+    if (const std::size_t hits = searchAll(on, param); hits != expected || hits == 0) {
+        state.SkipWithError(fmt::format("{} hits instead of {}", hits, expected).c_str());
+    }
+    std::vector<double> searchTimes;
+    std::vector<double> grepTimes;
+    for (auto _ : state) {
+        grepTimes.push_back(grep(options, pattern, on.listFile).second);
+        Stopwatch watch;
+        benchmark::DoNotOptimize(searchAll(on, param));
+        searchTimes.push_back(watch.lap());
+        state.SetIterationTime(searchTimes.back());
+    }
+    state.counters["hits"] = static_cast<double>(expected);
+    state.counters["names"] = static_cast<double>(on.names.size());
+    state.counters["ns_per_name"] = median(searchTimes) * 1e9 / static_cast<double>(on.names.size());
+    state.counters["grep_ms"] = median(grepTimes) * 1e3;
+    state.counters["ratio"] = median(searchTimes) / median(grepTimes);
+}
+
+void plainBesideGrep(benchmark::State &state)
+{
+    compareWithGrep(state, PLAIN, false);
+}
+BENCHMARK(plainBesideGrep)->Apply(sizesAndShapes)->UseManualTime();
+
+/// The walk of callers who leave the item types as they are: past every port too.
+void plainPastPorts(benchmark::State &state)
+{
+    const Searched &on = searched(state);
+    VDBSearchParam param = parameters(on, PLAIN, false);
+    param.itemTypes = VDBSearchParam().itemTypes;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(searchAll(on, param));
+    }
+}
+BENCHMARK(plainPastPorts)->Apply(sizesAndShapes);
+
+void ignoreCaseBesideGrep(benchmark::State &state)
+{
+    compareWithGrep(state, PLAIN_OTHER_CASE, true);
+}
+BENCHMARK(ignoreCaseBesideGrep)->Apply(sizesAndShapes)->UseManualTime();
+
+void regexBesideBareStrings(benchmark::State &state)
+{
+    const Searched &on = searched(state);
+    const std::regex expression(REGEX);
+    const auto searchBare = [&] {
+        std::smatch match;
+        return std::count_if(on.names.begin(), on.names.end(), [&](const std::string &name) {
+            return std::regex_search(name, match, expression, std::regex_constants::match_any);
+        });
+    };
+    const auto expected = static_cast<std::size_t>(searchBare());
+    if (const std::size_t hits = searchAllRegex(on, expression); hits != expected || hits == 0) {
+        state.SkipWithError(fmt::format("{} hits instead of {}", hits, expected).c_str());
+    }
+    std::vector<double> searchTimes;
+    std::vector<double> bareTimes;
+    for (auto _ : state) {
+        ProcessorStopwatch watch;
+        benchmark::DoNotOptimize(searchBare());
+        bareTimes.push_back(watch.lap());
+        benchmark::DoNotOptimize(searchAllRegex(on, expression));
+        searchTimes.push_back(watch.lap());
+        state.SetIterationTime(searchTimes.back());
+    }
+    state.counters["hits"] = static_cast<double>(expected);
+    state.counters["bare_ms"] = median(bareTimes) * 1e3;
+    state.counters["ratio"] = median(searchTimes) / median(bareTimes);
+}
+BENCHMARK(regexBesideBareStrings)->Apply(sizesAndShapes)->UseManualTime();
+
+/// From the call of search until the first net or bus stands in the result set.
+void firstHit(benchmark::State &state)
+{
+    const Searched &on = searched(state);
+    const VDBSearchParam param = parameters(on, PLAIN, false);
+    for (auto _ : state) {
+        const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
+        do {
+            results->next();
+        } while (results->status() == RESULT_MATCH && results->getCurrent()->getItemType() == ITEM_INSTANCE);
+        if (results->status() != RESULT_MATCH) {
+            state.SkipWithError("no hit");
+        }
+    }
+}
+BENCHMARK(firstHit)->Apply(sizesAndShapes);
+
+} // namespace
+} // namespace kvr::netlistdb::bench
