@@ -1,0 +1,56 @@
+# What `cmake --install` puts where. Three components: runtime (the libraries), development (headers, CMake package,
+# pkg-config files, example) and program. Everything finds everything else by relative paths, so that an installation
+# can be moved as a whole.
+include(CMakePackageConfigHelpers)
+
+set(glabrenimgaf_headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/glabrenimgaf)
+set(glabrenimgaf_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/glabrenimgaf)
+set(glabrenimgaf_data_dir ${CMAKE_INSTALL_DATADIR}/glabrenimgaf)
+file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
+
+# Libraries and their headers.
+set_target_properties(glabrenimgaf verific PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS glabrenimgaf verific EXPORT glabrenimgafTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+install(DIRECTORY include/netlistdb DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+    FILES_MATCHING PATTERN "*.h")
+install(EXPORT glabrenimgafTargets NAMESPACE glabrenimgaf:: DESTINATION ${glabrenimgaf_package_dir}
+    COMPONENT development)
+
+# The program, and the reader that it is made with.
+if(TARGET netlistdb)
+    set_target_properties(netlistdb PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+    install(TARGETS netlistdb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+    install(FILES docs/netlistdb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program OPTIONAL)
+
+    target_include_directories(yosys_reader INTERFACE $<INSTALL_INTERFACE:${glabrenimgaf_headers_dir}>)
+    install(TARGETS yosys_reader EXPORT glabrenimgafYosysReaderTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/glabrenimgaf COMPONENT development)
+    install(FILES frontend/yosys/YosysReader.h DESTINATION ${glabrenimgaf_headers_dir}/yosys COMPONENT development)
+    install(EXPORT glabrenimgafYosysReaderTargets NAMESPACE glabrenimgaf:: DESTINATION ${glabrenimgaf_package_dir}
+        COMPONENT development)
+endif()
+
+# How others find it.
+configure_package_config_file(cmake/glabrenimgafConfig.cmake.in glabrenimgafConfig.cmake
+    INSTALL_DESTINATION ${glabrenimgaf_package_dir} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(glabrenimgafConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/glabrenimgafConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/glabrenimgafConfigVersion.cmake
+    DESTINATION ${glabrenimgaf_package_dir} COMPONENT development)
+set(pkgconfig_files glabrenimgaf)
+if(NOT VERIFIC_ROOT)
+    list(APPEND pkgconfig_files glabrenimgaf-verific)
+endif()
+foreach(name IN LISTS pkgconfig_files)
+    configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT development)
+endforeach()
+
+# Something to start from.
+install(DIRECTORY examples/consume DESTINATION ${glabrenimgaf_data_dir}/examples COMPONENT development
+    FILES_MATCHING PATTERN "CMakeLists.txt" PATTERN "Makefile" PATTERN "*.cpp" PATTERN "*.md")
+install(FILES designs/soc_elaborated.json DESTINATION ${glabrenimgaf_data_dir}/designs COMPONENT development)

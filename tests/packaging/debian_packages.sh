@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# debian_packages.sh SOURCE BUILD WORK LIBDIR VERSION: makes the Debian packages of BUILD, compares what is in them with
+# the list beside this script, checks what they depend on, and runs the program out of the unpacked packages.
+set -euo pipefail
+source_dir=$1 build=$2 work=$3 libdir=$4 version=$5
+here=$(cd "$(dirname "$0")" && pwd)
+
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work"
+cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work" >cpack.log 2>&1 || { cat cpack.log >&2; exit 1; }
+
+for package in libglabrenimgaf0 libglabrenimgaf-dev netlistdb; do
+    file=$(echo "${package}_${version}"-*.deb)
+    echo "$package"
+    dpkg-deb -c "$file" | awk '$1 !~ /^d/ { print "    " substr($6, 2) }' |
+        sed -e "s,/usr/$libdir/,/usr/LIBDIR/," -e "s,$version,VERSION," -e 's,Targets-[a-z]*\.cmake,Targets-CONFIG.cmake,' |
+        LC_ALL=C sort
+    dpkg-deb -x "$file" root
+done >actual
+cp "$here/debian_packages.txt" expected
+if [ -f "$source_dir/docs/netlistdb.1" ]; then
+    echo "    /usr/share/man/man1/netlistdb.1" >>expected
+fi
+diff -u expected actual
+
+# depends PACKAGE WORD...: fails unless PACKAGE depends on each WORD.
+depends() {
+    local field word
+    field=$(dpkg-deb -f "$1_${version}"-*.deb Depends)
+    for word in "${@:2}"; do
+        [[ $field == *"$word"* ]] || { echo "error: $1 depends on '$field', without $word" >&2; exit 1; }
+    done
+}
+depends libglabrenimgaf0 libc6 libssl3 libcapnp
+depends libglabrenimgaf-dev "libglabrenimgaf0 (= $version-"
+depends netlistdb "libglabrenimgaf0 (= $version-" libfmt libsimdjson
+
+root/usr/bin/netlistdb info "$source_dir/designs/soc_elaborated.json" >/dev/null
