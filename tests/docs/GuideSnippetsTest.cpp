@@ -1,0 +1,224 @@
+// The code that the guide and the README show, compiled and run. What stands between `// [name]` and `// [end]` is what
+// the documents hold under that name; check_snippets.py compares the two.
+
+#include "frontend/yosys/YosysReader.h"
+
+#include <DataBase.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+// [embed]
+#include <netlistdb/netlistdb.h>
+
+#include <iostream>
+#include <memory>
+
+using namespace kvr::netlistdb;
+
+int printClocks(const std::string &savedNetlist)
+{
+    DesignDatabase database(/*keepSourceNetlists=*/true);
+    if (!database.parsePostMapNetlistFromFile(savedNetlist)) {
+        std::cerr << savedNetlist << ": cannot be restored\n";
+        return 1;
+    }
+    IVDBInstance *root = database.getRoot(IDesignDatabase::SOURCE_POST_MAP);
+    for (IVDBNet *net : root->getModule()->getNets(/*fromBuses=*/false)) {
+        if (net->isUserDeclared() && net->isSelectableForDebugger()) {
+            IClockDomain *clock = database.findDrivingClockDomains(root, net, IDesignDatabase::SOURCE_POST_MAP);
+            std::cout << net->getName() << ": " << (clock != nullptr ? clock->getName() : "no clock") << '\n';
+        }
+    }
+    return 0;
+}
+// [end]
+
+namespace {
+
+class Guide : public testing::Test {
+  protected:
+    static std::string saved(const std::string &form)
+    {
+        const std::string path =
+            (std::filesystem::temp_directory_path() / ("guide_" + form + std::to_string(getpid()) + ".netlist")).string();
+        if (!std::filesystem::exists(path)) {
+            Verific::Netlist *top = yosys::readJson(std::string(DESIGNS_DIR) + "/soc_" + form + ".json");
+            EXPECT_NE(top->SaveToFile(path.c_str()), 0u);
+            Verific::Libset::Reset();
+        }
+        return path;
+    }
+
+    static void TearDownTestSuite()
+    {
+        for (const std::string form : {"elaborated", "postmap"}) {
+            std::filesystem::remove(saved(form));
+        }
+    }
+};
+
+TEST_F(Guide, PrintsTheClockOfEveryNetThatMayBeProbed)
+{
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(printClocks(saved("postmap")), 0);
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("heartbeat_o: clk_sys_g\n"), std::string::npos);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(printClocks("/nonexistent"), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "/nonexistent: cannot be restored\n");
+}
+
+TEST_F(Guide, LoadsFromAFileAndFromMemory)
+{
+    const std::string path = saved("elaborated");
+    const std::string json = std::string(DESIGNS_DIR) + "/soc_elaborated.json";
+    // [load]
+    DesignDatabase database(/*keepSourceNetlists=*/true);
+
+    // From a saved netlist:
+    bool complete = database.parseElaboratedNetlistFromFile(path);
+
+    // From a netlist in memory, here one that yosys wrote. The import copies it; the netlist stays yours.
+    DesignDatabase other(true);
+    Verific::Netlist *netlist = yosys::readJson(json);
+    complete = other.parseElaboratedNetlist(netlist) && complete;
+    // [end]
+    EXPECT_TRUE(complete);
+    EXPECT_EQ(database.getTopModule(IDesignDatabase::SOURCE_ELABORATED)->getName(), "soc_top");
+    EXPECT_EQ(other.getTopModule(IDesignDatabase::SOURCE_ELABORATED)->getName(), "soc_top");
+}
+
+TEST_F(Guide, WalksTheTree)
+{
+    DesignDatabase database(false);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    // [walk]
+    std::vector<IVDBInstance *> waiting{database.getRoot(IDesignDatabase::SOURCE_ELABORATED)};
+    std::size_t userInstances = 0;
+    while (!waiting.empty()) {
+        IVDBInstance *instance = waiting.back();
+        waiting.pop_back();
+        if (instance->getModule()->isUserDeclared()) {
+            ++userInstances; // instance->getPath() is "u_uart/u_tx"; the root's path is empty
+        }
+        for (IVDBInstance *child : instance->getSubInstances()) {
+            waiting.push_back(child);
+        }
+    }
+    // [end]
+    EXPECT_GT(userInstances, 50u);
+}
+
+TEST_F(Guide, ReadsNetsBusesAndPositions)
+{
+    DesignDatabase database(false);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    std::string report;
+    // [nets]
+    IVDBNetlist *module = database.getTopModule(IDesignDatabase::SOURCE_ELABORATED);
+    for (IVDBNetBus *bus : module->getAllNetBus()) {
+        report += bus->getName() + " [" + std::to_string(bus->getLeftIndex()) + ":" +
+                  std::to_string(bus->getRightIndex()) + "]";
+        if (IVDBLineInfo *position = bus->getLineInfo()) { // none: no user wrote it
+            report += " " + position->getFilePath() + ":" + std::to_string(position->getLineNumber());
+        }
+        report += '\n';
+    }
+    const std::size_t bitsInBuses = module->getNets(/*fromBuses=*/true).size();
+    const std::size_t plainNets = module->getNets(/*fromBuses=*/false).size();
+    // [end]
+    EXPECT_NE(report.find("soc_top.v:"), std::string::npos);
+    EXPECT_GT(bitsInBuses, 0u);
+    EXPECT_GT(plainNets, 0u);
+}
+
+TEST_F(Guide, SearchesByNameAndCancels)
+{
+    DesignDatabase database(false);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    std::vector<std::string> found;
+    std::atomic<bool> userGaveUp{false};
+    // [search]
+    VDBSearchParam param;
+    param.startItem = database.getRoot(IDesignDatabase::SOURCE_ELABORATED);
+    param.filterByName = true;
+    param.pattern = "shift_q";
+    param.userNetsOnly = true;
+
+    std::unique_ptr<IVDBResultSet> results(database.search(param)); // nothing is visited yet
+    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
+        IVDBItem *item = results->getCurrent();
+        if (item->getItemType() == ITEM_INSTANCE) {
+            continue; // reported so that getContext() is known for the nets that follow
+        }
+        auto *net = dynamic_cast<IVDBNetBase *>(item);
+        auto *context = dynamic_cast<IVDBInstance *>(results->getContext());
+        found.push_back(VDBHelper::getNetFullName(net, context));
+        if (userGaveUp) {
+            results->cancel(); // may also come from another thread
+        }
+    }
+    // [end]
+    ASSERT_FALSE(found.empty());
+    for (const std::string &name : found) {
+        EXPECT_NE(name.find("shift_q"), std::string::npos);
+    }
+}
+
+TEST_F(Guide, SearchesWithOneCompiledExpression)
+{
+    DesignDatabase database(false);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    std::size_t hits = 0;
+    // [regex]
+    VDBSearchParam param;
+    param.startItem = database.getRoot(IDesignDatabase::SOURCE_ELABORATED);
+    const std::regex expression("u_[rt]x/.*_q$");
+
+    auto *walk = new BFSItemIterator(&database, param);
+    VDBResultSet results(walk, [&] { return VDBHelper::matchNetRegex(walk, expression); }); // takes over the walk
+    for (results.next(); results.status() == RESULT_MATCH; results.next()) {
+        hits += results.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+    }
+    // [end]
+    EXPECT_GT(hits, 0u);
+}
+
+TEST_F(Guide, AsksForClocks)
+{
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    // [clocks]
+    constexpr auto type = IDesignDatabase::SOURCE_ELABORATED;
+    for (IClockDomain *domain : database.listAllClockDomains(type)) {
+        std::cout << "clock " << domain->getName() << '\n'; // instance path, "/", net name
+    }
+    IVDBInstance *root = database.getRoot(type);
+    IVDBNet *net = root->getModule()->getNets(false).front();
+    IClockDomain *driving = database.findDrivingClockDomains(root, net, type); // null: no clock
+    // [end]
+    EXPECT_FALSE(database.listAllClockDomains(type).empty());
+    static_cast<void>(driving);
+}
+
+TEST_F(Guide, ResetsAndReloads)
+{
+    const std::string path = saved("elaborated");
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(path));
+    // [reset]
+    database.reset(IDesignDatabase::SOURCE_ELABORATED); // every pointer into that tree is dead from here on
+    const bool loaded = database.parseElaboratedNetlistFromFile(path);
+    // [end]
+    EXPECT_TRUE(loaded);
+    EXPECT_TRUE(database.isSourceLoaded(IDesignDatabase::SOURCE_ELABORATED));
+}
+
+} // namespace
