@@ -2,6 +2,7 @@
 
 #include "search/KnownModules.h"
 #include "search/MemberOrder.h"
+#include "search/Prefetch.h"
 
 #include <netlistdb/IVDBNet.h>
 #include <netlistdb/IVDBNetBus.h>
@@ -72,6 +73,7 @@ bool InstanceMembers::advance(IVDBItem *&item, PlainPorts plainPorts)
 template <typename List> IVDBNetBase *InstanceMembers::nextWanted(const List &list, std::size_t &position) const
 {
     while (position < list.size()) {
+        prefetchAhead(list, position);
         IVDBNetBase *member = list[position++];
         if (member != nullptr && (!m_userNetsOnly || member->isUserDeclared())) {
             return member;

@@ -1,5 +1,7 @@
 #include "search/PendingItems.h"
 
+#include "search/Prefetch.h"
+
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/VDBSearchParam.h>
 
@@ -37,6 +39,7 @@ IVDBInstance *PendingItems::nextChild()
 {
     for (;;) {
         while (m_children != nullptr && m_nextChild < m_children->size()) {
+            prefetchAhead(*m_children, m_nextChild);
             if (IVDBInstance *child = (*m_children)[m_nextChild++]) {
                 return child;
             }

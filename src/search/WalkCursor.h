@@ -27,7 +27,14 @@ class WalkCursor {
     explicit WalkCursor(BFSItemIterator &iterator) : m_iterator(iterator), m_pending(*iterator.m_pending) {}
     bool isEnd() { return !m_pending.settle(PlainPorts::Skip); }
     IVDBItem *getCurrent() { return m_pending.front(); }
-    void next() { m_iterator.stepOn(); }
+    void next()
+    {
+        if (m_pending.frontInstance() == nullptr) {
+            m_pending.pop();
+        } else {
+            m_iterator.stepOn();
+        }
+    }
     IVDBItem *getContext() { return m_iterator.m_context; }
     void setContext(IVDBItem *item) { m_iterator.m_context = item; }
 

@@ -9,6 +9,7 @@
 #include "design/PathResolver.h"
 #include "design/SourceText.h"
 
+#include <exception>
 #include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
@@ -17,8 +18,10 @@ namespace {
 
 enum class Sort { None, Name, Width };
 
-/// Starts the walk. @p pattern must outlive the result.
-std::unique_ptr<IVDBResultSet> startSearch(Design &design, VDBSearchParam &param, const NamePattern &pattern)
+/// Starts the walk. @p pattern must outlive the result. A search by expression that fails ends there and leaves the
+/// reason in @p fault, which must outlive the result as well: a step that throws would keep its lock.
+std::unique_ptr<IVDBResultSet> startSearch(Design &design, VDBSearchParam &param, const NamePattern &pattern,
+                                           std::exception_ptr &fault)
 {
     DesignDatabase &database = design.database();
     if (pattern.expression() == nullptr) {
@@ -31,7 +34,14 @@ std::unique_ptr<IVDBResultSet> startSearch(Design &design, VDBSearchParam &param
     auto iterator = std::make_unique<ExpressionWalk>(&database, param, design.name());
     TreeIterator *walk = iterator.get();
     const std::regex *expression = pattern.expression();
-    auto predicate = [walk, expression] { return VDBHelper::matchNetRegex(walk, *expression); };
+    auto predicate = [walk, expression, &fault] {
+        try {
+            return VDBHelper::matchNetRegex(walk, *expression);
+        } catch (...) {
+            fault = std::current_exception();
+            return false;
+        }
+    };
     auto result = std::make_unique<VDBResultSet>(walk, std::move(predicate));
     static_cast<void>(iterator.release());
     return result;
@@ -99,8 +109,8 @@ class SearchCommand : public DesignCommand {
                         {"file", nullptr},
                         {"line", nullptr}};
         writer->begin(head);
-        auto result = startSearch(*design, m_param, pattern);
-        const Ending ending = walk(result, pattern, *writer, session);
+        const auto result = startSearch(*design, m_param, pattern, m_fault);
+        const Ending ending = walk(*result, pattern, *writer, session);
         session.stats.end();
         return session.finish(*writer, m_found > 0, ending);
     }
@@ -114,22 +124,18 @@ class SearchCommand : public DesignCommand {
         return m_from.empty() ? design.root() : PathResolver(design).instance(m_from);
     }
 
-    Ending walk(std::unique_ptr<IVDBResultSet> &result, const NamePattern &pattern, ResultWriter &writer,
-                Session &session)
+    Ending walk(IVDBResultSet &result, const NamePattern &pattern, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [set = result.get()] { set->cancel(); });
+        const Interrupt::Action cancel(session.interrupt, [&result] { result.cancel(); });
         for (;;) {
-            try {
-                result->next();
-            } catch (...) {
-                // A step that throws keeps its lock: such a set can neither be used nor deleted.
-                static_cast<void>(result.release());
-                throw;
+            result.next();
+            if (m_fault != nullptr) {
+                std::rethrow_exception(m_fault);
             }
-            if (result->status() != RESULT_MATCH) {
+            if (result.status() != RESULT_MATCH) {
                 return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
             }
-            meet(*result->getCurrent(), pattern, writer);
+            meet(*result.getCurrent(), pattern, writer);
             if (m_found == m_limit) {
                 return Ending::Limit;
             }
@@ -173,6 +179,7 @@ class SearchCommand : public DesignCommand {
     VDBSearchParam m_param;
 
     std::uint64_t m_found = 0;
+    std::exception_ptr m_fault; ///< why the walk ended early
     std::string m_path; ///< of the instance whose nets follow
     std::string m_fullName;
 };

@@ -78,6 +78,11 @@ void OutputStream::write(std::string_view text)
     }
 }
 
+bool OutputStream::isTerminal() const
+{
+    return isatty(m_descriptor) != 0;
+}
+
 void OutputStream::tick()
 {
     if (!m_buffer.empty() && std::chrono::steady_clock::now() - m_flushed >= PATIENCE) {

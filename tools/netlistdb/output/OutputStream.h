@@ -26,6 +26,8 @@ class OutputStream {
     /// Hands on everything and, for a file, puts it in place. Further calls do nothing.
     void close();
     bool isStandardOutput() const { return m_path.empty(); }
+    /// True when somebody may be watching the result grow.
+    bool isTerminal() const;
 
   private:
     [[noreturn]] void fail() const;

@@ -38,6 +38,7 @@ std::string_view escapeOf(Look look)
 
 void TableWriter::begin(const ResultHead &head)
 {
+    m_watched = m_stream.isTerminal();
     for (std::size_t at = 0; at < head.columns.size(); ++at) {
         const Column &column = head.columns[at];
         if (column.title != nullptr) {
@@ -82,7 +83,9 @@ void TableWriter::end(Ending /*ending*/, const std::vector<Fact> & /*facts*/)
 
 void TableWriter::tick()
 {
-    if (!m_settled && !m_waiting.empty() && std::chrono::steady_clock::now() - m_firstRow >= PATIENCE) {
+    // Elsewhere than on a terminal the same result is the same text, however slowly it comes.
+    if (m_watched && !m_settled && !m_waiting.empty() &&
+        std::chrono::steady_clock::now() - m_firstRow >= PATIENCE) {
         settle();
     }
     m_stream.tick();

@@ -29,6 +29,7 @@ class TableWriter : public ResultWriter {
 
     OutputStream &m_stream;
     bool m_color;
+    bool m_watched = false; ///< by somebody at a terminal
     bool m_settled = false;
     std::vector<Place> m_places;
     std::vector<std::vector<std::string>> m_waiting; ///< rows before the widths are settled
