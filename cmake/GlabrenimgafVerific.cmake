@@ -19,7 +19,8 @@ else()
     # source files, which an archive linked into several of them would give each its own.
     file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/verific_archives.cpp CONTENT "// The archives are the content.\n")
     add_library(verific SHARED ${CMAKE_CURRENT_BINARY_DIR}/verific_archives.cpp)
-    target_include_directories(verific SYSTEM INTERFACE ${verific_includes})
+    # For this build alone: public headers need none of these.
+    target_include_directories(verific SYSTEM INTERFACE "$<BUILD_INTERFACE:${verific_includes}>")
     target_link_options(verific PRIVATE -Wl,--whole-archive ${verific_archives} -Wl,--no-whole-archive)
     target_link_libraries(verific PRIVATE ZLIB::ZLIB)
     set_target_properties(verific PROPERTIES LINK_DEPENDS "${verific_archives}")

@@ -21,7 +21,7 @@ build_preset clang
 ctest --preset clang -j "$jobs" -LE packaging
 
 step "GCC, optimised: the program, packages, and the build against a commercial layout"
-build_preset release
+build_preset release netlistdb glabrenimgaf yosys_reader bench_drive netlist_generator
 ctest --preset release -j "$jobs" -L 'e2e|packaging'
 
 printf '\nAll tests passed after %d s\n' "$SECONDS"
