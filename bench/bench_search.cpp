@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -18,8 +19,9 @@
 namespace kvr::netlistdb::bench {
 namespace {
 
-constexpr const char *PLAIN = "alu_0";
-constexpr const char *PLAIN_OTHER_CASE = "ALU_0";
+// Each is found in designs of every size of its shape.
+constexpr const char *PLAIN_FLAT = "alu_1";
+constexpr const char *PLAIN_HIERARCHICAL = "alu_0";
 constexpr const char *REGEX = "alu_[0-9_]+/(data|stage)_.*q";
 
 /// One imported design and the flat list of its full names, shared by all benchmarks of one shape and size in a row.
@@ -58,13 +60,26 @@ VDBSearchParam everything(const Searched &on)
     return param;
 }
 
-VDBSearchParam parameters(const Searched &on, const char *pattern, bool ignoreCase)
+VDBSearchParam parameters(const Searched &on, const std::string &pattern, bool ignoreCase)
 {
     VDBSearchParam param = everything(on);
     param.filterByName = true;
     param.pattern = pattern;
     param.ignoreCase = ignoreCase;
     return param;
+}
+
+std::string plainPattern(const Searched &on)
+{
+    return on.shape == Shape::Flat ? PLAIN_FLAT : PLAIN_HIERARCHICAL;
+}
+
+std::string plainPatternInOtherCase(const Searched &on)
+{
+    std::string pattern = plainPattern(on);
+    std::transform(pattern.begin(), pattern.end(), pattern.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+    return pattern;
 }
 
 /// Number of nets and buses found.
@@ -105,9 +120,10 @@ std::pair<std::size_t, double> grep(const std::string &options, const std::strin
     return {count, watch.lap()};
 }
 
-void compareWithGrep(benchmark::State &state, const char *pattern, bool ignoreCase)
+void compareWithGrep(benchmark::State &state, bool ignoreCase)
 {
     const Searched &on = searched(state);
+    const std::string pattern = ignoreCase ? plainPatternInOtherCase(on) : plainPattern(on);
     const VDBSearchParam param = parameters(on, pattern, ignoreCase);
     const char *const options = ignoreCase ? "-cFi" : "-cF";
     const std::size_t expected = grep(options, pattern, on.listFile).first;
@@ -132,7 +148,7 @@ void compareWithGrep(benchmark::State &state, const char *pattern, bool ignoreCa
 
 void plainBesideGrep(benchmark::State &state)
 {
-    compareWithGrep(state, PLAIN, false);
+    compareWithGrep(state, false);
 }
 BENCHMARK(plainBesideGrep)->Apply(sizesAndShapes)->UseManualTime();
 
@@ -140,8 +156,12 @@ BENCHMARK(plainBesideGrep)->Apply(sizesAndShapes)->UseManualTime();
 void plainPastPorts(benchmark::State &state)
 {
     const Searched &on = searched(state);
-    VDBSearchParam param = parameters(on, PLAIN, false);
+    VDBSearchParam param = parameters(on, plainPattern(on), false);
+    const std::size_t expected = searchAll(on, param);
     param.itemTypes = VDBSearchParam().itemTypes;
+    if (const std::size_t hits = searchAll(on, param); hits != expected || hits == 0) {
+        state.SkipWithError(fmt::format("{} hits instead of {}", hits, expected).c_str());
+    }
     for (auto _ : state) {
         benchmark::DoNotOptimize(searchAll(on, param));
     }
@@ -150,9 +170,22 @@ BENCHMARK(plainPastPorts)->Apply(sizesAndShapes);
 
 void ignoreCaseBesideGrep(benchmark::State &state)
 {
-    compareWithGrep(state, PLAIN_OTHER_CASE, true);
+    compareWithGrep(state, true);
 }
 BENCHMARK(ignoreCaseBesideGrep)->Apply(sizesAndShapes)->UseManualTime();
+
+/// What the walk itself costs, whatever is then done with the names.
+void everyNet(benchmark::State &state)
+{
+    const Searched &on = searched(state);
+    const VDBSearchParam param = everything(on);
+    for (auto _ : state) {
+        if (const std::size_t hits = searchAll(on, param); hits != on.names.size()) {
+            state.SkipWithError(fmt::format("{} nets instead of {}", hits, on.names.size()).c_str());
+        }
+    }
+}
+BENCHMARK(everyNet)->Apply(sizesAndShapes);
 
 void regexBesideBareStrings(benchmark::State &state)
 {
@@ -184,22 +217,57 @@ void regexBesideBareStrings(benchmark::State &state)
 }
 BENCHMARK(regexBesideBareStrings)->Apply(sizesAndShapes)->UseManualTime();
 
-/// From the call of search until the first net or bus stands in the result set.
+/// The full name of the first net or bus that a search finds; empty when there is none.
+std::string firstFound(const Searched &on, const VDBSearchParam &param)
+{
+    const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
+    do {
+        results->next();
+    } while (results->status() == RESULT_MATCH && results->getCurrent()->getItemType() == ITEM_INSTANCE);
+    if (results->status() != RESULT_MATCH) {
+        return {};
+    }
+    const std::string path = static_cast<IVDBInstance *>(results->getContext())->getPath();
+    return (path.empty() ? "" : path + "/") + results->getCurrent()->getName();
+}
+
+/// From the call of search until the full name of the first net or bus is there. @p expression finds the same names.
+void findFirst(benchmark::State &state, const VDBSearchParam &param, const std::regex &expression)
+{
+    const Searched &on = searched(state);
+    const auto expected = std::find_if(on.names.begin(), on.names.end(),
+                                       [&](const std::string &name) { return std::regex_search(name, expression); });
+    if (expected == on.names.end()) {
+        state.SkipWithError("no hit");
+    } else if (const std::string found = firstFound(on, param); found != *expected) {
+        state.SkipWithError(fmt::format("{} instead of {}", found, *expected).c_str());
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(firstFound(on, param));
+    }
+}
+
 void firstHit(benchmark::State &state)
 {
     const Searched &on = searched(state);
-    const VDBSearchParam param = parameters(on, PLAIN, false);
-    for (auto _ : state) {
-        const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
-        do {
-            results->next();
-        } while (results->status() == RESULT_MATCH && results->getCurrent()->getItemType() == ITEM_INSTANCE);
-        if (results->status() != RESULT_MATCH) {
-            state.SkipWithError("no hit");
-        }
-    }
+    findFirst(state, parameters(on, plainPattern(on), false), std::regex(plainPattern(on)));
 }
 BENCHMARK(firstHit)->Apply(sizesAndShapes);
+
+void firstHitIgnoreCase(benchmark::State &state)
+{
+    const Searched &on = searched(state);
+    findFirst(state, parameters(on, plainPatternInOtherCase(on), true), std::regex(plainPattern(on)));
+}
+BENCHMARK(firstHitIgnoreCase)->Apply(sizesAndShapes);
+
+void firstHitRegex(benchmark::State &state)
+{
+    VDBSearchParam param = parameters(searched(state), REGEX, false);
+    param.useRegex = true;
+    findFirst(state, param, std::regex(REGEX));
+}
+BENCHMARK(firstHitRegex)->Apply(sizesAndShapes);
 
 } // namespace
 } // namespace kvr::netlistdb::bench

@@ -15,7 +15,7 @@ IVDBResultSet *DesignDatabase::search(const VDBSearchParam &param)
     auto iterator = std::make_unique<BFSItemIterator>(this, param);
     std::function<bool()> predicate = [walk = iterator.get(), param] { return VDBHelper::matchParam(walk, param); };
     auto results = std::make_unique<VDBResultSet>(iterator.get(), std::move(predicate));
-    iterator.release(); // now the result set's
+    static_cast<void>(iterator.release()); // now the result set's
     return results.release();
 }
 

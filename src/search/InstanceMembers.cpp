@@ -2,7 +2,6 @@
 
 #include "search/KnownModules.h"
 #include "search/MemberOrder.h"
-#include "search/Prefetch.h"
 
 #include <netlistdb/IVDBNet.h>
 #include <netlistdb/IVDBNetBus.h>
@@ -21,85 +20,48 @@ bool isPlain(const IVDBPort *port)
     return port == nullptr || (port->getItemType() & (ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS)) == 0;
 }
 
+template <typename List> void append(const List &list, std::vector<IVDBNetBase *> &nets)
+{
+    nets.insert(nets.end(), list.begin(), list.end());
+}
+
 } // namespace
 
 void InstanceMembers::open(KnownModule &module, const VDBSearchParam &param)
 {
-    if (module.buses == nullptr) {
-        module.buses = &module.netlist->getAllNetBus();
+    if (module.ports == nullptr) {
         module.ports = &module.netlist->getPorts();
         module.portsArePlain = std::all_of(module.ports->begin(), module.ports->end(), isPlain);
     }
-    m_buses = (param.itemTypes & ITEM_NET_BUS) != 0 ? module.buses : nullptr;
     m_nets.clear();
-    if ((param.itemTypes & ITEM_NET) != 0 && !module.listsOnlyPorts) {
-        m_nets = module.netlist->getNets(false);
+    m_nextNet = 0;
+    if ((param.itemTypes & ITEM_NET_BUS) != 0 && !module.listsOnlyPorts) {
+        append(module.netlist->getAllNetBus(), m_nets);
     }
-    module.listsOnlyPorts = m_nets.empty() && (m_buses == nullptr || m_buses->empty());
-    m_sorted.clear();
+    if ((param.itemTypes & ITEM_NET) != 0 && !module.listsOnlyPorts) {
+        append(module.netlist->getNets(false), m_nets);
+    }
+    module.listsOnlyPorts = m_nets.empty();
+    m_userNetsOnly = param.userNetsOnly;
+    if (param.sortItems && (param.nameOrder != SORT_NONE || param.widthOrder != SORT_NONE)) {
+        m_nets.erase(std::remove_if(m_nets.begin(), m_nets.end(), [this](IVDBNetBase *net) { return !isWanted(net); }),
+                     m_nets.end());
+        orderMembers(m_nets, param.nameOrder, param.widthOrder);
+    }
     const bool wantsPorts = (param.itemTypes & ITEM_PORT) != 0 && (module.isUserDeclared || !param.userPortsOnly);
     m_ports = wantsPorts ? module.ports : nullptr;
     m_portsArePlain = module.portsArePlain;
-    m_nextBus = m_nextNet = m_nextSorted = m_nextPort = 0;
-    m_userNetsOnly = param.userNetsOnly;
-    m_hasMore = true;
-    if (param.sortItems && (param.nameOrder != SORT_NONE || param.widthOrder != SORT_NONE)) {
-        sort(param);
-    }
+    m_nextPort = 0;
 }
 
-bool InstanceMembers::advance(IVDBItem *&item, PlainPorts plainPorts)
+bool InstanceMembers::nextPort(IVDBItem *&item, PlainPorts plainPorts)
 {
-    IVDBNetBase *member = nextWanted(m_sorted, m_nextSorted);
-    if (member == nullptr && m_buses != nullptr) {
-        member = nextWanted(*m_buses, m_nextBus);
+    if ((m_portsArePlain && plainPorts == PlainPorts::Skip) || m_nextPort == m_ports->size()) {
+        m_ports = nullptr;
+        return false;
     }
-    if (member == nullptr) {
-        member = nextWanted(m_nets, m_nextNet);
-    }
-    if (member != nullptr) {
-        item = member;
-        return true;
-    }
-    const bool visitsPorts = m_ports != nullptr && !(m_portsArePlain && plainPorts == PlainPorts::Skip);
-    if (visitsPorts && m_nextPort < m_ports->size()) {
-        item = (*m_ports)[m_nextPort++];
-        return true;
-    }
-    m_hasMore = false;
-    return false;
-}
-
-template <typename List> IVDBNetBase *InstanceMembers::nextWanted(const List &list, std::size_t &position) const
-{
-    while (position < list.size()) {
-        prefetchAhead(list, position);
-        IVDBNetBase *member = list[position++];
-        if (member != nullptr && (!m_userNetsOnly || member->isUserDeclared())) {
-            return member;
-        }
-    }
-    return nullptr;
-}
-
-void InstanceMembers::sort(const VDBSearchParam &param)
-{
-    std::vector<IVDBNetBase *> members;
-    members.reserve((m_buses != nullptr ? m_buses->size() : 0) + m_nets.size());
-    const auto append = [&members, this](const auto &list) {
-        std::size_t position = 0;
-        while (IVDBNetBase *member = nextWanted(list, position)) {
-            members.push_back(member);
-        }
-    };
-    if (m_buses != nullptr) {
-        append(*m_buses);
-        m_buses = nullptr;
-    }
-    append(m_nets);
-    m_nets.clear();
-    orderMembers(members, param.nameOrder, param.widthOrder);
-    m_sorted = std::move(members);
+    item = (*m_ports)[m_nextPort++];
+    return true;
 }
 
 } // namespace kvr::netlistdb

@@ -4,14 +4,12 @@
 
 namespace kvr::netlistdb {
 
-KnownModule &KnownModules::find(const IVDBNetlist *netlist)
+KnownModule &KnownModules::add(const IVDBNetlist *netlist)
 {
-    for (std::size_t slot = slotOf(netlist); m_slots[slot] != nullptr; slot = (slot + 1) % m_slots.size()) {
-        if (m_slots[slot]->netlist == netlist) {
-            return *m_slots[slot];
-        }
-    }
-    m_modules.push_back({netlist, netlist != nullptr && netlist->isUserDeclared()});
+    KnownModule known;
+    known.netlist = netlist;
+    known.isUserDeclared = netlist != nullptr && netlist->isUserDeclared();
+    m_modules.push_back(known);
     if (m_modules.size() * 2 > m_slots.size()) {
         grow();
     } else {
@@ -23,16 +21,16 @@ KnownModule &KnownModules::find(const IVDBNetlist *netlist)
 void KnownModules::place(KnownModule *known)
 {
     std::size_t slot = slotOf(known->netlist);
-    while (m_slots[slot] != nullptr) {
-        slot = (slot + 1) % m_slots.size();
+    while (m_slots[slot].known != nullptr) {
+        slot = (slot + 1) & (m_slots.size() - 1);
     }
-    m_slots[slot] = known;
+    m_slots[slot] = {known->netlist, known};
 }
 
 void KnownModules::grow()
 {
     --m_shift;
-    m_slots.assign(m_slots.size() * 2, nullptr);
+    m_slots.assign(m_slots.size() * 2, Slot());
     for (KnownModule &known : m_modules) {
         place(&known);
     }

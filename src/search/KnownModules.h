@@ -7,20 +7,26 @@
 
 namespace kvr::netlistdb {
 
-class IVDBNetBus;
 class IVDBNetlist;
 class IVDBPort;
 
+/// Whether a walk is to stop at the ports that cannot be anything else.
+enum class PlainPorts { Visit, Skip };
+
 /// What a walk has found out about a module. Modules are few and read-only, their instances are many.
 struct KnownModule {
-    const IVDBNetlist *netlist;
-    bool isUserDeclared;
+    const IVDBNetlist *netlist = nullptr;
+    bool isUserDeclared = false;
 
     // Looked up when the walk comes to the members of the first instance.
-    const std::vector<IVDBNetBus *> *buses = nullptr;
     const std::vector<IVDBPort *> *ports = nullptr;
     bool portsArePlain = false;  ///< no port claims to be an instance, a net or a bus
     bool listsOnlyPorts = false; ///< the walk lists no net or bus of it
+
+    bool listsNothing(PlainPorts plainPorts) const
+    {
+        return listsOnlyPorts && portsArePlain && plainPorts == PlainPorts::Skip;
+    }
 };
 
 /// The modules that a walk has met, found by address in constant time.
@@ -29,22 +35,33 @@ class KnownModules {
     /// @p netlist may be null: an instance without module counts as generated. Lives as long as this object.
     KnownModule &of(const IVDBNetlist *netlist)
     {
-        KnownModule *known = m_slots[slotOf(netlist)];
-        return known != nullptr && known->netlist == netlist ? *known : find(netlist);
+        std::size_t slot = slotOf(netlist);
+        while (m_slots[slot].known != nullptr) {
+            if (m_slots[slot].netlist == netlist) {
+                return *m_slots[slot].known;
+            }
+            slot = (slot + 1) & (m_slots.size() - 1);
+        }
+        return add(netlist);
     }
 
   private:
+    struct Slot {
+        const IVDBNetlist *netlist = nullptr;
+        KnownModule *known = nullptr; ///< null in a free slot
+    };
+
     std::size_t slotOf(const IVDBNetlist *netlist) const
     {
         // The upper bits of the product depend on every bit of the address.
         return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(netlist)) * 0x9E3779B97F4A7C15U >> m_shift;
     }
-    KnownModule &find(const IVDBNetlist *netlist);
+    KnownModule &add(const IVDBNetlist *netlist);
     void place(KnownModule *known);
     void grow();
 
     unsigned m_shift = 58;
-    std::vector<KnownModule *> m_slots = std::vector<KnownModule *>(64); ///< at least half of them are free
+    std::vector<Slot> m_slots = std::vector<Slot>(64); ///< a power of two, half of them free
     std::deque<KnownModule> m_modules;
 };
 

@@ -1,31 +1,6 @@
 #include "search/PendingItems.h"
 
-#include "search/Prefetch.h"
-
-#include <netlistdb/IVDBInstance.h>
-#include <netlistdb/VDBSearchParam.h>
-
 namespace kvr::netlistdb {
-
-bool PendingItems::findFront(PlainPorts plainPorts)
-{
-    if (m_hasUnopened) {
-        m_hasUnopened = false;
-        openMembers(*m_frontModule, plainPorts);
-    }
-    m_frontInstance = nullptr;
-    while (!m_members.next(m_front, plainPorts)) {
-        IVDBInstance *child = nextChild();
-        if (child == nullptr) {
-            return false;
-        }
-        if (visit(child, plainPorts)) {
-            return true;
-        }
-    }
-    m_isSettled = true;
-    return true;
-}
 
 void PendingItems::appendStart(IVDBInstance *instance)
 {
@@ -35,58 +10,26 @@ void PendingItems::appendStart(IVDBInstance *instance)
     }
 }
 
-IVDBInstance *PendingItems::nextChild()
+bool PendingItems::enterNextParent()
 {
-    for (;;) {
-        while (m_children != nullptr && m_nextChild < m_children->size()) {
-            prefetchAhead(*m_children, m_nextChild);
-            if (IVDBInstance *child = (*m_children)[m_nextChild++]) {
-                return child;
-            }
-        }
-        if (m_parents.empty()) {
-            m_children = nullptr;
-            return nullptr;
-        }
+    const bool hasParent = !m_parents.empty();
+    if (hasParent) {
         m_children = &m_parents.front()->getSubInstances();
         m_nextChild = 0;
         m_parents.pop_front();
     }
+    return hasParent;
 }
 
-bool PendingItems::visit(IVDBInstance *instance, PlainPorts plainPorts)
+bool PendingItems::isBelowCollapsed(const IVDBInstance &instance)
 {
-    KnownModule &module = m_modules.of(instance->getModule());
-    if (m_param.collapseNonUserModules) {
-        const IVDBInstance *owner = instance->getOwnerInstance();
-        if (owner != nullptr && !m_modules.of(owner->getModule()).isUserDeclared) {
-            // Below a collapsed instance nothing shows but the members of what the user wrote.
-            if (module.isUserDeclared) {
-                openMembers(module, plainPorts);
-            }
-            return false;
-        }
-    }
-    if (!module.isUserDeclared && m_param.userModulesOnly) {
-        return false;
-    }
-    list(instance, module);
-    return true;
-}
-
-void PendingItems::list(IVDBInstance *instance, KnownModule &module)
-{
-    m_isSettled = true;
-    m_front = instance;
-    m_frontInstance = instance;
-    m_frontModule = &module;
-    m_hasUnopened = module.isUserDeclared || !m_param.collapseNonUserModules;
+    const IVDBInstance *owner = instance.getOwnerInstance();
+    return owner != nullptr && !m_modules.of(owner->getModule()).isUserDeclared;
 }
 
 void PendingItems::openMembers(KnownModule &module, PlainPorts plainPorts)
 {
-    const bool hasNothing = module.listsOnlyPorts && module.portsArePlain && plainPorts == PlainPorts::Skip;
-    if (module.netlist != nullptr && !hasNothing) {
+    if (module.netlist != nullptr && !module.listsNothing(plainPorts)) {
         m_members.open(module, m_param);
     }
 }

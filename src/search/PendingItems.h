@@ -2,6 +2,10 @@
 
 #include "search/InstanceMembers.h"
 #include "search/KnownModules.h"
+#include "search/Prefetch.h"
+
+#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/VDBSearchParam.h>
 
 #include <cstddef>
 #include <deque>
@@ -9,17 +13,12 @@
 
 namespace kvr::netlistdb {
 
-class IVDBInstance;
-class IVDBItem;
-class IVDBNetlist;
-class VDBSearchParam;
-
 /// The items that a breadth-first walk has still to visit, as a queue that fills itself on demand: it keeps only the
 /// instances whose children are to come, and looks at a child or a member when the front gets there. To step past an
 /// instance therefore costs the same whether it has one child or a million.
 ///
 /// The item behind one that is removed is looked for when somebody asks, so that whoever has no use for ports never
-/// comes to them.
+/// comes to them. What every instance of a walk goes through stands in this header: a call costs more than the work.
 class PendingItems {
   public:
     /// @p param must outlive the queue.
@@ -46,6 +45,8 @@ class PendingItems {
     /// Puts a child at the front, or its members in line, as the record asks; true when it stands at the front.
     bool visit(IVDBInstance *instance, PlainPorts plainPorts);
     void list(IVDBInstance *instance, KnownModule &module);
+    bool enterNextParent();
+    bool isBelowCollapsed(const IVDBInstance &instance);
     void openMembers(KnownModule &module, PlainPorts plainPorts);
 
     const VDBSearchParam &m_param;
@@ -60,5 +61,66 @@ class PendingItems {
     std::deque<IVDBInstance *> m_parents; ///< whose children follow those
     KnownModules m_modules;
 };
+
+inline void PendingItems::list(IVDBInstance *instance, KnownModule &module)
+{
+    m_isSettled = true;
+    m_front = instance;
+    m_frontInstance = instance;
+    m_frontModule = &module;
+    m_hasUnopened = module.isUserDeclared || !m_param.collapseNonUserModules;
+}
+
+inline IVDBInstance *PendingItems::nextChild()
+{
+    do {
+        while (m_children != nullptr && m_nextChild < m_children->size()) {
+            prefetchAhead(*m_children, m_nextChild);
+            if (IVDBInstance *child = (*m_children)[m_nextChild++]) {
+                return child;
+            }
+        }
+    } while (enterNextParent());
+    return nullptr;
+}
+
+inline bool PendingItems::visit(IVDBInstance *instance, PlainPorts plainPorts)
+{
+    KnownModule &module = m_modules.of(instance->getModule());
+    if (m_param.collapseNonUserModules && isBelowCollapsed(*instance)) {
+        // There nothing shows but the members of what the user wrote.
+        if (module.isUserDeclared) {
+            openMembers(module, plainPorts);
+        }
+        return false;
+    }
+    if (!module.isUserDeclared && m_param.userModulesOnly) {
+        return false;
+    }
+    list(instance, module);
+    return true;
+}
+
+inline bool PendingItems::findFront(PlainPorts plainPorts)
+{
+    if (m_hasUnopened) {
+        m_hasUnopened = false;
+        if (!m_frontModule->listsNothing(plainPorts)) {
+            openMembers(*m_frontModule, plainPorts);
+        }
+    }
+    m_frontInstance = nullptr;
+    while (!m_members.next(m_front, plainPorts)) {
+        IVDBInstance *child = nextChild();
+        if (child == nullptr) {
+            return false;
+        }
+        if (visit(child, plainPorts)) {
+            return true;
+        }
+    }
+    m_isSettled = true;
+    return true;
+}
 
 } // namespace kvr::netlistdb
