@@ -23,7 +23,7 @@ install(EXPORT glabrenimgafTargets NAMESPACE glabrenimgaf:: DESTINATION ${glabre
 if(TARGET netlistdb)
     set_target_properties(netlistdb PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
     install(TARGETS netlistdb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
-    install(FILES docs/netlistdb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program OPTIONAL)
+    install(FILES docs/netlistdb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
 
     target_include_directories(yosys_reader INTERFACE $<INSTALL_INTERFACE:${glabrenimgaf_headers_dir}>)
     install(TARGETS yosys_reader EXPORT glabrenimgafYosysReaderTargets

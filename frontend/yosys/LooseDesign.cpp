@@ -133,14 +133,14 @@ void LooseDesign::attach()
                 newCells.emplace_back(library, std::move(made));
             } else {
                 newLibrary->Add(cell);
-                made.release();
+                static_cast<void>(made.release());
             }
         }
         if (cell->Owner() != nullptr && cell->Owner()->Owner() == libset) {
             newNetlists.emplace_back(cell, std::move(entry.netlist));
         } else {
             cell->Add(entry.netlist.get());
-            entry.netlist.release();
+            static_cast<void>(entry.netlist.release());
         }
     }
 

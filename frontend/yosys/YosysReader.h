@@ -15,15 +15,18 @@ namespace kvr::netlistdb::yosys {
 /// cell, port, net or memory that it lies in, as far as there is one.
 class ReadError : public std::runtime_error {
   public:
+    /// An error with the given message.
     using std::runtime_error::runtime_error;
 };
 
 /// The progress callback told the reader to stop.
 class ReadCancelled : public std::runtime_error {
   public:
+    /// An error with the given message.
     using std::runtime_error::runtime_error;
 };
 
+/// What readJson is told beside the file.
 struct ReadOptions {
     /// Name of the top module; empty: the module that is marked with the attribute `top`, or else the only one with a
     /// body that no other instantiates.

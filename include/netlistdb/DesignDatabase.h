@@ -56,16 +56,18 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
 
     /// Builds one module with its buses, nets and ports from @p netlist and puts it on the elaborated or the post-map
     /// list. The two names are fall-backs for a netlist without cell or library. The database owns the result.
-    /// @throws std::invalid_argument "netlist is nullptr", std::out_of_range "stoi"; nothing is left behind then.
+    /// @throws std::invalid_argument "netlist is nullptr", std::out_of_range "stoi", std::bad_alloc; nothing is left
+    ///         behind then.
     IVDBNetlist *buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,
                               const std::string &libraryName);
     /// Builds every other module below @p top and unfolds the elaborated instance tree. False when some instance names
     /// a view outside the hierarchy; the tree built so far stays.
     bool parseHier(Verific::Netlist *top, IVDBNetlist *topModule);
 
-    // The steps of clock-domain analysis.
+    // The steps of clock-domain analysis. Look-ups do not take longer where there are more nets.
 
-    /// Records that @p key leads to @p domain (null: to no clock).
+    /// Records that @p key leads to @p domain (null: to no clock). A pair may be recorded
+    /// under several answers.
     void addCache(IClockDomain *domain, InstanceNet key);
     /// The first domain, in ascending order of address with null first, under which @p key is recorded; null also when
     /// it is not recorded at all.
@@ -74,24 +76,29 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     DrivingClockCache::iterator findCachedResult(InstanceNet key);
     /// The first record of the source's table with exactly this net and instance, or null.
     IClockDomain *getParsedClockDomain(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type);
-    /// Records every clock net of a post-map netlist as a domain under the root.
+    /// Records every clock net of a post-map netlist as a domain under the root. Walks all pins of the netlist.
     /// @throws std::invalid_argument "VDBClockDomain: net is nullptr" when a clock net has no item.
     void parseClkDomainPostMap(Verific::Netlist *netlist);
-    /// Traces a post-map net back to the first sequential cell; null when there is none or an argument is null.
+    /// Traces a post-map net back to the first sequential cell; null when there is none or an argument is null. Walks
+    /// the fan-in cone as far as it is not in the cache.
     IClockDomain *findDrivingClockDomainPostMap(IVDBInstance *inst, IVDBNet *net);
     /// Records the highest net of every register clock of the elaborated tree as a domain. @p netlist is not read.
+    /// Walks the instances of user modules.
     /// @throws std::invalid_argument "VDBClockDomain: net is nullptr" when a clock net has no item.
     void parseClkDomainElab(Verific::Netlist *netlist);
-    /// Climbs from @p net in @p inst through module ports as far as it leads, at most below @p stop; answers the
-    /// highest pair found, or the arguments.
+    /// Climbs from @p net in @p inst through module ports as far as it leads, at most up to @p stop; answers the
+    /// highest pair found, or the arguments. Takes time in proportion to the ports of the instances climbed through.
     InstanceNet getRootClk(IVDBInstance *inst, IVDBNet *net, IVDBInstance *stop);
-    /// Traces an elaborated net back to the first register; null when there is none or an argument is null.
+    /// Traces an elaborated net back to the first register; null when there is none or an argument is null, and when
+    /// the walk has met more than 10,240 pairs again. Walks the fan-in cone as far as its cells have no recorded
+    /// answer.
     IClockDomain *findDrivingClockDomainElab(IVDBInstance *inst, IVDBNet *net);
 
     // For diagnosis.
 
     /// From built items to the objects they were made from; owned by the database. Internal type.
     VDBObjectPool *objectPool() const { return m_pool; }
+    /// The answers recorded per (instance, net), of both sources. Lives as long as the database; queries add to it.
     const DrivingClockCache &drivingClockCache() const { return m_drivingClockCache; }
     /// The answers recorded per operator or primitive instance of the elaborated source (null: no clock), in ascending
     /// order of instance address. A new list.

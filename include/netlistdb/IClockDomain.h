@@ -11,9 +11,9 @@ class IVDBNet;
 class NETLISTDB_EXPORT IClockDomain : public IVDBItem {
   public:
     ~IClockDomain() override;
-    /// The clock net. Not owned.
+    /// The clock net. Never null, not owned.
     virtual IVDBNet *getNet() const = 0;
-    /// The instance in whose scope the clock net is seen. Not owned.
+    /// The instance in whose scope the clock net is seen. Never null, not owned.
     virtual IVDBInstance *getInstance() const = 0;
 };
 

@@ -24,8 +24,9 @@ class NETLISTDB_EXPORT IVDBInstance : public IVDBItem {
     /// Children in the order of the module's instances; owned by this instance.
     virtual const std::vector<IVDBInstance *> &getSubInstances() const = 0;
     /// Appends a child, which must have been made with this instance as its owner, and takes ownership. Always true.
+    /// Nothing is checked. Constant time on average.
     virtual bool addSubInstance(IVDBInstance *child) = 0;
-    /// Number of parameters given to the instance.
+    /// Number of parameters given to the instance; 0 at the root.
     virtual std::uint32_t getParameterCount() const = 0;
 };
 

@@ -9,12 +9,12 @@ namespace kvr::netlistdb {
 
 /// Kinds of design items, one bit each, so that a set of kinds is a bit mask.
 enum ItemType : std::uint32_t {
-    ITEM_NETLIST = 1,
-    ITEM_NET = 2,
-    ITEM_PORT = 4,
-    ITEM_INSTANCE = 8,
-    ITEM_CLOCK_DOMAIN = 16,
-    ITEM_NET_BUS = 32,
+    ITEM_NETLIST = 1,       ///< IVDBNetlist
+    ITEM_NET = 2,           ///< IVDBNet
+    ITEM_PORT = 4,          ///< IVDBPort
+    ITEM_INSTANCE = 8,      ///< IVDBInstance
+    ITEM_CLOCK_DOMAIN = 16, ///< IClockDomain
+    ITEM_NET_BUS = 32,      ///< IVDBNetBus
 };
 
 /// Root of every design item: a netlist, net, net bus, port, instance or clock domain.
@@ -24,15 +24,19 @@ enum ItemType : std::uint32_t {
 class NETLISTDB_EXPORT IVDBItem {
   public:
     virtual ~IVDBItem();
-    /// The item's own name, one level, as it stands in the netlist. May be empty. Lives as long as the item.
+    /// The item's own name, one level, as it stands in the netlist (a clock domain's: with its path). May be empty.
+    /// Lives as long as the item.
     virtual const std::string &getName() const = 0;
     /// Exactly one bit of ItemType, a constant of the class.
     virtual std::uint32_t getItemType() const = 0;
 
   protected:
+    /// @{
+    /// For derived classes alone, so that no object is cut down to its interface.
     IVDBItem() = default;
     IVDBItem(const IVDBItem &) = default;
     IVDBItem &operator=(const IVDBItem &) = default;
+    /// @}
 };
 
 } // namespace kvr::netlistdb

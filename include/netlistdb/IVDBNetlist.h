@@ -15,7 +15,7 @@ class IVDBPort;
 class NETLISTDB_EXPORT IVDBNetlist : public IVDBItem {
   public:
     ~IVDBNetlist() override;
-    /// Name of the library that holds the module.
+    /// Name of the library that holds the module; may be empty. Lives as long as the netlist.
     virtual const std::string &GetLibName() const = 0;
     /// Net buses in netlist order; owned by the netlist.
     virtual const std::vector<IVDBNetBus *> &getAllNetBus() const = 0;

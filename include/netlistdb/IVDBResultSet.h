@@ -20,21 +20,28 @@ enum ResultStatus : std::uint32_t {
 /// by type code) and, for a net or bus, `getContext`; `next` again. Delete the set before the items it walks.
 class NETLISTDB_EXPORT IVDBResultSet {
   public:
+    /// Cancels, waiting for a running step. The items stay.
     virtual ~IVDBResultSet();
     /// Makes every later step end with RESULT_NONE. Waits for a running step, whose result stands. Any thread.
+    /// @throws std::system_error when the lock fails.
     virtual void cancel() = 0;
-    /// Walks on to the next result. What the walk throws passes through; the set must not be used afterwards.
+    /// Walks on to the next result; costs what lies between the two. What the walk throws passes through, and the set
+    /// stays locked: next, cancel and deletion would then wait forever, so it is abandoned as it is.
+    /// @throws std::runtime_error for an inconsistent item, std::regex_error, std::bad_function_call for a set without
+    ///         predicate, std::system_error when the lock fails.
     virtual void next() = 0;
     /// Does nothing: the set is forward-only.
     virtual void previous() = 0;
-    /// A ResultStatus; RESULT_MATCH before the first step.
+    /// A ResultStatus; RESULT_MATCH before the first step. Takes no lock: for the thread that steps.
     virtual std::uint32_t status() const = 0;
-    /// The current result, or null at the end. Steps once if `next` has never run.
+    /// The current result, or null at the end. Not owned. Steps once if `next` has never run, and throws as `next`.
     virtual IVDBItem *getCurrent() = 0;
-    /// The instance reported last: its path prefixes the full name of the current net or bus.
+    /// The instance reported last: its path prefixes the full name of the current net or bus. Null before the first
+    /// instance. Not owned.
     virtual IVDBItem *getContext() = 0;
 
   protected:
+    /// For derived classes alone.
     IVDBResultSet() = default;
 };
 

@@ -15,8 +15,9 @@ class VDBSearchParam;
 /// Static functions: matchers that move an iterator on to the next item that passes a test, names, and the checksum of
 /// a file.
 ///
-/// Every matcher but matchAll answers true with the iterator on the item found, or false with it at the end. The net
-/// matchers report every instance they pass, whatever the test, and store it as the iterator's context, so that the
+/// No iterator may be null, and none is owned. Every matcher but matchAll tests the current item first, and answers
+/// true with the iterator on the item found, or false with it at the end; after an exception it stands on the item. The
+/// net matchers report every instance they pass, whatever the test, and store it as the iterator's context, so that the
 /// caller knows whose nets follow.
 class NETLISTDB_EXPORT VDBHelper {
   public:
@@ -33,27 +34,38 @@ class NETLISTDB_EXPORT VDBHelper {
     /// @throws std::runtime_error "Unknown item iterated"; "Unknown item saved in context" for a net before any
     ///         instance.
     static bool matchNet(TreeIterator *iterator, const std::string &pattern, bool ignoreCase);
-    /// Instances, and nets and buses in whose full name std::regex_search finds @p expression.
-    /// @throws as matchNet.
+    /// Instances, and nets and buses in whose full name std::regex_search finds @p expression, which takes stack in
+    /// proportion to the length of the name.
+    /// @throws as matchNet, and std::regex_error.
     static bool matchNetRegex(TreeIterator *iterator, const std::regex &expression);
     /// The current item, whatever it is; never moves.
     static bool matchAll(TreeIterator *iterator);
 
-    // Name matchers, for iterators that yield one kind only. The plain forms look for a part of the name and always
-    // heed case (the flag is ignored); the regular expressions must match the whole name.
-    // All throw std::runtime_error "Unknown item iterated" for an item of another kind.
+    // Name matchers, for iterators that yield one kind of item only.
 
+    /// @{
+    /// The instance, netlist or port whose own name holds @p pattern (empty: any). Case counts: @p ignoreCase is not
+    /// consulted.
+    /// @throws std::runtime_error "Unknown item iterated" for an item of another kind.
     static bool matchInstance(TreeIterator *iterator, const std::string &pattern, bool ignoreCase);
     static bool matchNetlist(TreeIterator *iterator, const std::string &pattern, bool ignoreCase);
     static bool matchPort(TreeIterator *iterator, const std::string &pattern, bool ignoreCase);
+    /// @}
+
+    /// @{
+    /// The instance, netlist or port whose whole own name matches @p expression.
+    /// @throws std::runtime_error "Unknown item iterated" for an item of another kind.
     static bool matchInstanceRegex(TreeIterator *iterator, const std::regex &expression);
     static bool matchNetlistRegex(TreeIterator *iterator, const std::regex &expression);
     static bool matchPortRegex(TreeIterator *iterator, const std::regex &expression);
+    /// @}
 
-    /// The instance's path, "/" and the net's name; the name alone when there is no instance or its path is empty.
+    /// The instance's path, "/" and the net's name; the name alone when there is no instance (null) or its path is
+    /// empty. @p net must not be null. Costs as much as the path.
     static std::string getNetFullName(IVDBNetBase *net, IVDBInstance *instance);
 
-    /// Writes the SHA-256 digest of a file's bytes (32 bytes, binary) to @p digest.
+    /// Writes the SHA-256 digest of a file's bytes to @p digest, which has room for 32 bytes (binary, not text). The
+    /// file is never held in memory as a whole.
     /// @throws std::runtime_error `Cannot open "<path>": <reason>.` when the file cannot be opened; the digest is then
     ///         untouched. A read error later ends the input there.
     static void computeSHA256CheckSum(const std::string &path, unsigned char *digest);

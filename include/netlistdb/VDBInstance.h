@@ -13,9 +13,11 @@ namespace kvr::netlistdb {
 /// An instance of the unfolded tree.
 class NETLISTDB_EXPORT VDBInstance : public IVDBInstance {
   public:
-    /// A root: no name, depth 0 even under an owner, no parameters. Nothing is checked; neither argument is owned.
+    /// A root: no name, depth 0 even under an owner, no parameters. Nothing is checked; neither argument is owned, and
+    /// @p owner is null for the top of a tree.
     VDBInstance(IVDBNetlist *module, IVDBInstance *owner);
-    /// An occurrence of @p inst below @p owner. Neither module nor owner is owned; the owner is not told.
+    /// An occurrence of @p inst below @p owner. Neither module nor owner is owned; the owner is not told. @p inst is
+    /// read only.
     /// @throws std::invalid_argument "inst is nullptr"
     VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const Verific::Instance *inst);
     /// Deletes the whole tree below, without recursion.

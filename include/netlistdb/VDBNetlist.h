@@ -28,17 +28,18 @@ class NETLISTDB_EXPORT VDBNetlist : public IVDBNetlist {
     bool isUserDeclared() const override;
     IVDBLineInfo *getLineInfo() override;
 
-    // These take ownership and check nothing: the caller adds nothing twice.
-
-    /// Appends a net that is in no bus.
+    /// Appends a net that is in no bus and takes ownership. Nothing is checked: the caller adds nothing twice, nor
+    /// null.
     void addNet(IVDBNet *net);
+    /// Appends a bus, and with it its members; as addNet otherwise.
     void addNetBus(IVDBNetBus *bus);
+    /// Appends a port; as addNet otherwise.
     void addPort(IVDBPort *port);
+    /// Gives back the room that the lists grew by while they were filled.
+    void shrinkToFit();
 
     /// The list behind getNets(false), without a copy.
     const std::vector<IVDBNet *> &plainNets() const;
-    /// Gives back the room that the lists grew by while they were filled.
-    void shrinkToFit();
 
   private:
     std::string m_name;

@@ -10,18 +10,26 @@ namespace kvr::netlistdb {
 class IVDBItem;
 
 /// Order of an instance's buses and nets. Any other non-zero value behaves as ascending.
-enum SortOrder : std::uint32_t { SORT_NONE = 0, SORT_ASCENDING = 1, SORT_DESCENDING = 2 };
+enum SortOrder : std::uint32_t {
+    SORT_NONE = 0,       ///< as the netlist gives them: buses, then nets
+    SORT_ASCENDING = 1,  ///< small first
+    SORT_DESCENDING = 2, ///< large first
+};
 
 /// What to search: where the walk starts, which kinds of item it visits, what it leaves out, and the text that nets
 /// are matched against. Copied by whoever receives it; the start item is not owned and must outlive the search.
 class NETLISTDB_EXPORT VDBSearchParam {
   public:
+    /// Without a start item: an empty search.
     VDBSearchParam();
+    /// Copies every field; the start item is shared.
     VDBSearchParam(const VDBSearchParam &other);
     virtual ~VDBSearchParam();
+    /// Copies every field; the start item is shared.
     VDBSearchParam &operator=(const VDBSearchParam &other);
 
-    /// Mask of ItemType: instances (descend), nets, net buses, ports. The other bits are not consulted.
+    /// Mask of ItemType: instances (without: the start instance and its members alone), nets, net buses, ports. The
+    /// other bits are not consulted.
     std::uint32_t itemTypes = 0xFFFF;
     /// Without it every net and bus matches, and `pattern` is ignored.
     bool filterByName = false;
@@ -29,6 +37,7 @@ class NETLISTDB_EXPORT VDBSearchParam {
     bool useRegex = false;
     /// Looked for anywhere in the full name of a net or bus.
     std::string pattern;
+    /// Upper and lower case count as the same when `pattern` is looked for.
     bool ignoreCase = false;
     /// Leaves out every instance whose module has no source position, with all that lies below it.
     bool userModulesOnly = false;

@@ -111,7 +111,7 @@ void DesignDatabase::recordClockDomain(IVDBInstance *inst, IVDBNet *net, SOURCE_
         table.erase(position);
         throw;
     }
-    domain.release();
+    static_cast<void>(domain.release());
 }
 
 bool DesignDatabase::findElaboratedAnswer(const IVDBInstance *inst, IClockDomain *&domain) const

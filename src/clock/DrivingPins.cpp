@@ -11,7 +11,7 @@ Verific::PortRef *DrivingPins::find(const Verific::Net *net, const Verific::Inst
     Verific::MapIter pins;
     Verific::PortRef *pin = nullptr;
     unsigned seen = 0;
-    FOREACH_PORTREF_OF_INST(driver, pins, pin) {
+    FOREACH_PORTREF_OF_INST (driver, pins, pin) {
         if (pin->GetNet() == net && pin->IsOutput()) {
             return pin;
         }
@@ -25,7 +25,7 @@ Verific::PortRef *DrivingPins::find(const Verific::Net *net, const Verific::Inst
     auto wide = m_wide.find(driver);
     if (wide == m_wide.end()) {
         Outputs outputs;
-        FOREACH_PORTREF_OF_INST(driver, pins, pin) {
+        FOREACH_PORTREF_OF_INST (driver, pins, pin) {
             if (pin->IsOutput()) {
                 outputs.try_emplace(pin->GetNet(), pin);
             }

@@ -22,8 +22,8 @@ bool isSequentialCell(const Verific::Instance *instance);
 /// True when @p port is no output and is marked as a clock.
 bool isClockPort(const Verific::Port *port);
 
-/// Whether the clock on a pin called @p clockPin clocks the output @p drivingPin of a cell of type @p cell: each side of
-/// a memory has a clock of its own, told by the first letter of its pins or, for the dual-port kind, by the last.
+/// Whether the clock on a pin called @p clockPin clocks the output @p drivingPin of a cell of type @p cell: each side
+/// of a memory has a clock of its own, told by the first letter of its pins or, for the dual-port kind, by the last.
 bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin);
 
 } // namespace kvr::netlistdb

@@ -43,7 +43,7 @@ bool clockOfOutput(const Verific::Instance *cell, const Verific::Port *drivingPi
     const std::string_view output = nameOf(drivingPin);
     Verific::MapIter pins;
     Verific::PortRef *pin = nullptr;
-    FOREACH_PORTREF_OF_INST(cell, pins, pin) {
+    FOREACH_PORTREF_OF_INST (cell, pins, pin) {
         const Verific::Port *port = pin->GetPort();
         Verific::Net *net = pin->GetNet();
         if (port == nullptr || net == nullptr || !isClockPort(port) || !clocksOutput(type, output, nameOf(port))) {
@@ -94,7 +94,7 @@ void DesignDatabase::parseClkDomainPostMap(Verific::Netlist *netlist)
 
     Verific::MapIter instances;
     Verific::Instance *instance = nullptr;
-    FOREACH_INSTANCE_OF_NETLIST(netlist, instances, instance) {
+    FOREACH_INSTANCE_OF_NETLIST (netlist, instances, instance) {
         if (isClockBuffer(instance)) {
             Verific::Net *input = nullptr;
             if (bufferInput(instance, input)) {
@@ -103,7 +103,7 @@ void DesignDatabase::parseClkDomainPostMap(Verific::Netlist *netlist)
         } else if (isSequentialCell(instance)) {
             Verific::MapIter pins;
             Verific::PortRef *pin = nullptr;
-            FOREACH_PORTREF_OF_INST(instance, pins, pin) {
+            FOREACH_PORTREF_OF_INST (instance, pins, pin) {
                 if (pin->GetNet() != nullptr && pin->GetPort() != nullptr && isClockPort(pin->GetPort())) {
                     add(instance->GetNet(pin->GetPort()));
                 }
@@ -163,9 +163,8 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
         const Verific::Instance *driver = source != nullptr ? source->Driver() : nullptr;
         const Verific::PortRef *pin = driver != nullptr ? m_clocks->drivingPins.find(source, driver) : nullptr;
         if (pin == nullptr && pair.first != nullptr && pair.first->getDepth() != 0) {
-            climb(*m_pool, pair.first, source, [&](const InstanceNet &above) {
-                push(above.first, m_pool->find(above.second));
-            });
+            climb(*m_pool, pair.first, source,
+                  [&](const InstanceNet &above) { push(above.first, m_pool->find(above.second)); });
             continue;
         }
         if (pin == nullptr || pin->GetPort() == nullptr || pin->GetInst() == nullptr) {
@@ -186,7 +185,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
         }
         Verific::MapIter inputs;
         Verific::PortRef *input = nullptr;
-        FOREACH_PORTREF_OF_INST(driver, inputs, input) {
+        FOREACH_PORTREF_OF_INST (driver, inputs, input) {
             if (input->GetPort() != nullptr && input->GetNet() != nullptr && !input->GetPort()->IsOutput()) {
                 push(inst, input->GetNet());
             }

@@ -19,8 +19,8 @@ class ProbesCommand : public DesignCommand {
     const char *more() const override
     {
         return "Shows the nets and buses that have a source position and are neither protected nor excluded, with the\n"
-               "clock that drives them. The pins of black boxes are no nets of the design. A bus whose bits belong to "
-               "several clock domains shows them all.\n\n"
+               "clock that drives them. The pins of black boxes are no nets of the design. A bus whose bits belong\n"
+               "to several clock domains shows them all.\n\n"
                "Examples:\n"
                "  netlistdb probes soc.json\n"
                "  netlistdb probes soc.json --all --format csv -o probes.csv";

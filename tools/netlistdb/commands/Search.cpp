@@ -180,7 +180,7 @@ class SearchCommand : public DesignCommand {
 
     std::uint64_t m_found = 0;
     std::exception_ptr m_fault; ///< why the walk ended early
-    std::string m_path; ///< of the instance whose nets follow
+    std::string m_path;         ///< of the instance whose nets follow
     std::string m_fullName;
 };
 

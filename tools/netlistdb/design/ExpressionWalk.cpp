@@ -12,9 +12,9 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 /// A process has at least 128 MiB of address space below its main stack.
-constexpr rlim_t STACK = 100 * 1024 * 1024;
+constexpr rlim_t STACK = rlim_t{100} * 1024 * 1024;
 /// What a character of a name takes: a good kilobyte, more with nested groups and in builds with sanitizers.
-constexpr rlim_t STACK_PER_CHARACTER = 12 * 1024;
+constexpr rlim_t STACK_PER_CHARACTER = rlim_t{12} * 1024;
 
 /// Lets the stack grow as far as is safe, and answers how long a name it takes.
 std::size_t longestName()

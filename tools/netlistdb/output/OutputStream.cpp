@@ -14,7 +14,7 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
-constexpr std::size_t BUFFER_SIZE = 64 * 1024;
+constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
 constexpr auto PATIENCE = std::chrono::milliseconds(50);
 
 /// The file that @p path leads to, so that a link stays a link when its target is replaced.

@@ -84,8 +84,7 @@ void TableWriter::end(Ending /*ending*/, const std::vector<Fact> & /*facts*/)
 void TableWriter::tick()
 {
     // Elsewhere than on a terminal the same result is the same text, however slowly it comes.
-    if (m_watched && !m_settled && !m_waiting.empty() &&
-        std::chrono::steady_clock::now() - m_firstRow >= PATIENCE) {
+    if (m_watched && !m_settled && !m_waiting.empty() && std::chrono::steady_clock::now() - m_firstRow >= PATIENCE) {
         settle();
     }
     m_stream.tick();

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs what is missing, then holds every C++ file to .clang-format and the sources to .clang-tidy.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+install_packages
+cd "$root"
+
+# tracked <pattern>...: the files that git tracks and that are still there, each ended by a NUL.
+tracked() {
+    git ls-files -z "$@" | while IFS= read -r -d '' file; do
+        if [ -f "$file" ]; then printf '%s\0' "$file"; fi
+    done
+}
+tracked '*.h' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
+
+# clang-tidy asks how each file is compiled, and reads the header that is made from the schema of saved netlists.
+build_preset clang platform/verific/generated/saved_netlist.capnp.h
+tracked 'src/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'tools/*.cpp' |
+    xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/clang --quiet 2>&1 |
+    { grep -vE '^[0-9]+ warnings? generated\.$' || true; }
