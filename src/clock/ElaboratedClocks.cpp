@@ -16,6 +16,8 @@
 #include <functional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace kvr::netlistdb {
 
@@ -72,25 +74,42 @@ class RegisterClocks {
     std::unordered_map<const Verific::Netlist *, ByModule> m_clocks;
 };
 
+/// Leaves of each pair its last place alone. A net that enters an instance through several ports would otherwise double
+/// the pairs at every level, up to no end; the last net of the next level comes from the same pair either way.
+void keepLast(std::vector<InstanceNetSet::value_type> &pairs)
+{
+    if (pairs.size() < 2) {
+        return;
+    }
+    std::unordered_set<const IVDBNet *> met; // all are in one instance
+    auto kept = pairs.end();
+    for (auto pair = pairs.end(); pair != pairs.begin();) {
+        --pair;
+        if (met.insert(pair->second).second) {
+            *--kept = *pair;
+        }
+    }
+    pairs.erase(pairs.begin(), kept);
+}
+
 } // namespace
 
 DesignDatabase::InstanceNet DesignDatabase::getRootClk(IVDBInstance *inst, IVDBNet *net, IVDBInstance *stop)
 {
     InstanceNet best{nullptr, nullptr};
-    std::deque<InstanceNet> queue{{inst, net}};
-    while (!queue.empty()) {
-        const InstanceNet pair = queue.front();
-        queue.pop_front();
-        if (pair.first == stop) {
-            break;
+    std::vector<InstanceNet> level{{inst, net}};
+    while (!level.empty() && level.front().first != stop) {
+        std::vector<InstanceNet> above;
+        for (const InstanceNet &pair : level) {
+            climb(*m_pool, pair.first, m_pool->find(pair.second), [&](const InstanceNet &found) {
+                if (ask::mayDescend(*m_pool->find(found.first->getModule()))) {
+                    best = found;
+                }
+                above.push_back(found);
+            });
         }
-        const Verific::Net *source = m_pool->find(pair.second);
-        climb(*m_pool, pair.first, source, [&](const InstanceNet &above) {
-            if (ask::mayDescend(*m_pool->find(above.first->getModule()))) {
-                best = above;
-            }
-            queue.push_back(above);
-        });
+        keepLast(above);
+        level = std::move(above);
     }
     return best.first != nullptr ? best : InstanceNet{inst, net};
 }

@@ -88,6 +88,31 @@ TEST_F(RootClock, TakesTheLastOfSeveralNetsThatMeetTheNetOnOneLevel)
     EXPECT_EQ(climb("u", "a"), "y") << "in the order in which the pins were connected";
 }
 
+TEST_F(RootClock, TakesTheNetAboveTheLastWhenOneIsMetSeveralTimes)
+{
+    elaborated(R"(
+        module m(in a, b) connect b = a end
+        module mid(in i, j, k) connect j = i u: m(a=i, b=k) end
+        module high(in x, y) u: mid(i=x, j=y, k=x) end
+        module top(in s, t) u: high(x=s, y=t) end)");
+    EXPECT_EQ(climb("u/u/u", "a", "u"), "u/x");
+    EXPECT_EQ(climb("u/u/u", "a"), "s") << "x, y and x again meet the net two levels up";
+}
+
+TEST_F(RootClock, ComesToAnEndWhereAClockEntersEveryLevelThroughSeveralPorts)
+{
+    constexpr int LEVELS = 64;
+    std::string text = "register DFF(in clk, d, out q) clock=clk end\n"
+                       "module m0(in a, b, d, out q) connect b = a r: DFF(clk=a, d=d, q=q) end\n";
+    for (int level = 1; level < LEVELS; ++level) {
+        text += "module m" + std::to_string(level) + "(in a, b, d, out q) connect b = a u: m" +
+                std::to_string(level - 1) + "(a=a, b=a, d=d, q=q) end\n";
+    }
+    elaborated(text.c_str());
+    EXPECT_EQ(clocks(ELABORATED), (Names{"a"}));
+    EXPECT_EQ(clockOf("", "q", ELABORATED), "a");
+}
+
 TEST_F(RootClock, PrefersTheHighestNet)
 {
     elaborated(R"(
