@@ -2,7 +2,6 @@
 
 #include "search/FullName.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace kvr::netlistdb {
@@ -19,7 +18,7 @@ void FullNameText::enter(const IVDBInstance &instance)
 {
     m_instance = &instance;
     m_isInPrefix = false;
-    m_rests.clear();
+    m_carried = 0;
 }
 
 bool FullNameText::operator()(const std::string &name)
@@ -52,18 +51,46 @@ void FullNameText::readPrefix()
     const std::string unfolded = netNamePrefix(m_instance);
     m_instance = nullptr;
     const std::string_view prefix = folded(unfolded);
-    m_isInPrefix = prefix.find(m_text) != std::string_view::npos;
-    for (std::size_t length = 1; length < m_text.size() && length <= prefix.size(); ++length) {
-        if (prefix.substr(prefix.size() - length) == m_text.substr(0, length)) {
-            m_rests.push_back(m_text.substr(length));
+    prepareBorders();
+    for (const char c : prefix) {
+        m_carried = step(m_carried, c);
+        if (m_carried == m_text.size()) {
+            m_isInPrefix = true;
+            return;
         }
     }
 }
 
 bool FullNameText::crossesInto(std::string_view name) const
 {
-    return std::any_of(m_rests.begin(), m_rests.end(),
-                       [name](std::string_view rest) { return name.substr(0, rest.size()) == rest; });
+    std::size_t length = m_carried;
+    // Once a start begins in the name itself, the rest of the name has been searched already.
+    for (std::size_t i = 0; length > i && i < name.size(); ++i) {
+        length = step(length, name[i]);
+        if (length == m_text.size()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void FullNameText::prepareBorders()
+{
+    if (!m_borders.empty()) {
+        return;
+    }
+    m_borders.assign(m_text.size() + 1, 0);
+    for (std::size_t length = 1; length < m_text.size(); ++length) {
+        m_borders[length + 1] = step(m_borders[length], m_text[length]);
+    }
+}
+
+std::size_t FullNameText::step(std::size_t length, char next) const
+{
+    while (length > 0 && m_text[length] != next) {
+        length = m_borders[length];
+    }
+    return m_text[length] == next ? length + 1 : 0;
 }
 
 } // namespace kvr::netlistdb

@@ -31,6 +31,9 @@ class FullNameText {
     std::string_view folded(const std::string &text);
     void readPrefix();
     bool crossesInto(std::string_view name) const;
+    void prepareBorders();
+    /// How long a start of the text the characters read so far end with, after one more; never for a whole text.
+    std::size_t step(std::size_t length, char next) const;
 
     std::optional<CaseFold> m_fold;
     std::string m_foldedText;
@@ -38,7 +41,9 @@ class FullNameText {
     std::string m_buffer;
     const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
     bool m_isInPrefix = false;
-    std::vector<std::string_view> m_rests; ///< of the text, for every start of it that the prefix ends with
+    std::size_t m_carried = 0; ///< length of the longest start of the text that the prefix ends with
+    /// For each length of a start of the text: the longest shorter start that it ends with.
+    std::vector<std::size_t> m_borders;
 };
 
 } // namespace kvr::netlistdb

@@ -6,15 +6,14 @@ namespace kvr::netlistdb {
 
 KnownModule &KnownModules::add(const IVDBNetlist *netlist)
 {
+    if ((m_modules.size() + 1) * 2 > m_slots.size()) {
+        grow();
+    }
     KnownModule known;
     known.netlist = netlist;
     known.isUserDeclared = netlist != nullptr && netlist->isUserDeclared();
     m_modules.push_back(known);
-    if (m_modules.size() * 2 > m_slots.size()) {
-        grow();
-    } else {
-        place(&m_modules.back());
-    }
+    place(&m_modules.back());
     return m_modules.back();
 }
 
@@ -29,8 +28,8 @@ void KnownModules::place(KnownModule *known)
 
 void KnownModules::grow()
 {
+    m_slots = std::vector<Slot>(m_slots.size() * 2);
     --m_shift;
-    m_slots.assign(m_slots.size() * 2, Slot());
     for (KnownModule &known : m_modules) {
         place(&known);
     }

@@ -27,9 +27,9 @@ bool PendingItems::isBelowCollapsed(const IVDBInstance &instance)
     return owner != nullptr && !m_modules.of(owner->getModule()).isUserDeclared;
 }
 
-void PendingItems::openMembers(KnownModule &module, PlainPorts plainPorts)
+void PendingItems::openMembers(KnownModule &module)
 {
-    if (module.netlist != nullptr && !module.listsNothing(plainPorts)) {
+    if (module.netlist != nullptr) {
         m_members.open(module, m_param);
     }
 }

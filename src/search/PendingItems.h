@@ -41,13 +41,14 @@ class PendingItems {
 
   private:
     bool findFront(PlainPorts plainPorts);
-    IVDBInstance *nextChild();
+    /// The child at m_nextChild, or the first one behind it that is not null; null at the end of the walk.
+    IVDBInstance *findChild();
     /// Puts a child at the front, or its members in line, as the record asks; true when it stands at the front.
-    bool visit(IVDBInstance *instance, PlainPorts plainPorts);
+    bool visit(IVDBInstance *instance);
     void list(IVDBInstance *instance, KnownModule &module);
     bool enterNextParent();
     bool isBelowCollapsed(const IVDBInstance &instance);
-    void openMembers(KnownModule &module, PlainPorts plainPorts);
+    void openMembers(KnownModule &module);
 
     const VDBSearchParam &m_param;
     bool m_isSettled = false;
@@ -71,12 +72,12 @@ inline void PendingItems::list(IVDBInstance *instance, KnownModule &module)
     m_hasUnopened = module.isUserDeclared || !m_param.collapseNonUserModules;
 }
 
-inline IVDBInstance *PendingItems::nextChild()
+inline IVDBInstance *PendingItems::findChild()
 {
     do {
-        while (m_children != nullptr && m_nextChild < m_children->size()) {
+        for (; m_children != nullptr && m_nextChild < m_children->size(); ++m_nextChild) {
             prefetchAhead(*m_children, m_nextChild);
-            if (IVDBInstance *child = (*m_children)[m_nextChild++]) {
+            if (IVDBInstance *child = (*m_children)[m_nextChild]) {
                 return child;
             }
         }
@@ -84,14 +85,13 @@ inline IVDBInstance *PendingItems::nextChild()
     return nullptr;
 }
 
-inline bool PendingItems::visit(IVDBInstance *instance, PlainPorts plainPorts)
+inline bool PendingItems::visit(IVDBInstance *instance)
 {
     KnownModule &module = m_modules.of(instance->getModule());
     if (m_param.collapseNonUserModules && isBelowCollapsed(*instance)) {
         // There nothing shows but the members of what the user wrote.
-        if (module.isUserDeclared) {
-            openMembers(module, plainPorts);
-        }
+        m_frontModule = &module;
+        m_hasUnopened = module.isUserDeclared;
         return false;
     }
     if (!module.isUserDeclared && m_param.userModulesOnly) {
@@ -103,24 +103,27 @@ inline bool PendingItems::visit(IVDBInstance *instance, PlainPorts plainPorts)
 
 inline bool PendingItems::findFront(PlainPorts plainPorts)
 {
-    if (m_hasUnopened) {
-        m_hasUnopened = false;
-        if (!m_frontModule->listsNothing(plainPorts)) {
-            openMembers(*m_frontModule, plainPorts);
-        }
-    }
     m_frontInstance = nullptr;
-    while (!m_members.next(m_front, plainPorts)) {
-        IVDBInstance *child = nextChild();
+    for (;;) {
+        // When memory runs out in one of these steps, the next call takes it once more.
+        if (m_hasUnopened && !m_frontModule->listsNothing(plainPorts)) {
+            openMembers(*m_frontModule);
+        }
+        m_hasUnopened = false;
+        if (m_members.next(m_front, plainPorts)) {
+            m_isSettled = true;
+            return true;
+        }
+        IVDBInstance *child = findChild();
         if (child == nullptr) {
             return false;
         }
-        if (visit(child, plainPorts)) {
+        const bool isFront = visit(child);
+        ++m_nextChild;
+        if (isFront) {
             return true;
         }
     }
-    m_isSettled = true;
-    return true;
 }
 
 } // namespace kvr::netlistdb

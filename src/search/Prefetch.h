@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace kvr::netlistdb {
@@ -13,9 +14,10 @@ template <typename Item> void prefetchAhead(const std::vector<Item *> &list, std
     constexpr std::size_t distance = 8;
     constexpr std::size_t cacheLine = 64;
     if (position + distance < list.size()) {
-        const char *item = reinterpret_cast<const char *>(list[position + distance]);
-        __builtin_prefetch(item);
-        __builtin_prefetch(item + cacheLine);
+        // As a number: the list may hold a null pointer, to which nothing may be added.
+        const auto item = reinterpret_cast<std::uintptr_t>(list[position + distance]);
+        __builtin_prefetch(reinterpret_cast<const void *>(item));
+        __builtin_prefetch(reinterpret_cast<const void *>(item + cacheLine));
     }
 #else
     (void)list;

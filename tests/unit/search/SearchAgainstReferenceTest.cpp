@@ -40,7 +40,7 @@ template <typename Call> std::string thrownBy(Call call)
 
 TEST(Walk, AgreesWithAQueueThatHoldsEveryItem)
 {
-    for (unsigned seed = 0; seed < 20000; ++seed) {
+    for (unsigned seed = 0; seed < 5000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const RandomTree tree(random, true);
@@ -69,7 +69,7 @@ TEST(Walk, AgreesWithAQueueThatHoldsEveryItem)
 
 TEST(Walk, AgreesWithAQueueThatHoldsEveryItemWhateverMovesIt)
 {
-    for (unsigned seed = 0; seed < 20000; ++seed) {
+    for (unsigned seed = 0; seed < 5000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const RandomTree tree(random, false);
@@ -112,7 +112,7 @@ TEST(Search, AgreesWithFullNamesWrittenOut)
     DesignDatabase database(false);
     unsigned hits = 0;
     unsigned misses = 0;
-    for (unsigned seed = 0; seed < 20000; ++seed) {
+    for (unsigned seed = 0; seed < 5000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const RandomTree tree(random, false);
@@ -147,7 +147,7 @@ TEST(Search, AgreesWithFullNamesWrittenOut)
 TEST(FullNameText, AgreesWithASearchInTheWholeName)
 {
     unsigned crossing = 0;
-    for (unsigned seed = 0; seed < 100000; ++seed) {
+    for (unsigned seed = 0; seed < 25000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const std::string alphabet = below(random, 2) == 0 ? "ab/" : "aAbB/\x80\xC0\xE0";
@@ -183,7 +183,7 @@ TEST(FullNameText, AgreesWithASearchInTheWholeName)
 TEST(RequiredText, StandsInEverythingThatTheExpressionFinds)
 {
     unsigned found = 0;
-    for (unsigned seed = 0; seed < 100000; ++seed) {
+    for (unsigned seed = 0; seed < 25000; ++seed) {
         std::mt19937 random(seed);
         const std::string pattern = randomText(random, patternAlphabet, 8);
         const std::string required = requiredText(pattern);
