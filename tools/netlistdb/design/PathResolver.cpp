@@ -81,7 +81,8 @@ const PathResolver::Children &PathResolver::childrenOf(IVDBInstance &instance)
     const auto [place, isNew] = m_children.try_emplace(&instance);
     if (isNew) {
         for (IVDBInstance *child : instance.getSubInstances()) {
-            place->second[child->getName()].push_back(child);
+            place->second.byName[child->getName()].push_back(child);
+            place->second.longestName = std::max(place->second.longestName, child->getName().size());
         }
     }
     return place->second;
@@ -96,10 +97,12 @@ std::vector<PathResolver::Beginning> PathResolver::beginnings(std::string_view p
             continue;
         }
         const Children &children = childrenOf(*from.instance);
-        for (std::size_t slash = path.find('/', from.rest); slash != std::string_view::npos;
+        // No further than a name can reach: a deep path has as many slashes as there are levels.
+        for (std::size_t slash = path.find('/', from.rest);
+             slash != std::string_view::npos && slash - from.rest <= children.longestName;
              slash = path.find('/', slash + 1)) {
-            const auto child = children.find(path.substr(from.rest, slash - from.rest));
-            if (child != children.end()) {
+            const auto child = children.byName.find(path.substr(from.rest, slash - from.rest));
+            if (child != children.byName.end()) {
                 for (IVDBInstance *instance : child->second) {
                     found.push_back({instance, slash + 1});
                 }
@@ -141,8 +144,8 @@ IVDBInstance *PathResolver::findInstance(std::string_view path)
 {
     for (const auto &[instance, rest] : beginnings(path)) {
         const Children &children = childrenOf(*instance);
-        const auto child = children.find(path.substr(rest));
-        if (child != children.end()) {
+        const auto child = children.byName.find(path.substr(rest));
+        if (child != children.byName.end()) {
             return child->second.front();
         }
     }
@@ -211,7 +214,7 @@ std::vector<std::string> PathResolver::near(const Beginning &beginning, const st
     const std::string level = rest.substr(0, rest.find('/'));
     NearestNames whole(rest);
     NearestNames nextLevel(level);
-    for (const auto &child : childrenOf(*beginning.instance)) {
+    for (const auto &child : childrenOf(*beginning.instance).byName) {
         whole.offer(child.first);
         nextLevel.offer(child.first);
     }
@@ -238,7 +241,7 @@ std::vector<std::string> PathResolver::near(const Beginning &beginning, const st
                 propose(repaired);
                 continue;
             }
-            IVDBInstance *child = childrenOf(*beginning.instance).at(name).front();
+            IVDBInstance *child = childrenOf(*beginning.instance).byName.at(name).front();
             for (const std::string &proposal : near({child, beginning.rest + level.size() + 1}, path, instancesOnly)) {
                 propose(proposal);
             }

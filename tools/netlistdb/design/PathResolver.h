@@ -40,7 +40,10 @@ class PathResolver {
 
   private:
     struct ModuleNames;
-    using Children = std::unordered_map<std::string_view, std::vector<IVDBInstance *>>;
+    struct Children {
+        std::unordered_map<std::string_view, std::vector<IVDBInstance *>> byName;
+        std::size_t longestName = 0;
+    };
     /// A way to begin a path: an instance, and where the rest of the path starts.
     struct Beginning {
         IVDBInstance *instance;
