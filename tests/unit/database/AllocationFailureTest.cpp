@@ -2,8 +2,9 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/ScratchFile.h"
 #include "tests/support/TreeText.h"
-#include "tests/unit/database/FailingAllocator.h"
+#include "tests/support/failing_allocator/FailingAllocator.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -11,13 +12,15 @@
 
 #include <gtest/gtest.h>
 
-#include <new>
+#include <string>
 
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::failAllocation;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
+using testsupport::Outcome;
 using testsupport::treeText;
 
 constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
@@ -33,24 +36,6 @@ constexpr const char *DESIGN = R"(
     end
     module mid() an_instance_with_a_long_name: leaf() l2: leaf() end
     module top(in clk) m1: mid() m2: mid() f: KVR_FF(C=clk) end)";
-
-enum class Outcome { THREW, WENT_THROUGH, NOT_REACHED };
-
-/// Runs @p call while its allocation number @p number fails: the call throws that on, goes through without, or has no
-/// such allocation.
-template <typename Call> Outcome failAllocation(long number, Call call)
-{
-    testsupport::failAllocationAfter(number);
-    Outcome outcome = Outcome::THREW;
-    try {
-        call();
-        outcome = testsupport::allocationHasFailed() ? Outcome::WENT_THROUGH : Outcome::NOT_REACHED;
-    } catch (const std::bad_alloc &) {
-        outcome = Outcome::THREW;
-    }
-    testsupport::failNoAllocation();
-    return outcome;
-}
 
 TEST(AllocationFailure, BuildingAModuleLeavesNothingBehind)
 {
@@ -134,6 +119,54 @@ TEST_P(InterruptedImport, OverALoadedSourceLosesNeitherTree)
             break;
         }
     }
+    EXPECT_EQ(liveItemCounts(), before);
+}
+
+/// DESIGN, saved.
+class SavedDesign : public testsupport::ScratchFile {
+  public:
+    SavedDesign() : ScratchFile("out_of_memory")
+    {
+        EXPECT_NE(netlistFromText(DESIGN)->SaveToFile(path().c_str()), 0u);
+        LibsetGuard::clear();
+    }
+};
+
+TEST_P(InterruptedImport, FromAFileLeavesADatabaseThatCanBeResetAndUsedAgain)
+{
+    const auto import = [](DesignDatabase &database, const std::string &path) {
+        return GetParam() == ELABORATED ? database.parseElaboratedNetlistFromFile(path)
+                                        : database.parsePostMapNetlistFromFile(path);
+    };
+    const auto before = liveItemCounts();
+    const SavedDesign saved;
+    int failures = 0;
+    int restoreFailures = 0;
+    for (long number = 0;; ++number) {
+        LibsetGuard guard;
+        DesignDatabase database(true);
+        const Outcome outcome = failAllocation(number, [&] { EXPECT_TRUE(import(database, saved.path())); });
+        if (outcome == Outcome::THREW) {
+            ++failures;
+            // Either nothing came of the file, or a whole netlist that the import could not finish.
+            if (Verific::Libset::Global()->GetLibraries()->Size() == 0) {
+                ++restoreFailures;
+                ASSERT_FALSE(database.isSourceLoaded(GetParam()));
+            } else {
+                ASSERT_EQ(testsupport::netlistOfCell("top")->GetInsts()->Size(), 3u) << "allocation " << number;
+            }
+            database.reset(GetParam());
+            ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            ASSERT_TRUE(import(database, saved.path()));
+        }
+        ASSERT_EQ(treeText(*database.getRoot(GetParam())), wholeTree()) << "allocation " << number;
+        if (outcome == Outcome::NOT_REACHED) {
+            break;
+        }
+    }
+    EXPECT_GT(restoreFailures, 100);
+    EXPECT_GT(failures - restoreFailures, 100);
     EXPECT_EQ(liveItemCounts(), before);
 }
 

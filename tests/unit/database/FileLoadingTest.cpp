@@ -1,5 +1,6 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/ScratchFile.h"
 #include "tests/support/TreeText.h"
 
 #include <netlistdb/netlistdb.h>
@@ -25,24 +26,14 @@ constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
 constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 /// A saved netlist, gone with the object. The libset is empty afterwards.
-class SavedNetlist {
+class SavedNetlist : public testsupport::ScratchFile {
   public:
-    explicit SavedNetlist(std::string_view text)
-        : m_path((std::filesystem::path(testing::TempDir()) /
-                  (std::string("saved_") + testing::UnitTest::GetInstance()->current_test_info()->name() + ".netlist"))
-                     .string())
+    explicit SavedNetlist(std::string_view text) : ScratchFile("saved_netlist")
     {
         const Verific::Netlist *top = netlistFromText(text);
-        EXPECT_NE(top->SaveToFile(m_path.c_str()), 0u);
+        EXPECT_NE(top->SaveToFile(path().c_str()), 0u);
         LibsetGuard::clear();
     }
-    ~SavedNetlist() { std::filesystem::remove(m_path); }
-    SavedNetlist(const SavedNetlist &) = delete;
-    SavedNetlist &operator=(const SavedNetlist &) = delete;
-    const std::string &path() const { return m_path; }
-
-  private:
-    std::string m_path;
 };
 
 constexpr const char *DESIGN = "module leaf(in a) end module mid() l: leaf() end module top() m: mid() end";

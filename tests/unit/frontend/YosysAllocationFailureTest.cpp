@@ -2,69 +2,9 @@
 
 #include "ReaderTest.h"
 
-#include <cstdlib>
+#include "tests/support/failing_allocator/FailingAllocator.h"
+
 #include <new>
-
-namespace {
-
-/// Allocations that still succeed; negative: all of them.
-long g_allocationsLeft = -1;
-
-void *allocateOrNull(std::size_t size) noexcept
-{
-    if (g_allocationsLeft == 0) {
-        return nullptr;
-    }
-    if (g_allocationsLeft > 0) {
-        --g_allocationsLeft;
-    }
-    return std::malloc(size == 0 ? 1 : size);
-}
-
-void *allocate(std::size_t size)
-{
-    void *memory = allocateOrNull(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-} // namespace
-
-// Replaced for the whole program, the netlist database's shared library included.
-void *operator new(std::size_t size)
-{
-    return allocate(size);
-}
-void *operator new[](std::size_t size)
-{
-    return allocate(size);
-}
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept
-{
-    return allocateOrNull(size);
-}
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept
-{
-    return allocateOrNull(size);
-}
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void *memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void *memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete[](void *memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace yosystest {
 namespace {
@@ -85,13 +25,13 @@ class YosysAllocationFailure : public ReaderTest {
         for (long allocation = 0;; ++allocation) {
             Verific::Netlist *top = nullptr;
             bool failed = false;
-            g_allocationsLeft = allocation;
+            testsupport::failAllocationAfter(allocation, testsupport::Failures::ALL);
             try {
                 top = readText(text);
             } catch (const std::bad_alloc &) {
                 failed = true;
             }
-            g_allocationsLeft = -1;
+            testsupport::failNoAllocation();
             if (!failed) {
                 EXPECT_NE(top, nullptr);
                 return allocation;

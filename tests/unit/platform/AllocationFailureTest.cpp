@@ -1,8 +1,8 @@
-#include "AllocationLimit.h"
 #include "Designs.h"
 #include "SavedFileBytes.h"
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistDump.h"
+#include "tests/support/failing_allocator/FailingAllocator.h"
 
 #include <filesystem>
 #include <memory>
@@ -24,13 +24,13 @@ class AllocationFailureTest : public testing::Test {
     {
         long failures = 0;
         for (bool done = false; !done; ++failures) {
-            limitAllocations(failures);
+            testsupport::failAllocationAfter(failures, testsupport::Failures::ALL);
             try {
                 action();
                 done = true;
             } catch (const std::bad_alloc &) {
             }
-            liftAllocationLimit();
+            testsupport::failNoAllocation();
             ASSERT_NO_FATAL_FAILURE(check(done)) << failures << " allocations";
         }
         EXPECT_GT(failures, 10);
