@@ -24,7 +24,7 @@ def demangled(names):
 
 
 def read_symbols(library):
-    """Vtables as {name: (address, size)}, functions as {address: name}."""
+    """Vtables as {name: (address, size)}, functions as {address: [name]}: the compiler makes one of equal ones."""
     tables, functions = {}, {}
     for line in lines_of("readelf", "-sW", library):
         # Num: Value Size Type Bind Vis Ndx Name
@@ -35,19 +35,19 @@ def read_symbols(library):
         if name.startswith("_ZTVN3kvr9netlistdb") and columns[4] != "LOCAL":
             tables[name] = (address, int(columns[2], 0))
         elif columns[3] == "FUNC":
-            functions[address] = name
+            functions.setdefault(address, []).append(name)
     return tables, functions
 
 
 def read_relocations(library, functions):
-    """What the loader writes where, as {address: symbol}."""
+    """What the loader writes where, as {address: [symbol]}."""
     entries = {}
     for line in lines_of("readelf", "-rW", library):
         # Offset Info Type (Value Name + Addend | Addend)
         columns = line.split()
         if len(columns) >= 4 and re.fullmatch(r"[0-9a-f]{12,16}", columns[0]):
-            name = columns[4] if len(columns) > 4 else functions.get(int(columns[3], 16), "(not exported)")
-            entries[int(columns[0], 16)] = name
+            names = [columns[4]] if len(columns) > 4 else functions.get(int(columns[3], 16), ["(not exported)"])
+            entries[int(columns[0], 16)] = names
     return entries
 
 
@@ -60,24 +60,30 @@ def main(library, expected):
     }
     # Abstract classes: their tables name nothing.
     in_table = {
-        table: names
-        for table, names in in_table.items()
-        if not any(name.startswith("__cxa_pure_virtual") for name in names)
+        table: entries_of
+        for table, entries_of in in_table.items()
+        if not any(names[0].startswith("__cxa_pure_virtual") for names in entries_of)
     }
-    texts = demangled(list(in_table) + [name for names in in_table.values() for name in names])
+    texts = demangled(list(in_table) + [name for entries_of in in_table.values() for names in entries_of for name in names])
 
+    wanted = pathlib.Path(expected).read_text().splitlines()
     actual = []
+
+    def add(*alternatives):
+        """Several names of one function: that which is wanted here, if any."""
+        place = len(actual)
+        actual.append(wanted[place] if place < len(wanted) and wanted[place] in alternatives else alternatives[0])
+
     for table in sorted(in_table, key=texts.get):
-        actual.append(texts[table].replace("vtable for ", ""))
+        add(texts[table].replace("vtable for ", ""))
         seen_type = False
-        for name in in_table[table]:
-            if name.startswith("_ZTI"):  # heads the operations of the class, and again those of its second base
+        for names in in_table[table]:
+            if names[0].startswith("_ZTI"):  # heads the operations of the class, and again those of its second base
                 if seen_type:
-                    actual.append("  second base")
+                    add("  second base")
                 seen_type = True
             else:
-                actual.append("    " + texts[name])
-    wanted = pathlib.Path(expected).read_text().splitlines()
+                add(*("    " + texts[name] for name in names))
     if actual == wanted and actual:
         return 0
     pathlib.Path("virtual_operations.actual").write_text("\n".join(actual) + "\n")
