@@ -2,7 +2,6 @@
 
 #include "PortRef.h"
 
-#include <cstdlib>
 #include <functional>
 #include <new>
 #include <unordered_map>
@@ -15,13 +14,9 @@ class PinBlock {
     /// Throws std::bad_alloc.
     static PinBlock *make(unsigned capacity)
     {
-        void *memory = std::malloc(sizeof(PinBlock) + sizeof(PortRef) * capacity);
-        if (memory == nullptr) {
-            throw std::bad_alloc();
-        }
-        return new (memory) PinBlock(capacity);
+        return new (::operator new(sizeof(PinBlock) + sizeof(PortRef) * capacity)) PinBlock(capacity);
     }
-    static void free(PinBlock *block) { std::free(block); }
+    static void free(PinBlock *block) { ::operator delete(block); }
 
     PortRef *pins() { return reinterpret_cast<PortRef *>(this + 1); }
     /// Makes the place behind the pins in use a disconnected pin, without counting it.

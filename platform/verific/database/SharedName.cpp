@@ -1,7 +1,6 @@
 #include "SharedName.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -13,10 +12,7 @@ using Count = std::uint32_t;
 
 char *allocate(const char *text, std::size_t length)
 {
-    char *memory = static_cast<char *>(std::malloc(sizeof(Count) + length + 1));
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
+    char *memory = static_cast<char *>(::operator new(sizeof(Count) + length + 1));
     const Count one = 1;
     std::memcpy(memory, &one, sizeof one);
     char *copy = memory + sizeof(Count);
@@ -49,7 +45,7 @@ SharedName::SharedName(const SharedName &other) : m_text(other.m_text)
 SharedName::~SharedName()
 {
     if (m_text != nullptr && --countOf(m_text) == 0) {
-        std::free(m_text - sizeof(Count));
+        ::operator delete(m_text - sizeof(Count));
     }
 }
 

@@ -325,6 +325,31 @@ TEST_F(SavedNetlistTest, RefusesToSaveANetlistThatContainsItself)
     EXPECT_EQ(top->SaveToFile(m_file.c_str()), 0u);
 }
 
+TEST_F(SavedNetlistTest, RefusesToSaveADirectionThatIsNone)
+{
+    Netlist *top = makeNetlist("work", "top");
+    Port *port = addPort(top, "p", DIR_INOUT + 1);
+    EXPECT_EQ(top->SaveToFile(m_file.c_str()), 0u);
+    delete port;
+    auto *bus = new PortBus("b", 1, 0, DIR_INOUT + 1);
+    top->Add(bus);
+    EXPECT_EQ(top->SaveToFile(m_file.c_str()), 0u);
+    delete bus;
+    EXPECT_EQ(top->SaveToFile(m_file.c_str()), 1u);
+}
+
+TEST_F(SavedNetlistTest, LeavesOutAnInstanceThatIsInNoNetlist)
+{
+    Netlist *top = makeNetlist("work", "top");
+    Netlist *gate = makeGate();
+    const std::unique_ptr<Instance> loose(new Instance("loose", gate));
+    addInstance(top, "g", gate);
+    ASSERT_EQ(top->SaveToFile(m_file.c_str()), 1u);
+    const Netlist *back = Netlist::RestoreFromFile(m_file.c_str());
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(referencesOf(back->GetInst("g")->View()), "g");
+}
+
 TEST_F(SavedNetlistTest, KeepsALargeFlatNetlist)
 {
     Netlist *gate = makeGate();

@@ -122,6 +122,12 @@ TEST_F(NetMatchersTest, ReportsEveryInstanceWhateverThePatternAndMakesItTheConte
     EXPECT_EQ(iterator.getContext(), &core);
 }
 
+TEST_F(NetMatchersTest, StepsOverAnInstanceOfAnotherTypeToWhatLiesBelow)
+{
+    top.itemType = ITEM_PORT;
+    EXPECT_EQ(matchPlain(""), "@ clk @u1 =data clk_div rst @u_core =data clk_div rst");
+}
+
 TEST_F(NetMatchersTest, FindsPlainTextAnywhereInTheFullName)
 {
     EXPECT_EQ(matchPlain("clk"), "@ clk @top @u1 clk_div @u_core clk_div");
