@@ -3,10 +3,11 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
-# Installs the packages of packages.txt that are missing. Says nothing and needs no network when all are there.
+# install_packages [list...]: installs what is missing of packages.txt and of further lists beside it. Says nothing and
+# needs no network when all are there.
 install_packages() {
     local wanted missing
-    mapfile -t wanted < <(grep -vE '^\s*(#|$)' "$root/scripts/packages.txt")
+    mapfile -t wanted < <(cd "$root/scripts" && grep -hvE '^\s*(#|$)' packages.txt "$@")
     missing=()
     for package in "${wanted[@]}"; do
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
