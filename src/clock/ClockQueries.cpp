@@ -141,6 +141,7 @@ std::vector<std::pair<IVDBInstance *, IClockDomain *>> DesignDatabase::elaborate
 void DesignDatabase::forgetClockRecords(SOURCE_TYPE type)
 {
     m_clocks->recordsOf(type).clear();
+    m_clocks->landmarks.clear();
     m_clocks->subInstances.clear();
     m_clocks->drivingPins.clear();
 }
@@ -148,6 +149,7 @@ void DesignDatabase::forgetClockRecords(SOURCE_TYPE type)
 void DesignDatabase::dropStaleAnswers(SOURCE_TYPE type, std::size_t firstNetlist)
 {
     // What these hold is about netlists that may have gone; it is found anew when needed.
+    m_clocks->landmarks.clear();
     m_clocks->subInstances.clear();
     m_clocks->drivingPins.clear();
     if (m_drivingClockCache.empty() && m_clocks->elaboratedAnswers.empty()) {

@@ -50,6 +50,9 @@ struct ClockState {
         return records[type == IDesignDatabase::SOURCE_ELABORATED ? 0 : 1];
     }
 
+    /// Answers of elaborated queries from every so manieth pair of a long way: see LongWay.
+    std::unordered_map<Pair, IClockDomain *, InstanceNetHash> landmarks;
+
     SubInstanceIndex subInstances;
     DrivingPins drivingPins;
 

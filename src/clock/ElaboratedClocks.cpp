@@ -2,6 +2,7 @@
 
 #include "clock/Climb.h"
 #include "clock/ClockState.h"
+#include "clock/LongWay.h"
 #include "database/VDBObjectPool.h"
 #include "database/verific_queries.h"
 
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -167,7 +169,9 @@ IClockDomain *DesignDatabase::findDrivingClockDomainElab(IVDBInstance *inst, IVD
     if (net == nullptr || inst == nullptr) {
         return nullptr;
     }
-    static_cast<void>(inst->getPath());
+    if (typeid(*inst) != typeid(VDBInstance)) {
+        static_cast<void>(inst->getPath()); // of our own instances, nobody can tell whether it was built
+    }
     static_cast<void>(net->getName());
     VDBInstance *root = dynamic_cast<VDBInstance *>(getRoot(SOURCE_ELABORATED));
     if (root == nullptr) {
@@ -188,6 +192,8 @@ IClockDomain *DesignDatabase::findDrivingClockDomainElab(IVDBInstance *inst, IVD
         }
     };
 
+    LongWay way(*m_clocks);
+    const auto goesOn = [&] { return queue.empty() && met.empty() && revisits == 0; };
     IClockDomain *answer = nullptr;
     queue.emplace_back(inst, net);
     while (!queue.empty()) {
@@ -195,6 +201,10 @@ IClockDomain *DesignDatabase::findDrivingClockDomainElab(IVDBInstance *inst, IVD
         queue.pop_front();
         if (!visited.insert(pair)) {
             continue;
+        }
+        if (IClockDomain *const *known = way.arrive(pair, goesOn())) {
+            answer = *known;
+            break;
         }
         if (findElaboratedAnswer(pair.first, answer)) {
             break;
@@ -267,6 +277,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomainElab(IVDBInstance *inst, IVD
         }
     }
 
+    way.end(*m_pool, goesOn(), answer);
     if (revisits < MAX_REVISITS) {
         for (IVDBInstance *cell : met) {
             recordElaboratedAnswer(cell, answer);

@@ -167,7 +167,37 @@ Verific::Netlist *RandomNetlists::elaborated()
         cells.push_back({made, {}, 6});
     }
     const unsigned instances = 3 + below(chance(30) ? 60 : 20);
-    return module("work", cells, 4 + below(instances + instances / 2), instances);
+    Verific::Netlist *top = module("work", cells, 4 + below(instances + instances / 2), instances);
+    if (chance(8)) {
+        for (unsigned levels = 60 + below(120); levels > 0; --levels) {
+            top = wrapped(top, cells);
+        }
+    }
+    return top;
+}
+
+Verific::Netlist *RandomNetlists::wrapped(Verific::Netlist *inner, const Cells &cells)
+{
+    Verific::Netlist *const outer =
+        makeCell(chance(99) ? "work" : "Operators", "module" + std::to_string(m_made++), {});
+    std::vector<Verific::Net *> nets{new Verific::Net("own")};
+    outer->Add(nets.front());
+    auto *const instance = new Verific::Instance("inner", inner);
+    outer->Add(instance);
+    for (Verific::Port *port : portsOf(inner)) {
+        const std::string name = "w" + std::to_string(nets.size());
+        auto *const net = new Verific::Net(name.c_str());
+        outer->Add(net);
+        nets.push_back(net);
+        instance->Connect(port, net);
+        auto *const through = new Verific::Port(name.c_str(), port->GetDir());
+        outer->Add(through);
+        through->Connect(net);
+    }
+    if (chance(3)) {
+        addInstance(outer, nets, cells, 1);
+    }
+    return outer;
 }
 
 Verific::Netlist *RandomNetlists::module(const char *library, const Cells &cells, unsigned nets, unsigned instances)

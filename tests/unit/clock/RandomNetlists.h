@@ -35,6 +35,8 @@ class RandomNetlists {
     Cells deviceCells();
     Cells genericCells();
     Verific::Netlist *module(const char *library, const Cells &cells, unsigned nets, unsigned instances);
+    /// A module that holds @p inner, each of its ports passed on; a few have a cell besides.
+    Verific::Netlist *wrapped(Verific::Netlist *inner, const Cells &cells);
     void fill(Verific::Netlist *netlist, const Cells &cells, unsigned nets, unsigned instances);
     std::vector<Verific::Net *> addNets(Verific::Netlist *netlist, unsigned count);
     void addPorts(Verific::Netlist *netlist, const std::vector<Verific::Net *> &nets);
