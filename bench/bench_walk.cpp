@@ -20,30 +20,36 @@ std::unique_ptr<DesignDatabase> importWithoutSources(benchmark::State &state)
     return database;
 }
 
-/// Depth first over the instances, looking at name, module and every bus and plain net of the module.
+/// Depth first over the instances, looking at name, module and every bus of the module.
 void walkTree(benchmark::State &state)
 {
     const auto database = importWithoutSources(state);
-    std::int64_t items = 0;
+    const DesignCounts &counts = designFacts(shapeArgument(state), sizeArgument(state)).counts;
+    std::size_t instances = 0;
+    std::size_t buses = 0;
     std::size_t nameLengths = 0;
     for (auto _ : state) {
-        items = 0;
+        instances = 0;
+        buses = 0;
         nameLengths = 0;
         std::vector<IVDBInstance *> stack{database->getRoot(sourceOf(shapeArgument(state)))};
         while (!stack.empty()) {
             const IVDBInstance *const instance = stack.back();
             stack.pop_back();
-            ++items;
+            ++instances;
             nameLengths += instance->getName().size();
             for (IVDBNetBus *const bus : instance->getModule()->getAllNetBus()) {
-                items += bus->getWidth() > 0 ? 1 : 0;
+                buses += bus->getWidth() > 0 ? 1 : 0;
             }
             stack.insert(stack.end(), instance->getSubInstances().begin(), instance->getSubInstances().end());
         }
-        benchmark::DoNotOptimize(items);
+        benchmark::DoNotOptimize(buses);
         benchmark::DoNotOptimize(nameLengths);
     }
-    state.SetItemsProcessed(state.iterations() * items);
+    if (instances != counts.leafInstances + counts.moduleInstances + 1) {
+        state.SkipWithError("wrong number of instances");
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(instances + buses));
 }
 BENCHMARK(walkTree)->Apply(sizesAndShapes);
 

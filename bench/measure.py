@@ -15,13 +15,14 @@ class Run:
     cpu: float  # seconds, user and system
     peak: float  # MiB, largest resident size
     values: dict = field(default_factory=dict)  # what the process printed as "name number" lines
+    text: str = ""  # all that the process printed
 
 
-def run(command, shell=False):
-    """Runs one command to its end; a failing one ends the program with its output."""
+def run(command, shell=False, stdin=None):
+    """Runs one command to its end, with an open file as input; a failing one ends the program with its output."""
     read_end, write_end = os.pipe()
     start = time.monotonic()
-    process = subprocess.Popen(command, shell=shell, stdout=write_end, stderr=subprocess.STDOUT)
+    process = subprocess.Popen(command, shell=shell, stdin=stdin, stdout=write_end, stderr=subprocess.STDOUT)
     os.close(write_end)
     with os.fdopen(read_end, errors="replace") as stream:
         output = stream.read()
@@ -39,7 +40,7 @@ def run(command, shell=False):
                 values[words[0]] = float(words[1])
             except ValueError:
                 pass
-    return Run(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024, values)
+    return Run(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024, values, output)
 
 
 def alternate(commands, rounds):

@@ -89,6 +89,7 @@ class DeepAndWide(ProgramTest):
         found = [row["path"] for row in self.answers("search", saved, "bottom", "--from", start)]
         self.assertEqual(found, [deepest.replace("Q", "bottom")])
         self.assertEqual([row["clock"] for row in self.answers("clock-of", saved, deepest)], ["C"])
+        self.assertEqual([(row["clock"], row["nets"]) for row in self.answers("clocks", saved)], [("C", LEVELS)])
 
     def test_a_module_of_many_instances_on_one_net(self):
         design = self.path("wide.json")
