@@ -1,6 +1,7 @@
 #include <netlistdb/DesignDatabase.h>
 
 #include "clock/ClockState.h"
+#include "clock/DiscardedPath.h"
 
 #include <netlistdb/IClockDomain.h>
 #include <netlistdb/IVDBInstance.h>
@@ -77,7 +78,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomains(IVDBInstance *inst, IVDBNe
     if (!m_keepSourceNetlists) {
         return nullptr;
     }
-    static_cast<void>(inst->getPath());
+    discardPath(*inst);
     static_cast<void>(net->getName());
 
     IClockDomain *domain = nullptr;

@@ -2,6 +2,7 @@
 
 #include "clock/Climb.h"
 #include "clock/ClockState.h"
+#include "clock/DiscardedPath.h"
 #include "clock/LongWay.h"
 #include "database/VDBObjectPool.h"
 #include "database/verific_queries.h"
@@ -15,7 +16,6 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
-#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -169,9 +169,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomainElab(IVDBInstance *inst, IVD
     if (net == nullptr || inst == nullptr) {
         return nullptr;
     }
-    if (typeid(*inst) != typeid(VDBInstance)) {
-        static_cast<void>(inst->getPath()); // of our own instances, nobody can tell whether it was built
-    }
+    discardPath(*inst);
     static_cast<void>(net->getName());
     VDBInstance *root = dynamic_cast<VDBInstance *>(getRoot(SOURCE_ELABORATED));
     if (root == nullptr) {

@@ -2,6 +2,7 @@
 
 #include "clock/Climb.h"
 #include "clock/ClockState.h"
+#include "clock/DiscardedPath.h"
 #include "clock/PostMapCells.h"
 #include "database/VDBObjectPool.h"
 
@@ -121,7 +122,7 @@ IClockDomain *DesignDatabase::findDrivingClockDomainPostMap(IVDBInstance *inst, 
     if (net == nullptr || inst == nullptr) {
         return nullptr;
     }
-    static_cast<void>(inst->getPath());
+    discardPath(*inst);
     static_cast<void>(net->getName());
     if (dynamic_cast<VDBInstance *>(getRoot(SOURCE_POST_MAP)) == nullptr) {
         return nullptr;
