@@ -7,7 +7,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 install_packages packages-coverage.txt
 build_preset coverage
 find "$root/build/coverage" -name '*.gcda' -delete
-ctest --preset coverage -j "$jobs" -LE packaging --output-on-failure >"$root/build/coverage/tests.log" ||
+ctest --preset coverage -j "$jobs" -LE packaging >"$root/build/coverage/tests.log" ||
     { cat "$root/build/coverage/tests.log"; exit 1; }
 gcovr --root "$root" --object-directory "$root/build/coverage" --exclude-throw-branches --exclude-unreachable-branches \
     --filter "$root/src/" --filter "$root/platform/" --filter "$root/include/"

@@ -17,13 +17,12 @@ FullNameText::FullNameText(const std::string &text, std::optional<CaseFold> fold
 void FullNameText::enter(const IVDBInstance &instance)
 {
     m_instance = &instance;
-    m_isInPrefix = false;
     m_carried = 0;
 }
 
 bool FullNameText::operator()(const std::string &name)
 {
-    if (m_isInPrefix) {
+    if (isInPrefix()) {
         return true;
     }
     std::string_view searched = folded(name);
@@ -34,7 +33,7 @@ bool FullNameText::operator()(const std::string &name)
         readPrefix();
         searched = folded(name);
     }
-    return m_isInPrefix || crossesInto(searched);
+    return isInPrefix() || crossesInto(searched);
 }
 
 std::string_view FullNameText::folded(const std::string &text)
@@ -54,8 +53,7 @@ void FullNameText::readPrefix()
     prepareBorders();
     for (const char c : prefix) {
         m_carried = step(m_carried, c);
-        if (m_carried == m_text.size()) {
-            m_isInPrefix = true;
+        if (isInPrefix()) {
             return;
         }
     }

@@ -30,6 +30,7 @@ class FullNameText {
   private:
     std::string_view folded(const std::string &text);
     void readPrefix();
+    bool isInPrefix() const { return m_carried == m_text.size(); }
     bool crossesInto(std::string_view name) const;
     void prepareBorders();
     /// How long a start of the text the characters read so far end with, after one more; never for a whole text.
@@ -40,8 +41,8 @@ class FullNameText {
     std::string_view m_text;
     std::string m_buffer;
     const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
-    bool m_isInPrefix = false;
-    std::size_t m_carried = 0; ///< length of the longest start of the text that the prefix ends with
+    /// Length of the longest start of the text that the prefix ends with; the whole length when the text lies in it.
+    std::size_t m_carried = 0;
     /// For each length of a start of the text: the longest shorter start that it ends with.
     std::vector<std::size_t> m_borders;
 };

@@ -3,7 +3,6 @@
 #include "design/Design.h"
 #include "design/PathResolver.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <netlistdb/netlistdb.h>
 
@@ -43,13 +42,6 @@ class ClockOfCommand : public DesignCommand {
                "  netlistdb clock-of soc.json u_uart/tx_shift_q 'u_uart/count_q[3]'\n"
                "  netlistdb search soc.json fifo --format jsonl | jq -r '.path // empty' |\n"
                "    netlistdb clock-of soc.json -";
-    }
-
-    void addOptions(CLI::App &app, CommonOptions &common) override
-    {
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
     }
 
     int run(Session &session) override

@@ -5,7 +5,6 @@
 #include "design/InstanceWalk.h"
 #include "design/SourceText.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
@@ -18,7 +17,6 @@ class ClocksCommand : public DesignCommand {
   public:
     const char *name() const override { return "clocks"; }
     const char *summary() const override { return "Show every clock domain with the number of nets it drives"; }
-    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     const char *more() const override
     {
         return "A net, counted bit by bit in every instance, belongs to the domain that `clock-of` answers for it. "
@@ -27,13 +25,6 @@ class ClocksCommand : public DesignCommand {
                "Examples:\n"
                "  netlistdb clocks soc.json\n"
                "  netlistdb clocks soc.json --format csv -o clocks.csv";
-    }
-
-    void addOptions(CLI::App &app, CommonOptions &common) override
-    {
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
     }
 
     int run(Session &session) override

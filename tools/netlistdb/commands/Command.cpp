@@ -9,6 +9,13 @@ namespace kvr::netlistdb::tool {
 
 Command::~Command() = default;
 
+void DesignCommand::addOptions(CLI::App &app, CommonOptions &common)
+{
+    addDesignOptions(app, common);
+    addOutputOptions(app, common);
+    addReportOptions(app, common);
+}
+
 void DesignCommand::takeArguments(std::vector<std::string> arguments)
 {
     const auto usage = [this] { return fmt::format("usage: netlistdb {} {}", name(), this->arguments()); };

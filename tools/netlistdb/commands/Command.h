@@ -31,9 +31,12 @@ class Command {
     virtual int run(Session &session) = 0;
 };
 
-/// A command whose first argument is the design: several Verilog sources, or one file.
+/// A command whose first argument is the design: several Verilog sources, or one file. Unless it says otherwise it
+/// takes nothing else, and the options of design, output and report.
 class DesignCommand : public Command {
   public:
+    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
+    void addOptions(CLI::App &app, CommonOptions &common) override;
     void takeArguments(std::vector<std::string> arguments) override;
 
   protected:

@@ -13,7 +13,6 @@ class InfoCommand : public DesignCommand {
   public:
     const char *name() const override { return "info"; }
     const char *summary() const override { return "Show what the design holds"; }
-    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     const char *more() const override
     {
         return "Nets and ports are counted bit by bit. The answer says nothing of the file: a design gives the same\n"
@@ -22,13 +21,6 @@ class InfoCommand : public DesignCommand {
                "  netlistdb info soc.json\n"
                "  netlistdb info rtl/soc.v rtl/uart.v --top soc\n"
                "  netlistdb info soc.netlist --format json | jq .clock_domains";
-    }
-
-    void addOptions(CLI::App &app, CommonOptions &common) override
-    {
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
     }
 
     int run(Session &session) override

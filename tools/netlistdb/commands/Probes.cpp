@@ -15,7 +15,6 @@ class ProbesCommand : public DesignCommand {
   public:
     const char *name() const override { return "probes"; }
     const char *summary() const override { return "Show every net that an on-chip debugger may probe"; }
-    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     const char *more() const override
     {
         return "Shows the nets and buses that have a source position and are neither protected nor excluded, with the\n"
@@ -29,9 +28,7 @@ class ProbesCommand : public DesignCommand {
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
         app.add_flag("--all", m_all, "Show nets and buses without source position, too");
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
+        DesignCommand::addOptions(app, common);
     }
 
     int run(Session &session) override

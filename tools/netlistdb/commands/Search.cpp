@@ -79,9 +79,7 @@ class SearchCommand : public DesignCommand {
                   "name|width", SORTS);
         app.add_option("--from", m_from, "Search below the instance PATH only")->type_name("PATH");
         addNumber(app, "--limit", m_limit, 1, "Stop after N results");
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
+        DesignCommand::addOptions(app, common);
     }
 
     int run(Session &session) override

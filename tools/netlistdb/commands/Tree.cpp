@@ -29,7 +29,6 @@ class TreeCommand : public DesignCommand {
   public:
     const char *name() const override { return "tree"; }
     const char *summary() const override { return "Show the instance tree"; }
-    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     const char *more() const override
     {
         return "Examples:\n"
@@ -43,9 +42,7 @@ class TreeCommand : public DesignCommand {
         addNumber(app, "--depth", m_depth, 0, "Show at most N levels below the top");
         app.add_flag("--clocks", m_clocks, "Show the clock domains that begin in each instance");
         app.add_flag("--user-modules", m_userModules, "Leave out instances of modules without source position");
-        addDesignOptions(app, common);
-        addOutputOptions(app, common);
-        addReportOptions(app, common);
+        DesignCommand::addOptions(app, common);
     }
 
     int run(Session &session) override
