@@ -1,6 +1,6 @@
 #pragma once
 
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include "DataBase.h"
 

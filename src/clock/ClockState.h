@@ -3,7 +3,7 @@
 #include "clock/DrivingPins.h"
 #include "clock/SubInstanceIndex.h"
 #include "clock/VisitedPairs.h"
-#include "database/AddressMap.h"
+#include "netlist/AddressMap.h"
 
 #include <netlistdb/IDesignDatabase.h>
 

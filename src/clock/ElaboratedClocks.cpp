@@ -4,8 +4,8 @@
 #include "clock/ClockState.h"
 #include "clock/DiscardedPath.h"
 #include "clock/LongWay.h"
-#include "database/VDBObjectPool.h"
-#include "database/verific_queries.h"
+#include "netlist/VDBObjectPool.h"
+#include "netlist/verific_queries.h"
 
 #include "DataBase.h"
 

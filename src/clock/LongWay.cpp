@@ -1,7 +1,7 @@
 #include "clock/LongWay.h"
 
-#include "database/VDBObjectPool.h"
-#include "database/verific_queries.h"
+#include "netlist/VDBObjectPool.h"
+#include "netlist/verific_queries.h"
 
 #include <netlistdb/IVDBInstance.h>
 

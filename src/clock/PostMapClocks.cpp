@@ -4,7 +4,7 @@
 #include "clock/ClockState.h"
 #include "clock/DiscardedPath.h"
 #include "clock/PostMapCells.h"
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include "DataBase.h"
 

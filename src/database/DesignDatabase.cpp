@@ -1,7 +1,7 @@
 #include <netlistdb/DesignDatabase.h>
 
 #include "clock/ClockState.h"
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/IClockDomain.h>
 #include <netlistdb/IVDBInstance.h>

@@ -1,7 +1,7 @@
 #include <netlistdb/DesignDatabase.h>
 
 #include "database/ImportSteps.h"
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/VDBInstance.h>
 

@@ -1,7 +1,7 @@
 #include <netlistdb/DesignDatabase.h>
 
 #include "database/BitNetGroups.h"
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/VDBNet.h>
 #include <netlistdb/VDBNetBus.h>

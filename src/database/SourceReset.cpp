@@ -1,6 +1,6 @@
 #include <netlistdb/DesignDatabase.h>
 
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/IClockDomain.h>
 #include <netlistdb/IVDBInstance.h>

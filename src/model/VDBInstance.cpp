@@ -1,7 +1,7 @@
 #include <netlistdb/VDBInstance.h>
 
-#include "database/verific_queries.h"
 #include "model/LiveItems.h"
+#include "netlist/verific_queries.h"
 
 #include <DataBase.h>
 

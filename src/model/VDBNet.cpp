@@ -1,8 +1,8 @@
 #include <netlistdb/VDBNet.h>
 
-#include "database/verific_queries.h"
 #include "model/LiveItems.h"
 #include "model/SourcePosition.h"
+#include "netlist/verific_queries.h"
 
 #include <netlistdb/IVDBLineInfo.h>
 

@@ -1,8 +1,8 @@
 #include <netlistdb/VDBNetlist.h>
 
-#include "database/verific_queries.h"
 #include "model/LiveItems.h"
 #include "model/SourcePosition.h"
+#include "netlist/verific_queries.h"
 
 #include <netlistdb/IVDBLineInfo.h>
 #include <netlistdb/IVDBNet.h>

@@ -1,6 +1,6 @@
 // AddressMap against std::map, through long random sequences of operations on address patterns of several kinds.
 
-#include "database/AddressMap.h"
+#include "netlist/AddressMap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Random designs through random sequences of imports and resets of both sources, compared item by item with a plain
 // reference after every step.
 
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include "tests/property/ImportReference.h"
 #include "tests/property/RandomNetlist.h"

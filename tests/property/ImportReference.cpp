@@ -1,6 +1,6 @@
 #include "tests/property/ImportReference.h"
 
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/IVDBLineInfo.h>
 #include <netlistdb/IVDBNet.h>

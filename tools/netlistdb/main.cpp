@@ -1,7 +1,7 @@
 #include "app/CommandLine.h"
-#include "app/Failure.h"
-#include "app/Session.h"
+#include "base/Failure.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 
 #include <csignal>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "ReferenceClocks.h"
 
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include <cstring>
 #include <deque>

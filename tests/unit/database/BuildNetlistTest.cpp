@@ -1,4 +1,4 @@
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"

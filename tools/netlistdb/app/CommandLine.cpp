@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 #include "commands/Command.h"
 #include "design/NearestNames.h"
 

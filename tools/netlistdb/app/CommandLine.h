@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CommonOptions.h"
+#include "commands/CommonOptions.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
-#include "app/Failure.h"
-#include "app/Session.h"
+#include "base/Failure.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 
 #include <CLI/CLI.hpp>
 #include <array>

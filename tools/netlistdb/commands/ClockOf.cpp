@@ -1,5 +1,5 @@
-#include "app/Session.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/Design.h"
 #include "design/PathResolver.h"
 
@@ -47,7 +47,7 @@ class ClockOfCommand : public DesignCommand {
     int run(Session &session) override
     {
         const std::vector<std::string> paths = pathsOf(m_own);
-        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("trace");
         PathResolver resolver(*design);
         std::vector<PathResolver::Bit> bits;

@@ -1,5 +1,5 @@
-#include "app/Session.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/ClockOrder.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
@@ -29,7 +29,7 @@ class ClocksCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         const std::vector<IClockDomain *> domains = clocksInOrder(*design);
         session.progress.begin("tracing nets");
         session.stats.begin("trace");

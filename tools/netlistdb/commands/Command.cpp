@@ -1,6 +1,6 @@
 #include "commands/Command.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 #include "design/Design.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
-#include "app/Session.h"
 #include "commands/Command.h"
 #include "commands/InfoReport.h"
+#include "commands/Session.h"
 #include "design/Design.h"
 
 #include <netlistdb/netlistdb.h>
@@ -25,7 +25,7 @@ class InfoCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("count");
         InfoReport report;
         report.top = design->top().getName();

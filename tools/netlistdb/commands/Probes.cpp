@@ -1,5 +1,5 @@
-#include "app/Session.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/Design.h"
 #include "design/NetClocks.h"
 #include "design/SourceText.h"
@@ -33,7 +33,7 @@ class ProbesCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session);
+        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("trace");
         const auto writer = session.makeWriter();
         ResultHead head;

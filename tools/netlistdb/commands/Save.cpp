@@ -1,6 +1,6 @@
-#include "app/Failure.h"
-#include "app/Session.h"
+#include "base/Failure.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/Design.h"
 
 #include <CLI/CLI.hpp>
@@ -35,7 +35,7 @@ class SaveCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const SourceNetlist source = readNetlist(m_design, session);
+        const SourceNetlist source = readNetlist(m_design, session.reading());
         const std::string &file = m_own.front();
         session.progress.begin("saving " + file);
         session.stats.begin("save");

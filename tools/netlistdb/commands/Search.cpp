@@ -1,8 +1,8 @@
-#include "app/Choice.h"
-#include "app/Failure.h"
-#include "app/NumberOption.h"
-#include "app/Session.h"
+#include "base/Choice.h"
+#include "base/Failure.h"
+#include "base/NumberOption.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/Design.h"
 #include "design/ExpressionWalk.h"
 #include "design/NamePattern.h"
@@ -89,7 +89,7 @@ class SearchCommand : public DesignCommand {
                                   : m_glob ? Kind::Glob
                                            : Kind::Plain,
                                   m_own.front(), m_ignoreCase);
-        const auto design = loadDesign(m_design, Clocks::No, session);
+        const auto design = loadDesign(m_design, Clocks::No, session.reading());
         m_param.startItem = &findStart(*design);
         m_param.sortItems = m_sort != Sort::None;
         m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;

@@ -1,6 +1,6 @@
-#include "app/NumberOption.h"
-#include "app/Session.h"
+#include "base/NumberOption.h"
 #include "commands/Command.h"
+#include "commands/Session.h"
 #include "design/ClockOrder.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
@@ -47,7 +47,7 @@ class TreeCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, m_clocks ? Clocks::Yes : Clocks::No, session);
+        const auto design = loadDesign(m_design, m_clocks ? Clocks::Yes : Clocks::No, session.reading());
         session.stats.begin("show");
         ResultHead head;
         head.command = "tree";

@@ -1,6 +1,6 @@
 #include "design/Census.h"
 
-#include "app/Interrupt.h"
+#include "base/Interrupt.h"
 #include "design/InstanceWalk.h"
 
 #include <netlistdb/netlistdb.h>

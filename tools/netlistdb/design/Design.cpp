@@ -1,6 +1,8 @@
 #include "design/Design.h"
 
-#include "app/Session.h"
+#include "base/Interrupt.h"
+#include "base/Progress.h"
+#include "base/Stats.h"
 
 #include <DataBase.h>
 #include <netlistdb/netlistdb.h>
@@ -68,11 +70,11 @@ std::vector<IClockDomain *> Design::clockDomains() const
     return m_database->listAllClockDomains(type());
 }
 
-std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, Session &session)
+std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
 {
-    const SourceNetlist source = readNetlist(files, session);
-    session.progress.begin("importing " + source.name);
-    session.stats.begin("import");
+    const SourceNetlist source = readNetlist(files, reading);
+    reading.progress.begin("importing " + source.name);
+    reading.stats.begin("import");
     auto design = std::make_unique<Design>(source.name, source.form, clocks, blackBoxesOf(*source.netlist));
     bool whole = false;
     try {
@@ -83,13 +85,13 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     } catch (const std::invalid_argument &fault) {
         throw refused(source.name, fault.what());
     }
-    session.interrupt.check();
+    reading.interrupt.check();
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
     }
     // The database works on a copy of its own.
     delete source.netlist;
-    session.progress.clear();
+    reading.progress.clear();
     return design;
 }
 

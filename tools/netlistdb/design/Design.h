@@ -1,7 +1,8 @@
 #pragma once
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 #include "design/Form.h"
+#include "design/Reading.h"
 
 #include <memory>
 #include <netlistdb/DesignDatabase.h>
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace kvr::netlistdb::tool {
-
-class Session;
 
 /// A netlist that was read, still in the netlist database.
 struct SourceNetlist {
@@ -55,11 +54,11 @@ class Design {
 
 /// Reads @p files: one Yosys JSON netlist, one saved netlist, or Verilog sources.
 /// @throws Failure, Interrupted
-SourceNetlist readNetlist(const std::vector<std::string> &files, Session &session);
+SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading);
 
 /// Reads @p files and imports them.
 /// @throws Failure, Interrupted
-std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, Session &session);
+std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
 
 /// True for names that are taken as Verilog sources: of these a design may have several.
 bool isVerilogName(const std::string &file);

@@ -1,6 +1,6 @@
 #include "design/ExpressionWalk.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 
 #include <algorithm>
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "design/NamePattern.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 #include "design/PathResolver.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
 #include "design/NearestNames.h"

@@ -1,4 +1,6 @@
-#include "app/Session.h"
+#include "base/Interrupt.h"
+#include "base/Progress.h"
+#include "base/Stats.h"
 #include "design/Design.h"
 #include "design/NearestNames.h"
 #include "design/YosysProcess.h"
@@ -63,13 +65,13 @@ Kind kindOf(const std::string &file)
     return first == '{' ? Kind::Json : Kind::Saved;
 }
 
-Verific::Netlist *readJson(const std::string &file, const std::string &top, Session &session)
+Verific::Netlist *readJson(const std::string &file, const std::string &top, const Reading &reading)
 {
     yosys::ReadOptions options;
     options.top = top;
-    options.progress = [&session](std::uint64_t done, std::uint64_t total) {
-        session.progress.update(done, total);
-        return !session.interrupt.requested();
+    options.progress = [&reading](std::uint64_t done, std::uint64_t total) {
+        reading.progress.update(done, total);
+        return !reading.interrupt.requested();
     };
     try {
         return yosys::readJson(file, options);
@@ -105,14 +107,14 @@ class TemporaryDirectory {
     std::string m_path;
 };
 
-Verific::Netlist *readVerilog(const std::vector<std::string> &files, Session &session)
+Verific::Netlist *readVerilog(const std::vector<std::string> &files, const Reading &reading)
 {
     const TemporaryDirectory directory;
     const std::string json = directory.file("netlist.json");
-    session.progress.begin("elaborating " + files.front() + " with yosys");
-    elaborateWithYosys(files, session.options.top, json, session.interrupt);
-    session.progress.begin("reading " + files.front());
-    return readJson(json, session.options.top, session);
+    reading.progress.begin("elaborating " + files.front() + " with yosys");
+    elaborateWithYosys(files, reading.top, json, reading.interrupt);
+    reading.progress.begin("reading " + files.front());
+    return readJson(json, reading.top, reading);
 }
 
 /// The netlist of module @p name in the library set.
@@ -153,29 +155,29 @@ bool isVerilogName(const std::string &file)
     return endsWith(file, ".v") || endsWith(file, ".sv");
 }
 
-SourceNetlist readNetlist(const std::vector<std::string> &files, Session &session)
+SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading)
 {
     for (const std::string &file : files) {
         checkReadable(file);
     }
     const std::string &file = files.front();
-    session.progress.begin("reading " + file);
-    session.stats.begin("read");
+    reading.progress.begin("reading " + file);
+    reading.stats.begin("read");
     SourceNetlist source;
     source.name = file;
     switch (kindOf(file)) {
     case Kind::Json:
-        source.netlist = readJson(file, session.options.top, session);
+        source.netlist = readJson(file, reading.top, reading);
         break;
     case Kind::Saved:
-        source.netlist = readSaved(file, session.options.top);
+        source.netlist = readSaved(file, reading.top);
         break;
     case Kind::Verilog:
-        source.netlist = readVerilog(files, session);
+        source.netlist = readVerilog(files, reading);
         break;
     }
-    session.interrupt.check();
-    source.form = session.options.form.value_or(detectForm(*source.netlist));
+    reading.interrupt.check();
+    source.form = reading.form.value_or(detectForm(*source.netlist));
     return source;
 }
 

@@ -1,7 +1,7 @@
 #include "design/YosysProcess.h"
 
-#include "app/Failure.h"
-#include "app/Interrupt.h"
+#include "base/Failure.h"
+#include "base/Interrupt.h"
 
 #include <array>
 #include <cerrno>

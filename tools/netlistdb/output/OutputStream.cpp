@@ -1,6 +1,6 @@
 #include "output/OutputStream.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 
 #include <cerrno>
 #include <cstdlib>

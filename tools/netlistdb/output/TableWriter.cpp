@@ -1,6 +1,6 @@
 #include "output/TableWriter.h"
 
-#include "app/Terminal.h"
+#include "base/Terminal.h"
 #include "output/OutputStream.h"
 #include "output/ValueText.h"
 

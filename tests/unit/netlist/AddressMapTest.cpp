@@ -1,4 +1,4 @@
-#include "database/AddressMap.h"
+#include "netlist/AddressMap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Terminal.h"
+#include "base/Terminal.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "database/VDBObjectPool.h"
+#include "netlist/VDBObjectPool.h"
 
 namespace kvr::netlistdb {
 

@@ -1,4 +1,4 @@
-#include "app/NumberOption.h"
+#include "base/NumberOption.h"
 
 #include <CLI/CLI.hpp>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "app/Terminal.h"
+#include "base/Terminal.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "database/verific_queries.h"
+#include "netlist/verific_queries.h"
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"

@@ -1,4 +1,4 @@
-#include "database/AddressMap.h"
+#include "netlist/AddressMap.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ExitCode.h"
+#include "base/ExitCode.h"
 
 #include <stdexcept>
 #include <string>

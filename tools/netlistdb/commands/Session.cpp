@@ -1,6 +1,6 @@
-#include "app/Session.h"
+#include "commands/Session.h"
 
-#include "app/ExitCode.h"
+#include "base/ExitCode.h"
 
 #include <cstdio>
 #include <fmt/format.h>

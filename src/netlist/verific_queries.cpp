@@ -1,4 +1,4 @@
-#include "database/verific_queries.h"
+#include "netlist/verific_queries.h"
 
 #include <DataBase.h>
 #include <Map.h>

@@ -1,4 +1,4 @@
-#include "app/Progress.h"
+#include "base/Progress.h"
 
 #include <cstdio>
 #include <fmt/format.h>

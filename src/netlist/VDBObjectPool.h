@@ -1,6 +1,6 @@
 #pragma once
 
-#include "database/AddressMap.h"
+#include "netlist/AddressMap.h"
 
 namespace Verific {
 class Instance;

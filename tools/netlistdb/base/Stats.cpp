@@ -1,4 +1,4 @@
-#include "app/Stats.h"
+#include "base/Stats.h"
 
 #include <cstdio>
 #include <fmt/format.h>

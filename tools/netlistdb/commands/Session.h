@@ -1,9 +1,10 @@
 #pragma once
 
-#include "app/CommonOptions.h"
-#include "app/Interrupt.h"
-#include "app/Progress.h"
-#include "app/Stats.h"
+#include "base/Interrupt.h"
+#include "base/Progress.h"
+#include "base/Stats.h"
+#include "commands/CommonOptions.h"
+#include "design/Reading.h"
 #include "output/OutputStream.h"
 #include "output/ResultWriter.h"
 
@@ -24,6 +25,8 @@ class Session {
     OutputStream output;
     bool color; ///< in tables
 
+    /// How the design is to be read, as the options have it. Uses this session.
+    Reading reading() { return {options.form, options.top, progress, stats, interrupt}; }
     std::unique_ptr<ResultWriter> makeWriter();
     /// Ends the result: hands everything on, and answers the exit code. Says so on standard error when the result is
     /// partial.

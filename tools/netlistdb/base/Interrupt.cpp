@@ -1,6 +1,6 @@
-#include "app/Interrupt.h"
+#include "base/Interrupt.h"
 
-#include "app/Failure.h"
+#include "base/Failure.h"
 
 #include <array>
 #include <cerrno>

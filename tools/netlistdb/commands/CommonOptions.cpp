@@ -1,6 +1,6 @@
-#include "app/CommonOptions.h"
+#include "commands/CommonOptions.h"
 
-#include "app/Choice.h"
+#include "base/Choice.h"
 
 namespace kvr::netlistdb::tool {
 
