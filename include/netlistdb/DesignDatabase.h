@@ -5,15 +5,12 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <utility>
 #include <vector>
 
 namespace kvr::netlistdb {
 
-class VDBInstance;
 class VDBObjectPool;
-struct ClockState;
 
 /// The design database: builds the item trees of both sources and answers questions about them.
 ///
@@ -22,7 +19,7 @@ struct ClockState;
 class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
   public:
     /// A net as seen in one instance: the key of every clock query.
-    using InstanceNet = InstanceNetSet::value_type;
+    using InstanceNet = netlistdb::InstanceNet;
     /// From an answer (null: no clock) to the pairs known to lead to it.
     using DrivingClockCache = std::map<IClockDomain *, InstanceNetSet>;
 
@@ -96,10 +93,11 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
 
     // For diagnosis.
 
-    /// From built items to the objects they were made from; owned by the database. Internal type.
-    VDBObjectPool *objectPool() const { return m_pool; }
+    /// From the built items of a source to the objects they were made from, or null for an unknown type. Owned by the
+    /// database. Internal type.
+    VDBObjectPool *objectPool(SOURCE_TYPE type) const;
     /// The answers recorded per (instance, net), of both sources. Lives as long as the database; queries add to it.
-    const DrivingClockCache &drivingClockCache() const { return m_drivingClockCache; }
+    const DrivingClockCache &drivingClockCache() const;
     /// The answers recorded per operator or primitive instance of the elaborated source (null: no clock), in ascending
     /// order of instance address. A new list.
     std::vector<std::pair<IVDBInstance *, IClockDomain *>> elaboratedInstanceCache() const;
@@ -107,44 +105,8 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     Verific::Netlist *workingCopy(SOURCE_TYPE type) const;
 
   private:
-    struct Source {
-        Verific::Netlist *workingCopy = nullptr;
-        IVDBNetlist *topModule = nullptr; ///< also in netlists; not null marks the source as loaded
-        IVDBInstance *root = nullptr;
-        std::vector<IVDBNetlist *> netlists;
-        std::set<IClockDomain *> clockDomains;
-    };
-
-    Source *source(SOURCE_TYPE type);
-    const Source *source(SOURCE_TYPE type) const;
-    void makeWorkingCopy(Source &source, const Verific::Netlist &netlist);
-    VDBInstance *makeRoot(Source &source, IVDBNetlist *topModule);
-    bool buildPostMapTree(Verific::Netlist &top, const std::string &cellName, const std::string &libraryName);
-    static void dropWorkingCopy(Source &source);
-    void forgetInPool(const Source &freed, const Source &remaining);
-
-    /// Makes a domain and puts it in the table of its source.
-    void recordClockDomain(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type);
-    /// True when the elaborated instance cache holds @p inst; its answer then goes to @p domain.
-    bool findElaboratedAnswer(const IVDBInstance *inst, IClockDomain *&domain) const;
-    /// Records the answer for @p inst unless it has one.
-    void recordElaboratedAnswer(const IVDBInstance *inst, IClockDomain *domain);
-    /// Forgets what the clock queries keep beside the tables about a source whose items go.
-    void forgetClockRecords(SOURCE_TYPE type);
-    /// Drops the cache entries about items long gone whose addresses the items of a new import have taken: the
-    /// netlists from @p firstNetlist on and the current tree of the source.
-    void dropStaleAnswers(SOURCE_TYPE type, std::size_t firstNetlist);
-
-    bool m_keepSourceNetlists;
-    Source m_elaborated;
-    Source m_postMap;
-    DrivingClockCache m_drivingClockCache;
-    VDBObjectPool *m_pool;
-    std::unique_ptr<ClockState> m_clocks; ///< the elaborated instance cache, and indexes
-
-    // What an import without reset replaced: alive until the database goes.
-    std::vector<IVDBInstance *> m_replacedRoots;
-    std::vector<Verific::Netlist *> m_replacedCopies;
+    struct State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace kvr::netlistdb

@@ -5,8 +5,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <map>
-#include <unordered_map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -15,36 +16,97 @@ namespace kvr::netlistdb {
 class IVDBInstance;
 class IVDBNet;
 
+/// A net as seen in one instance: the key of every clock query.
+using InstanceNet = std::pair<IVDBInstance *, IVDBNet *>;
+
 /// An ordered set of (instance, net) pairs: by instance address, then by net address.
 ///
-/// Holds one bit per 8 bytes of the address range in which an instance's nets lie, so that a pair costs about two bytes
-/// where nets were allocated side by side. Neither instances nor nets are owned or looked into; either may be null, and
-/// the address of a net is a multiple of 8. Adding, removing and finding a pair takes time logarithmic in the number of
-/// instances, however many nets there are.
+/// A bitmap over the address range in which an instance's nets lie, so that a pair costs two to four bytes where nets
+/// were allocated side by side. Neither instances nor nets are owned or looked into, so that any pointer value will do.
+/// Adding, removing and finding a pair takes time logarithmic in the size of the set.
 class NETLISTDB_EXPORT InstanceNetSet {
   public:
-    /// A net as seen in one instance.
-    using value_type = std::pair<IVDBInstance *, IVDBNet *>;
+    using value_type = InstanceNet;
+    using size_type = std::size_t;
 
-    /// Adds @p pair; answers whether it was new.
+    /// Steps through the pairs in ascending order; a step takes logarithmic time. Pairs may be added and removed
+    /// meanwhile: a step leads to the next pair above the current one. Valid as long as the set.
+    class NETLISTDB_EXPORT const_iterator {
+      public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = InstanceNet;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const InstanceNet *;
+        using reference = const InstanceNet &;
+
+        const_iterator() = default;
+        /// The pair, which the iterator holds.
+        reference operator*() const { return m_pair; }
+        pointer operator->() const { return &m_pair; }
+        const_iterator &operator++();
+        const_iterator operator++(int);
+        friend bool operator==(const const_iterator &a, const const_iterator &b)
+        {
+            return a.m_set == b.m_set && (a.m_set == nullptr || a.m_pair == b.m_pair);
+        }
+        friend bool operator!=(const const_iterator &a, const const_iterator &b) { return !(a == b); }
+
+      private:
+        friend class InstanceNetSet;
+        const InstanceNetSet *m_set = nullptr; ///< null at the end
+        InstanceNet m_pair;
+    };
+    using iterator = const_iterator;
+
+    /// Adds @p pair; returns whether it was new.
     bool insert(const value_type &pair);
-    /// Removes @p pair; answers whether it was there.
+    /// Removes @p pair; returns whether it was there.
     bool erase(const value_type &pair);
+    /// Removes every pair of @p instance.
+    void eraseInstance(IVDBInstance *instance);
     /// Whether @p pair is in the set.
     bool contains(const value_type &pair) const;
+    /// 1 when @p pair is in the set, otherwise 0.
+    size_type count(const value_type &pair) const { return contains(pair) ? 1 : 0; }
+    /// Position of @p pair, or end().
+    const_iterator find(const value_type &pair) const;
+    const_iterator begin() const;
+    const_iterator end() const { return {}; }
     /// Number of pairs. Constant time.
-    std::size_t size() const { return m_size; }
+    size_type size() const { return m_size; }
     /// Whether there is no pair. Constant time.
     bool empty() const { return m_size == 0; }
     /// All pairs in ascending order, a new list. Time and memory in proportion to it.
-    std::vector<value_type> pairs() const;
+    std::vector<value_type> pairs() const { return {begin(), end()}; }
 
   private:
     static constexpr unsigned PAGE_BITS = 12; ///< 4 KiB of addresses: one cache line of bits
+    /// One bit for each multiple of 8.
     using Page = std::array<std::uint64_t, 8>;
-    using Pages = std::unordered_map<std::uintptr_t, Page>;
 
-    std::map<IVDBInstance *, Pages> m_nets;
+    /// The nets of one instance, as addresses.
+    class Nets {
+      public:
+        bool insert(std::uintptr_t address);
+        bool erase(std::uintptr_t address);
+        bool contains(std::uintptr_t address) const;
+        std::size_t count() const;
+        /// Moves @p address on to the first one at or above it; false when there is none.
+        bool atOrAbove(std::uintptr_t &address) const;
+
+      private:
+        bool alignedAtOrAbove(std::uintptr_t &address) const;
+
+        std::map<std::uintptr_t, Page> m_pages; ///< by address / 4 KiB
+        std::set<std::uintptr_t> m_others;      ///< addresses that are no multiple of 8
+    };
+
+    /// Moves @p position on to the first pair whose instance is at or above @p from and, for that very instance, whose
+    /// net is at or above @p net.
+    void settle(const_iterator &position, std::map<IVDBInstance *, Nets>::const_iterator from,
+                std::uintptr_t net) const;
+
+    std::map<IVDBInstance *, Nets> m_nets;
     std::size_t m_size = 0;
 };
 

@@ -4,6 +4,7 @@
 
 namespace Verific {
 class Instance;
+class Net;
 class Port;
 } // namespace Verific
 
@@ -15,6 +16,9 @@ std::string_view deviceCellName(const Verific::Instance *instance);
 /// True for a global clock buffer, whose pin "I" carries the clock into the clock network.
 bool isClockBuffer(const Verific::Instance *instance);
 
+/// Finds the net on the pin "I" of a clock buffer, null when the pin is open. False when the buffer has no such port.
+bool bufferInput(const Verific::Instance *buffer, const Verific::Net *&net);
+
 /// True for the cells that hold state: flip-flops, multipliers and double-data-rate registers by their whole name,
 /// memories, DSP blocks and shift registers by how it begins, since these come in several sizes.
 bool isSequentialCell(const Verific::Instance *instance);
@@ -25,5 +29,9 @@ bool isClockPort(const Verific::Port *port);
 /// Whether the clock on a pin called @p clockPin clocks the output @p drivingPin of a cell of type @p cell: each side
 /// of a memory has a clock of its own, told by the first letter of its pins or, for the dual-port kind, by the last.
 bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin);
+
+/// Finds the clock of the output @p drivingPin of a sequential cell, as it stands before one clock buffer; null when
+/// the buffer's input is open. False when no clock pin clocks that output.
+bool clockOfOutput(const Verific::Instance *cell, const Verific::Port *drivingPin, const Verific::Net *&clock);
 
 } // namespace kvr::netlistdb

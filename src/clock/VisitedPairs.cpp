@@ -1,10 +1,12 @@
 #include "clock/VisitedPairs.h"
 
+#include "clock/InstanceNetHash.h"
+
 #include <algorithm>
 
 namespace kvr::netlistdb {
 
-bool VisitedPairs::insert(const Pair &pair)
+bool VisitedPairs::insert(const InstanceNet &pair)
 {
     if (contains(pair)) {
         return false;
@@ -21,7 +23,7 @@ bool VisitedPairs::insert(const Pair &pair)
     return true;
 }
 
-bool VisitedPairs::containsAmongFirst(std::size_t count, const Pair &pair) const
+bool VisitedPairs::containsAmongFirst(std::size_t count, const InstanceNet &pair) const
 {
     if (m_buckets.empty()) {
         const auto end = m_pairs.begin() + static_cast<std::ptrdiff_t>(count);
@@ -43,12 +45,10 @@ void VisitedPairs::clear()
 }
 
 /// The bucket that holds @p pair, or the free one where it belongs.
-std::size_t VisitedPairs::bucketOf(const Pair &pair) const
+std::size_t VisitedPairs::bucketOf(const InstanceNet &pair) const
 {
     const std::size_t mask = m_buckets.size() - 1;
-    const auto instance = reinterpret_cast<std::uintptr_t>(pair.first);
-    const auto net = reinterpret_cast<std::uintptr_t>(pair.second);
-    std::size_t at = static_cast<std::size_t>(((net >> 4) ^ (instance << 7)) * 0x9E3779B97F4A7C15u >> 20) & mask;
+    std::size_t at = InstanceNetHash()(pair) & mask;
     while (m_buckets[at] != 0 && m_pairs[m_buckets[at] - 1] != pair) {
         at = (at + 1) & mask;
     }

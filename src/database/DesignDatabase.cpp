@@ -1,75 +1,35 @@
-#include <netlistdb/DesignDatabase.h>
+#include "database/DatabaseState.h"
 
-#include "clock/ClockState.h"
-#include "netlist/VDBObjectPool.h"
-
-#include <netlistdb/IClockDomain.h>
-#include <netlistdb/IVDBInstance.h>
-#include <netlistdb/IVDBNetlist.h>
-
-#include <DataBase.h>
 #include <LineFile.h>
 
 namespace kvr::netlistdb {
 
 IDesignDatabase::~IDesignDatabase() = default;
 
-DesignDatabase::DesignDatabase(bool keepSourceNetlists)
-    : m_keepSourceNetlists(keepSourceNetlists), m_pool(nullptr), m_clocks(std::make_unique<ClockState>())
-{
-    m_pool = new VDBObjectPool(keepSourceNetlists);
-}
+DesignDatabase::DesignDatabase(bool keepSourceNetlists) : m_state(std::make_unique<State>(keepSourceNetlists)) {}
 
 DesignDatabase::~DesignDatabase()
 {
-    // The netlist lists delete the top modules.
-    m_elaborated.topModule = nullptr;
-    m_postMap.topModule = nullptr;
-    delete m_elaborated.root;
-    delete m_postMap.root;
-    for (const IVDBInstance *root : m_replacedRoots) {
-        delete root;
-    }
-    for (const Source *each : {&m_elaborated, &m_postMap}) {
-        for (const IVDBNetlist *netlist : each->netlists) {
-            delete netlist;
-        }
-    }
-    for (Source *each : {&m_elaborated, &m_postMap}) {
-        for (const IClockDomain *domain : each->clockDomains) {
-            delete domain;
-        }
-        each->clockDomains.clear();
-    }
-    m_drivingClockCache.clear();
-    delete m_pool;
-    delete m_elaborated.workingCopy;
-    delete m_postMap.workingCopy;
-    for (const Verific::Netlist *copy : m_replacedCopies) {
-        delete copy;
-    }
-    m_clocks.reset();
-    if (m_keepSourceNetlists) {
+    const bool keepSourceNetlists = m_state->keepSourceNetlists;
+    m_state->elaborated.root.reset();
+    m_state->postMap.root.reset();
+    m_state.reset();
+    if (keepSourceNetlists) {
         Verific::Libset::Reset();
     }
     Verific::LineFile::DeleteAllLineFiles();
     Verific::LineFile::ResetFileIdMaps();
 }
 
-DesignDatabase::Source *DesignDatabase::source(SOURCE_TYPE type)
+Source *DesignDatabase::State::source(SOURCE_TYPE type)
 {
     switch (type) {
     case SOURCE_ELABORATED:
-        return &m_elaborated;
+        return &elaborated;
     case SOURCE_POST_MAP:
-        return &m_postMap;
+        return &postMap;
     }
     return nullptr;
-}
-
-const DesignDatabase::Source *DesignDatabase::source(SOURCE_TYPE type) const
-{
-    return const_cast<DesignDatabase *>(this)->source(type);
 }
 
 bool DesignDatabase::load(const std::string & /*path*/)
@@ -87,28 +47,41 @@ bool DesignDatabase::getCheckSum(unsigned char * /*buffer*/)
     return false;
 }
 
+bool DesignDatabase::reset(SOURCE_TYPE type)
+{
+    if (!isSourceLoaded(type)) {
+        return false;
+    }
+    // The caches keep their entries: an import drops those that would speak for one of its items.
+    m_state->clocks.forgetSource(type);
+    Source &source = *m_state->source(type);
+    source.pool.clear();
+    source.reset();
+    return true;
+}
+
 bool DesignDatabase::isSourceLoaded(SOURCE_TYPE type) const
 {
-    const Source *const asked = source(type);
+    const Source *const asked = m_state->source(type);
     return asked != nullptr && asked->topModule != nullptr;
 }
 
 IVDBNetlist *DesignDatabase::getTopModule(SOURCE_TYPE type)
 {
-    const Source *const asked = source(type);
+    const Source *const asked = m_state->source(type);
     return asked != nullptr ? asked->topModule : nullptr;
 }
 
 IVDBInstance *DesignDatabase::getRoot(SOURCE_TYPE type)
 {
-    const Source *const asked = source(type);
-    return asked != nullptr ? asked->root : nullptr;
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->root.get() : nullptr;
 }
 
 Verific::Netlist *DesignDatabase::workingCopy(SOURCE_TYPE type) const
 {
-    const Source *const asked = source(type);
-    return asked != nullptr ? asked->workingCopy : nullptr;
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->workingCopy.get() : nullptr;
 }
 
 std::vector<IVDBInstance *> DesignDatabase::getViewInstances(IVDBNetlist * /*netlist*/)

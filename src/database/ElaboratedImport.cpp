@@ -1,7 +1,6 @@
-#include <netlistdb/DesignDatabase.h>
-
+#include "database/DatabaseState.h"
+#include "database/ImportGuard.h"
 #include "database/ImportSteps.h"
-#include "netlist/VDBObjectPool.h"
 
 #include <netlistdb/VDBInstance.h>
 
@@ -36,21 +35,18 @@ bool DesignDatabase::parseElaboratedNetlist(Verific::Netlist *netlist)
         throw std::invalid_argument("netlist is nullptr");
     }
     const CellNames names(*netlist);
-    makeWorkingCopy(m_elaborated, *netlist);
-    const std::size_t firstNetlist = m_elaborated.netlists.size();
+    Source &source = m_state->elaborated;
     bool complete = false;
-    try {
-        m_elaborated.topModule = buildNetlist(m_elaborated.workingCopy, true, names.cell, names.library);
-        complete = parseHier(m_elaborated.workingCopy, m_elaborated.topModule);
-    } catch (...) {
-        dropStaleAnswers(SOURCE_ELABORATED, firstNetlist);
-        throw;
+    {
+        const ImportGuard guard(m_state->clocks, m_state->importDepth);
+        source.makeWorkingCopy(*netlist);
+        source.topModule = buildNetlist(source.workingCopy.get(), true, names.cell, names.library);
+        complete = parseHier(source.workingCopy.get(), source.topModule);
     }
-    dropStaleAnswers(SOURCE_ELABORATED, firstNetlist);
-    if (m_keepSourceNetlists) {
-        parseClkDomainElab(m_elaborated.workingCopy);
+    if (m_state->keepSourceNetlists) {
+        parseClkDomainElab(source.workingCopy.get());
     } else {
-        dropWorkingCopy(m_elaborated);
+        source.workingCopy.reset();
     }
     [[maybe_unused]] const auto end = std::chrono::steady_clock::now();
     return complete;
@@ -62,15 +58,18 @@ bool DesignDatabase::parseHier(Verific::Netlist *top, IVDBNetlist *topModule)
     if (top == nullptr) {
         throw std::invalid_argument("netlist is nullptr");
     }
+    const ImportGuard guard(m_state->clocks, m_state->importDepth);
+    Source &source = m_state->elaborated;
     ModuleMap modules;
     modules.emplace(top, topModule);
-    m_pool->registerNetlist(top, topModule);
+    source.pool.registerNetlist(top, topModule);
     buildModulesBelow(*this, top, true, modules);
 
-    VDBInstance *const root = makeRoot(m_elaborated, topModule);
+    VDBInstance &root = source.makeRoot(topModule);
+    m_state->clocks.itemMade(&root);
     bool complete = true;
     std::deque<Pending> queue;
-    root->reserveSubInstances(top->GetInsts()->Size());
+    root.reserveSubInstances(top->GetInsts()->Size());
     Verific::MapIter instances;
     const Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (top, instances, instance) {
@@ -79,7 +78,7 @@ bool DesignDatabase::parseHier(Verific::Netlist *top, IVDBNetlist *topModule)
             complete = false;
             break;
         }
-        VDBInstance *const item = addInstance(*m_pool, *root, module->second, instance);
+        VDBInstance *const item = addInstance(m_state->clocks, source.pool, root, module->second, instance);
         // Here alone a black box is unfolded too, should it have contents.
         if (hasInstances(module->first)) {
             queue.push_back({item, module->first});
@@ -94,7 +93,7 @@ bool DesignDatabase::parseHier(Verific::Netlist *top, IVDBNetlist *topModule)
                 complete = false;
                 break;
             }
-            VDBInstance *const item = addInstance(*m_pool, *parent.item, module->second, instance);
+            VDBInstance *const item = addInstance(m_state->clocks, source.pool, *parent.item, module->second, instance);
             if (!module->first->IsBlackBox() && hasInstances(module->first)) {
                 queue.push_back({item, module->first});
             }

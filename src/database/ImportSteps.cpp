@@ -1,5 +1,6 @@
 #include "database/ImportSteps.h"
 
+#include "clock/ClockAnalysis.h"
 #include "netlist/VDBObjectPool.h"
 #include "netlist/verific_queries.h"
 
@@ -39,42 +40,16 @@ void buildModulesBelow(DesignDatabase &database, const Verific::Netlist *top, bo
     }
 }
 
-VDBInstance *addInstance(VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
+VDBInstance *addInstance(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
                          const Verific::Instance *instance)
 {
     auto item = std::make_unique<VDBInstance>(module, &owner, instance);
     owner.addSubInstance(item.get());
     // From here on the tree owns it, so that a failing registration leaves no entry of a deleted item.
     VDBInstance *const added = item.release();
+    clocks.itemMade(added);
     pool.registerInstance(added, instance);
     return added;
-}
-
-void DesignDatabase::makeWorkingCopy(Source &source, const Verific::Netlist &netlist)
-{
-    m_replacedCopies.reserve(m_replacedCopies.size() + 1);
-    Verific::Netlist *const copy = netlist.Copy(nullptr);
-    if (source.workingCopy != nullptr) {
-        m_replacedCopies.push_back(source.workingCopy);
-    }
-    source.workingCopy = copy;
-}
-
-VDBInstance *DesignDatabase::makeRoot(Source &source, IVDBNetlist *topModule)
-{
-    m_replacedRoots.reserve(m_replacedRoots.size() + 1);
-    auto *const root = new VDBInstance(topModule, nullptr);
-    if (source.root != nullptr) {
-        m_replacedRoots.push_back(source.root);
-    }
-    source.root = root;
-    return root;
-}
-
-void DesignDatabase::dropWorkingCopy(Source &source)
-{
-    delete source.workingCopy;
-    source.workingCopy = nullptr;
 }
 
 } // namespace kvr::netlistdb

@@ -10,6 +10,7 @@ class Netlist;
 
 namespace kvr::netlistdb {
 
+class ClockAnalysis;
 class DesignDatabase;
 class IVDBNetlist;
 class VDBInstance;
@@ -32,7 +33,7 @@ struct CellNames {
 void buildModulesBelow(DesignDatabase &database, const Verific::Netlist *top, bool elaborated, ModuleMap &modules);
 
 /// Makes the item of @p instance below @p owner, which takes it, and registers it.
-VDBInstance *addInstance(VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
+VDBInstance *addInstance(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
                          const Verific::Instance *instance);
 
 } // namespace kvr::netlistdb

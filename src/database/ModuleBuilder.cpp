@@ -1,7 +1,7 @@
-#include <netlistdb/DesignDatabase.h>
-
 #include "database/BitNetGroups.h"
-#include "netlist/VDBObjectPool.h"
+#include "database/DatabaseState.h"
+#include "database/ImportGuard.h"
+#include "model/NetWalk.h"
 
 #include <netlistdb/VDBNet.h>
 #include <netlistdb/VDBNetBus.h>
@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace kvr::netlistdb {
 
@@ -44,8 +45,8 @@ class ModuleBuilder {
         m_module->shrinkToFit();
     }
 
-    VDBNetlist *module() const { return m_module.get(); }
-    void release() { static_cast<void>(m_module.release()); }
+    /// Hands over the module that was built.
+    std::unique_ptr<VDBNetlist> release() { return std::move(m_module); }
 
   private:
     void addDeclaredBuses()
@@ -134,20 +135,12 @@ class ModuleBuilder {
 
     void forgetInPool()
     {
-        const auto forgetBus = [this](const IVDBNetBus &bus) {
-            for (const IVDBNet *net : bus.getNets()) {
+        if (m_bus != nullptr) {
+            for (const IVDBNet *net : m_bus->getNets()) {
                 m_pool.eraseNet(net);
             }
-        };
-        if (m_bus != nullptr) {
-            forgetBus(*m_bus);
         }
-        for (const IVDBNetBus *bus : m_module->getAllNetBus()) {
-            forgetBus(*bus);
-        }
-        for (const IVDBNet *net : m_module->plainNets()) {
-            m_pool.eraseNet(net);
-        }
+        forEachNet(*m_module, [this](const IVDBNet *net) { m_pool.eraseNet(net); });
         auto item = m_module->getPorts().begin();
         Verific::MapIter ports;
         const Verific::Port *port = nullptr;
@@ -171,13 +164,15 @@ class ModuleBuilder {
 IVDBNetlist *DesignDatabase::buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,
                                           const std::string &libraryName)
 {
-    ModuleBuilder builder(*m_pool, netlist, cellName, libraryName);
+    const ImportGuard guard(m_state->clocks, m_state->importDepth);
+    Source &source = elaborated ? m_state->elaborated : m_state->postMap;
+    ModuleBuilder builder(source.pool, netlist, cellName, libraryName);
     builder.build();
-    Source &built = elaborated ? m_elaborated : m_postMap;
-    built.netlists.push_back(builder.module());
-    IVDBNetlist *const module = builder.module();
-    builder.release();
-    return module;
+    std::unique_ptr<IVDBNetlist> &place = source.netlists.emplace_back();
+    std::unique_ptr<VDBNetlist> module = builder.release();
+    m_state->clocks.itemMade(*module);
+    place = std::move(module);
+    return place.get();
 }
 
 } // namespace kvr::netlistdb

@@ -1,48 +1,20 @@
-#include <netlistdb/DesignDatabase.h>
-
+#include "database/DatabaseState.h"
+#include "database/ImportGuard.h"
 #include "database/ImportSteps.h"
 
 #include <netlistdb/VDBInstance.h>
-
-#include <DataBase.h>
 
 #include <stdexcept>
 
 namespace kvr::netlistdb {
 
-bool DesignDatabase::parsePostMapNetlist(Verific::Netlist *netlist)
-{
-    if (netlist == nullptr) {
-        throw std::invalid_argument("netlist is nullptr");
-    }
-    const CellNames names(*netlist);
-    makeWorkingCopy(m_postMap, *netlist);
-    const std::size_t firstNetlist = m_postMap.netlists.size();
-    bool complete = false;
-    try {
-        complete = buildPostMapTree(*m_postMap.workingCopy, names.cell, names.library);
-    } catch (...) {
-        dropStaleAnswers(SOURCE_POST_MAP, firstNetlist);
-        throw;
-    }
-    dropStaleAnswers(SOURCE_POST_MAP, firstNetlist);
-    if (m_keepSourceNetlists) {
-        parseClkDomainPostMap(m_postMap.workingCopy);
-    } else {
-        dropWorkingCopy(m_postMap);
-    }
-    return complete;
-}
+namespace {
 
-bool DesignDatabase::buildPostMapTree(Verific::Netlist &top, const std::string &cellName,
-                                      const std::string &libraryName)
+/// Makes the instances of @p top below @p root; false when one names a view outside the hierarchy, which ends it there.
+bool addTopLevel(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &root, const Verific::Netlist &top,
+                 const ModuleMap &modules)
 {
-    m_postMap.topModule = buildNetlist(&top, false, cellName, libraryName);
-    VDBInstance *const root = makeRoot(m_postMap, m_postMap.topModule);
-    ModuleMap modules;
-    buildModulesBelow(*this, &top, false, modules);
-
-    root->reserveSubInstances(top.GetInsts()->Size());
+    root.reserveSubInstances(top.GetInsts()->Size());
     Verific::MapIter instances;
     const Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (&top, instances, instance) {
@@ -50,9 +22,38 @@ bool DesignDatabase::buildPostMapTree(Verific::Netlist &top, const std::string &
         if (module == modules.end()) {
             return false;
         }
-        addInstance(*m_pool, *root, module->second, instance);
+        addInstance(clocks, pool, root, module->second, instance);
     }
     return true;
+}
+
+} // namespace
+
+bool DesignDatabase::parsePostMapNetlist(Verific::Netlist *netlist)
+{
+    if (netlist == nullptr) {
+        throw std::invalid_argument("netlist is nullptr");
+    }
+    const CellNames names(*netlist);
+    Source &source = m_state->postMap;
+    bool complete = false;
+    {
+        const ImportGuard guard(m_state->clocks, m_state->importDepth);
+        source.makeWorkingCopy(*netlist);
+        Verific::Netlist *const top = source.workingCopy.get();
+        source.topModule = buildNetlist(top, false, names.cell, names.library);
+        VDBInstance &root = source.makeRoot(source.topModule);
+        m_state->clocks.itemMade(&root);
+        ModuleMap modules;
+        buildModulesBelow(*this, top, false, modules);
+        complete = addTopLevel(m_state->clocks, source.pool, root, *top, modules);
+    }
+    if (m_state->keepSourceNetlists) {
+        parseClkDomainPostMap(source.workingCopy.get());
+    } else {
+        source.workingCopy.reset();
+    }
+    return complete;
 }
 
 } // namespace kvr::netlistdb

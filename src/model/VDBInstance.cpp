@@ -61,38 +61,44 @@ VDBInstance::~VDBInstance()
 
 void VDBInstance::deleteSubInstances()
 {
-    struct Level {
-        VDBInstance *instance;
-        std::size_t next;
-    };
+    // The steps of the nested destructors, in their order, without recursion, since trees may be deeper than the
+    // program's stack, and without memory of its own, since there may be none. While the children of a child are
+    // deleted, the instance above keeps the way back in its owner and its place in the upper half of its depth.
+    constexpr unsigned PLACE_SHIFT = 32;
+    constexpr unsigned long long DEPTH_MASK = (1ull << PLACE_SHIFT) - 1;
     m_owner = nullptr;
     m_module = nullptr;
-    if (m_subInstances.empty()) {
-        return;
-    }
-    // The steps of the nested destructors, in their order, on a stack of our own: trees may be deeper than the
-    // program's stack. Instances of other classes run their own destructor.
-    std::vector<Level> levels{{this, 0}};
-    while (!levels.empty()) {
-        Level &level = levels.back();
-        VDBInstance *const instance = level.instance;
-        if (level.next == instance->m_subInstances.size()) {
+    VDBInstance *above = nullptr;
+    VDBInstance *instance = this;
+    std::size_t place = 0;
+    for (;;) {
+        if (place == instance->m_subInstances.size()) {
             instance->m_subInstances.clear();
-            levels.pop_back();
-            if (instance != this) {
-                delete instance;
+            if (instance == this) {
+                return;
             }
+            const VDBInstance *const done = instance;
+            instance = above;
+            above = static_cast<VDBInstance *>(instance->m_owner);
+            instance->m_owner = nullptr;
+            place = static_cast<std::size_t>(instance->m_depth >> PLACE_SHIFT);
+            instance->m_depth &= DEPTH_MASK;
+            delete done;
             continue;
         }
-        IVDBInstance *const child = instance->m_subInstances[level.next++];
+        IVDBInstance *const child = instance->m_subInstances[place++];
         VDBInstance *const plain = asPlainInstance(child);
-        if (plain != nullptr && !plain->m_subInstances.empty()) {
-            plain->m_owner = nullptr;
-            plain->m_module = nullptr;
-            levels.push_back({plain, 0});
-        } else {
-            delete child;
+        if (plain == nullptr || plain->m_subInstances.empty()) {
+            delete child; // one of another class runs a destructor of its own
+            continue;
         }
+        instance->m_owner = above;
+        instance->m_depth |= static_cast<unsigned long long>(place) << PLACE_SHIFT;
+        above = instance;
+        instance = plain;
+        instance->m_owner = nullptr;
+        instance->m_module = nullptr;
+        place = 0;
     }
 }
 

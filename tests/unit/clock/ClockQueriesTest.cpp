@@ -57,6 +57,25 @@ TEST_F(ClockQueries, CacheAnswersTheFirstDomainInAddressOrderThatHoldsAPair)
     EXPECT_TRUE(database->findCachedResult(pair(1))->second.contains(pair(1)));
 }
 
+TEST_F(ClockQueries, CacheTakesAnyPointerValues)
+{
+    const auto at = [](std::uintptr_t instance, std::uintptr_t net) {
+        return Pair(reinterpret_cast<IVDBInstance *>(instance), reinterpret_cast<IVDBNet *>(net));
+    };
+    const auto answer = [](std::uintptr_t address) { return reinterpret_cast<IClockDomain *>(address); };
+    for (std::uintptr_t offset = 0; offset < 16; ++offset) {
+        database->addCache(answer(0x100 + offset), at(0x2000 + offset, 0x3000 + offset));
+    }
+    for (std::uintptr_t offset = 0; offset < 16; ++offset) {
+        EXPECT_EQ(database->isCached(at(0x2000 + offset, 0x3000 + offset)), answer(0x100 + offset));
+        EXPECT_EQ(database->findCachedResult(at(0x2000 + offset, 0x3000 + (offset ^ 1))),
+                  const_cast<DesignDatabase::DrivingClockCache &>(database->drivingClockCache()).end());
+        const auto &pairs = database->drivingClockCache().at(answer(0x100 + offset));
+        EXPECT_EQ(pairs.count(at(0x2000 + offset, 0x3000 + offset)), 1U);
+        EXPECT_EQ(std::vector<Pair>(pairs.begin(), pairs.end()), pairs.pairs());
+    }
+}
+
 TEST_F(ClockQueries, NullWinsOverEveryDomainOfThatPair)
 {
     database->addCache(domain(1), pair(1));

@@ -94,14 +94,32 @@ bool isDescendable(const Verific::Netlist *netlist)
 
 bool isGeneric(const Verific::Netlist *netlist)
 {
-    const Verific::Cell *cell = netlist->Owner();
+    const Verific::Cell *cell = netlist != nullptr ? netlist->Owner() : nullptr;
     const Verific::Library *library = cell != nullptr ? cell->Owner() : nullptr;
     const std::string name = library != nullptr ? textOf(library->Name()) : "";
     return name == "Operators" || name == "Primitives";
 }
 
+/// What a key leads to among the items of one source, and of the other where that one does not know it.
+class Pool {
+  public:
+    Pool(const DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type)
+        : m_own(*database.objectPool(type)), m_other(*database.objectPool(type == POST_MAP ? ELABORATED : POST_MAP))
+    {
+    }
+    template <typename Key> auto find(const Key *key) const
+    {
+        auto *const found = m_own.find(key);
+        return found != nullptr ? found : m_other.find(key);
+    }
+
+  private:
+    const kvr::netlistdb::VDBObjectPool &m_own;
+    const kvr::netlistdb::VDBObjectPool &m_other;
+};
+
 /// The pairs one level above that @p pair enters from, as far as they have items.
-std::vector<Pair> above(const kvr::netlistdb::VDBObjectPool &pool, const Pair &pair)
+std::vector<Pair> above(const Pool &pool, const Pair &pair)
 {
     std::vector<Pair> pairs;
     const Verific::Net *net = pair.second != nullptr ? pool.find(pair.second) : nullptr;
@@ -128,7 +146,7 @@ std::vector<Pair> above(const kvr::netlistdb::VDBObjectPool &pool, const Pair &p
 
 std::set<Pair> ReferenceClocks::postMapClocks() const
 {
-    const kvr::netlistdb::VDBObjectPool &pool = *m_database.objectPool();
+    const Pool pool(m_database, POST_MAP);
     IVDBInstance *const root = m_database.getRoot(POST_MAP);
     std::set<Pair> clocks;
     for (const Verific::Instance *instance : instancesOf(m_database.workingCopy(POST_MAP))) {
@@ -151,7 +169,7 @@ std::set<Pair> ReferenceClocks::postMapClocks() const
 
 Pair ReferenceClocks::rootClock(Pair start, const IVDBInstance *stop) const
 {
-    const kvr::netlistdb::VDBObjectPool &pool = *m_database.objectPool();
+    const Pool pool(m_database, ELABORATED);
     Pair best{nullptr, nullptr};
     std::deque<Pair> queue{start};
     while (!queue.empty() && queue.front().first != stop) {
@@ -168,7 +186,7 @@ Pair ReferenceClocks::rootClock(Pair start, const IVDBInstance *stop) const
 
 std::set<Pair> ReferenceClocks::elaboratedClocks() const
 {
-    const kvr::netlistdb::VDBObjectPool &pool = *m_database.objectPool();
+    const Pool pool(m_database, ELABORATED);
     IVDBInstance *const root = m_database.getRoot(ELABORATED);
     std::set<Pair> found;
     std::deque<IVDBInstance *> queue{root};
@@ -233,7 +251,7 @@ void ReferenceClocks::cacheAll(IClockDomain *domain, const std::set<Pair> &pairs
 
 IClockDomain *ReferenceClocks::findPostMap(IVDBInstance *instance, IVDBNet *net)
 {
-    const kvr::netlistdb::VDBObjectPool &pool = *m_database.objectPool();
+    const Pool pool(m_database, POST_MAP);
     std::deque<Pair> queue{{instance, net}};
     std::set<Pair> visited;
     std::set<Pair> deadEnds;
@@ -311,7 +329,7 @@ IClockDomain *ReferenceClocks::findPostMap(IVDBInstance *instance, IVDBNet *net)
 
 IClockDomain *ReferenceClocks::findElaborated(IVDBInstance *instance, IVDBNet *net)
 {
-    const kvr::netlistdb::VDBObjectPool &pool = *m_database.objectPool();
+    const Pool pool(m_database, ELABORATED);
     IVDBInstance *const root = m_database.getRoot(ELABORATED);
     std::deque<Pair> queue{{instance, net}};
     std::set<Pair> visited;
@@ -393,7 +411,9 @@ IClockDomain *ReferenceClocks::findElaborated(IVDBInstance *instance, IVDBNet *n
     }
     if (revisits < 10240) {
         for (IVDBInstance *cell : met) {
-            m_instanceCache.emplace(cell, answer);
+            if (pool.find(cell) != nullptr && isGeneric(pool.find(cell)->View())) {
+                m_instanceCache.emplace(cell, answer);
+            }
         }
     }
     return answer;

@@ -50,10 +50,10 @@ TEST(AllocationFailure, BuildingAModuleLeavesNothingBehind)
         if (outcome == Outcome::THREW) {
             ++failures;
             ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
-            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool(ELABORATED)->empty()) << "allocation " << number;
             continue;
         }
-        const IVDBNetlist *module = database.objectPool()->find(leaf);
+        const IVDBNetlist *module = database.objectPool(ELABORATED)->find(leaf);
         ASSERT_NE(module, nullptr);
         ASSERT_EQ(module->getNets(true).size(), 4u);
         ASSERT_EQ(module->getNets(false).size(), 4u);
@@ -91,7 +91,7 @@ TEST_P(InterruptedImport, LeavesADatabaseThatCanBeResetAndUsedAgain)
             ++failures;
             database.reset(GetParam());
             ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
-            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool(GetParam())->empty()) << "allocation " << number;
             ASSERT_TRUE(import(database, top));
         }
         ASSERT_EQ(treeText(*database.getRoot(GetParam())), wholeTree()) << "allocation " << number;
@@ -157,7 +157,7 @@ TEST_P(InterruptedImport, FromAFileLeavesADatabaseThatCanBeResetAndUsedAgain)
             }
             database.reset(GetParam());
             ASSERT_EQ(liveItemCounts(), before) << "allocation " << number;
-            ASSERT_TRUE(database.objectPool()->empty()) << "allocation " << number;
+            ASSERT_TRUE(database.objectPool(GetParam())->empty()) << "allocation " << number;
             ASSERT_TRUE(import(database, saved.path()));
         }
         ASSERT_EQ(treeText(*database.getRoot(GetParam())), wholeTree()) << "allocation " << number;

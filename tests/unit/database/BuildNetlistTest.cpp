@@ -36,7 +36,7 @@ TEST(BuildNetlist, RefusesANullNetlist)
     DesignDatabase database(true);
     EXPECT_EQ(messageOf<std::invalid_argument>([&] { database.buildNetlist(nullptr, true, "", ""); }),
               "netlist is nullptr");
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(IDesignDatabase::SOURCE_ELABORATED)->empty());
 }
 
 TEST(BuildNetlist, TakesDeclaredBusesWithTheirNetsThenTheOtherNetsThenThePorts)
@@ -178,7 +178,7 @@ TEST(BuildNetlist, RegistersModuleNetsAndPortsButNoBuses)
     DesignDatabase database(true);
     Verific::Netlist *top = netlistFromText("module top(in clk) bus [1:0] b net n net q[0] net q[1] net q[5] end");
     IVDBNetlist *module = database.buildNetlist(top, true, "", "");
-    const VDBObjectPool &pool = *database.objectPool();
+    const VDBObjectPool &pool = *database.objectPool(IDesignDatabase::SOURCE_ELABORATED);
     EXPECT_EQ(pool.find(top), module);
     EXPECT_EQ(pool.find(module), top);
     std::vector<IVDBNet *> nets = module->getNets(false);
@@ -204,7 +204,7 @@ TEST(BuildNetlist, DropsAModuleWhoseSubscriptIsTooLarge)
         netlistFromText("module top(in a) bus [1:0] b at top.v:1 net n net q[0] net q[1] net d[2147483648] end");
     EXPECT_EQ(messageOf<std::out_of_range>([&] { database.buildNetlist(top, true, "", ""); }), "stoi");
     EXPECT_EQ(liveItemCounts(), before);
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(IDesignDatabase::SOURCE_ELABORATED)->empty());
 }
 
 TEST(BuildNetlist, TakesTheLargestSubscript)
@@ -220,7 +220,7 @@ TEST(BuildNetlist, DroppingAModuleLeavesWhatAnotherRegistered)
     IVDBNetlist *module = database.buildNetlist(top, true, "", "");
     top->Add(new Verific::Net("d[2147483648]"));
     EXPECT_THROW(database.buildNetlist(top, false, "", ""), std::out_of_range);
-    const VDBObjectPool &pool = *database.objectPool();
+    const VDBObjectPool &pool = *database.objectPool(IDesignDatabase::SOURCE_ELABORATED);
     EXPECT_EQ(pool.find(top), module);
     EXPECT_EQ(pool.find(testsupport::netOf(top, "n")), module->getNets(false)[1]);
     EXPECT_EQ(pool.find(testsupport::portOf(top, "a")), module->getPorts()[0]);

@@ -70,8 +70,11 @@ TEST(DesignDatabase, IsEmptyAtFirst)
     }
     EXPECT_TRUE(database.drivingClockCache().empty());
     EXPECT_TRUE(database.elaboratedInstanceCache().empty());
-    ASSERT_NE(database.objectPool(), nullptr);
-    EXPECT_TRUE(database.objectPool()->empty());
+    for (const auto type : {ELABORATED, POST_MAP}) {
+        ASSERT_NE(database.objectPool(type), nullptr);
+        EXPECT_TRUE(database.objectPool(type)->empty());
+    }
+    EXPECT_EQ(database.objectPool(static_cast<IDesignDatabase::SOURCE_TYPE>(3)), nullptr);
 }
 
 TEST(DesignDatabase, AsksTheNetlistDatabaseNothingWhenMade)
@@ -154,9 +157,11 @@ TEST(DesignDatabase, RecordsNothingInThePoolWithoutKeptSources)
     DesignDatabase database(false);
     ASSERT_TRUE(database.parseElaboratedNetlist(top));
     ASSERT_TRUE(database.parsePostMapNetlist(top));
-    EXPECT_TRUE(database.objectPool()->empty());
-    EXPECT_EQ(database.objectPool()->find(database.getTopModule(ELABORATED)), nullptr);
-    EXPECT_EQ(database.objectPool()->find(testsupport::netlistOfCell("leaf")), nullptr);
+    for (const auto type : {ELABORATED, POST_MAP}) {
+        EXPECT_TRUE(database.objectPool(type)->empty());
+        EXPECT_EQ(database.objectPool(type)->find(database.getTopModule(type)), nullptr);
+        EXPECT_EQ(database.objectPool(type)->find(testsupport::netlistOfCell("leaf")), nullptr);
+    }
 }
 
 } // namespace

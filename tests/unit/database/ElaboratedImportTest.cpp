@@ -235,7 +235,7 @@ TEST(ElaboratedImport, AnalysesClocksExactlyWithKeptSources)
 TEST(ElaboratedImport, BuildsTheTopFromTheCopyAndTheRestFromTheOriginals)
 {
     const Imported design("module leaf(in a) net n end module top(in a) u: leaf(a=a) end");
-    const VDBObjectPool &pool = *design.database.objectPool();
+    const VDBObjectPool &pool = *design.database.objectPool(ELABORATED);
     EXPECT_EQ(pool.find(design.top), design.database.workingCopy(ELABORATED));
     EXPECT_EQ(pool.find(design.source), nullptr);
     const Verific::Netlist *leaf = testsupport::netlistOfCell("leaf");
@@ -253,7 +253,7 @@ TEST(ElaboratedImport, RegistersEveryInstanceBelowTheRoot)
         module leaf() end
         module mid() l: leaf() end
         module top() m1: mid() m2: mid() end)");
-    const VDBObjectPool &pool = *design.database.objectPool();
+    const VDBObjectPool &pool = *design.database.objectPool(ELABORATED);
     EXPECT_EQ(pool.find(static_cast<const IVDBInstance *>(design.root)), nullptr);
     const Verific::Netlist *copy = design.database.workingCopy(ELABORATED);
     const IVDBInstance *m1 = design.root->getSubInstances()[0];
@@ -291,7 +291,7 @@ TEST(ElaboratedImport, ThrowsOnASubscriptThatIsTooLargeInTheTop)
     EXPECT_EQ(database.getRoot(ELABORATED), nullptr);
     EXPECT_FALSE(database.reset(ELABORATED));
     EXPECT_EQ(liveItemCounts(), before);
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(ELABORATED)->empty());
 
     ASSERT_TRUE(database.parseElaboratedNetlist(testsupport::netlistOfCell("leaf"))) << "the database goes on working";
     EXPECT_EQ(database.getTopModule(ELABORATED)->getName(), "leaf");
@@ -311,11 +311,11 @@ TEST(ElaboratedImport, ThrowsOnASubscriptThatIsTooLargeBelowAndKeepsWhatWasMade)
     EXPECT_EQ(database.getTopModule(ELABORATED)->getName(), "top");
     EXPECT_EQ(database.getRoot(ELABORATED), nullptr);
     EXPECT_EQ(liveItemCounts()[1] - before[1], 2u) << "top and good stay, bad is gone";
-    EXPECT_EQ(database.objectPool()->find(testsupport::netlistOfCell("bad")), nullptr);
-    EXPECT_NE(database.objectPool()->find(testsupport::netlistOfCell("good")), nullptr);
+    EXPECT_EQ(database.objectPool(ELABORATED)->find(testsupport::netlistOfCell("bad")), nullptr);
+    EXPECT_NE(database.objectPool(ELABORATED)->find(testsupport::netlistOfCell("good")), nullptr);
     EXPECT_TRUE(database.reset(ELABORATED));
     EXPECT_EQ(liveItemCounts(), before);
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(ELABORATED)->empty());
 }
 
 TEST(ElaboratedImport, AgainWithoutResetKeepsTheOldTreeAliveUntilTheDatabaseGoes)
@@ -339,15 +339,15 @@ TEST(ElaboratedImport, AgainWithoutResetKeepsTheOldTreeAliveUntilTheDatabaseGoes
         EXPECT_EQ(treeText(*database.getRoot(ELABORATED)), "v: leaf\nw: leaf\n");
         EXPECT_EQ(treeText(*oldRoot), "u: leaf\n");
         EXPECT_EQ(oldTop->getName(), "first");
-        EXPECT_EQ(database.objectPool()->find(u), testsupport::instanceOf(oldCopy, "u"));
-        const auto oldLeaf = database.objectPool()->find(testsupport::netlistOfCell("leaf"));
+        EXPECT_EQ(database.objectPool(ELABORATED)->find(u), testsupport::instanceOf(oldCopy, "u"));
+        const auto oldLeaf = database.objectPool(ELABORATED)->find(testsupport::netlistOfCell("leaf"));
         EXPECT_EQ(oldLeaf, u->getModule()) << "the first registration stays";
 
         EXPECT_TRUE(database.reset(ELABORATED));
         EXPECT_EQ(liveItemCounts()[1], before[1]) << "all modules go with their source";
         EXPECT_EQ(liveItemCounts()[2] - before[2], 2u) << "the replaced root and its instance stay";
         EXPECT_EQ(u->getPath(), "u");
-        EXPECT_EQ(database.objectPool()->find(u), testsupport::instanceOf(oldCopy, "u"));
+        EXPECT_TRUE(database.objectPool(ELABORATED)->empty());
     }
     EXPECT_EQ(liveItemCounts(), before);
 }

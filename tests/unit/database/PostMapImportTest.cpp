@@ -119,7 +119,7 @@ TEST(PostMapImport, KeepsTheWorkingCopyAndAnalysesClocksExactlyWithKeptSources)
 TEST(PostMapImport, RegistersModulesNetsPortsAndInstances)
 {
     const Imported design("module top(in clk) f: KVR_FF(C=clk) end");
-    const VDBObjectPool &pool = *design.database.objectPool();
+    const VDBObjectPool &pool = *design.database.objectPool(POST_MAP);
     const Verific::Netlist *copy = design.database.workingCopy(POST_MAP);
     const Verific::Netlist *flipFlop = testsupport::netlistOfCell("KVR_FF");
     EXPECT_EQ(pool.find(design.top), copy);
@@ -141,7 +141,7 @@ TEST(PostMapImport, ThrowsOnASubscriptThatIsTooLargeInTheTop)
               "stoi");
     EXPECT_FALSE(database.isSourceLoaded(POST_MAP));
     EXPECT_EQ(liveItemCounts(), before);
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(POST_MAP)->empty());
 }
 
 TEST(PostMapImport, ThatThrowsBelowTheTopKeepsTopAndRoot)
@@ -158,7 +158,7 @@ TEST(PostMapImport, ThatThrowsBelowTheTopKeepsTopAndRoot)
     EXPECT_EQ(treeText(*database.getRoot(POST_MAP)), "");
     EXPECT_TRUE(database.reset(POST_MAP));
     EXPECT_EQ(liveItemCounts(), before);
-    EXPECT_TRUE(database.objectPool()->empty());
+    EXPECT_TRUE(database.objectPool(POST_MAP)->empty());
 }
 
 TEST(PostMapImport, AgainWithoutResetKeepsTheOldTreeAliveUntilTheDatabaseGoes)

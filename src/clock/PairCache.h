@@ -1,0 +1,47 @@
+#pragma once
+
+#include "netlist/AddressMap.h"
+
+#include <netlistdb/InstanceNetSet.h>
+
+#include <map>
+#include <unordered_map>
+
+namespace kvr::netlistdb {
+
+class IClockDomain;
+class VDBNetlist;
+
+/// The pairs known to lead to each answer (null: to no clock). A pair may stand under several answers; the first in
+/// ascending order of address, null before all, is the one that counts.
+class PairCache {
+  public:
+    using Sets = std::map<IClockDomain *, InstanceNetSet>;
+
+    void add(IClockDomain *domain, const InstanceNet &pair);
+    /// Position of the first answer that @p pair stands under, or the end of the sets.
+    Sets::iterator find(const InstanceNet &pair);
+    const Sets &sets() const { return m_sets; }
+
+    // An import may give a new item the address of one long gone, whose entries must not speak for it. What follows
+    // brings that about without allocating once watchForReuse has returned, so that it succeeds also where an import
+    // has run out of memory.
+
+    /// Takes note of the nets that have entries.
+    void watchForReuse();
+    /// Removes the entries of an instance that an import has made.
+    void forget(IVDBInstance *instance);
+    /// Marks the entries of those nets of a module that an import has made.
+    void mark(const VDBNetlist &module);
+    /// Removes the marked entries, and forgets the nets that were watched.
+    void forgetMarked();
+
+  private:
+    Sets m_sets;
+    /// From a pair to the first answer it stands under: per instance, from net to answer.
+    std::unordered_map<IVDBInstance *, AddressMap> m_first;
+    AddressMap m_watched; ///< from each net with entries to 1 when they are marked
+    bool m_hasMarked = false;
+};
+
+} // namespace kvr::netlistdb
