@@ -75,7 +75,7 @@ InstanceNet ClockAnalysis::rootClock(const InstanceNet &clock, const IVDBInstanc
 
 void ClockAnalysis::beginImport()
 {
-    m_firstChild.clear();
+    clearMemos();
     m_pairs.watchForReuse();
 }
 
@@ -95,9 +95,15 @@ void ClockAnalysis::endImport()
     m_pairs.forgetMarked();
 }
 
-void ClockAnalysis::forgetSource(IDesignDatabase::SOURCE_TYPE type)
+void ClockAnalysis::clearMemos()
 {
     m_firstChild.clear();
+    m_clockPorts.clear();
+}
+
+void ClockAnalysis::forgetSource(IDesignDatabase::SOURCE_TYPE type)
+{
+    clearMemos();
     (type == IDesignDatabase::SOURCE_ELABORATED ? m_elaborated : m_postMap).domains.clear();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "clock/ClockDomainTable.h"
+#include "clock/ClockPorts.h"
 #include "clock/FirstChild.h"
 #include "clock/ItemLookup.h"
 #include "clock/PairCache.h"
@@ -109,6 +110,8 @@ class ClockAnalysis {
         ClockDomainTable domains;
     };
     const Tables *tablesOf(IDesignDatabase::SOURCE_TYPE type) const;
+    /// Forgets what is known of items and netlist objects that may be gone.
+    void clearMemos();
 
     const VDBObjectPool &m_elaboratedPool;
     const VDBObjectPool &m_postMapPool;
@@ -117,6 +120,7 @@ class ClockAnalysis {
     PairCache m_pairs;
     InstanceAnswers m_instanceAnswers;
     FirstChild m_firstChild;
+    ClockPorts m_clockPorts;
     TraceStorage m_storage;
 };
 

@@ -60,38 +60,42 @@ bool isClockPort(const Verific::Port *port)
     return value != nullptr && std::strcmp(value, "TRUE") == 0;
 }
 
-bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin)
+bool isClockOf(const Verific::Instance *cell, const Verific::Port *drivingPin, const Verific::Port *port)
 {
-    if (drivingPin.empty() || clockPin.empty()) {
+    const std::string_view output = nameOf(drivingPin);
+    const std::string_view clock = nameOf(port);
+    if (!isClockPort(port) || output.empty() || clock.empty()) {
         return false;
     }
-    if (startsWith(cell, "KVR_RAM")) {
-        return drivingPin.front() == clockPin.front();
+    const std::string_view type = deviceCellName(cell);
+    if (startsWith(type, "KVR_RAM")) {
+        return output.front() == clock.front();
     }
-    if (startsWith(cell, "KVR_DPRAM")) {
-        return drivingPin.back() == clockPin.back();
+    if (startsWith(type, "KVR_DPRAM")) {
+        return output.back() == clock.back();
     }
+    return true;
+}
+
+bool beforeBuffer(const Verific::Net *net, const Verific::Net *&clock)
+{
+    const Verific::Instance *const driver = net->Driver();
+    if (isClockBuffer(driver)) {
+        return bufferInput(driver, clock);
+    }
+    clock = net;
     return true;
 }
 
 bool clockOfOutput(const Verific::Instance *cell, const Verific::Port *drivingPin, const Verific::Net *&clock)
 {
-    const std::string_view type = deviceCellName(cell);
-    const std::string_view output = nameOf(drivingPin);
     Verific::MapIter pins;
     Verific::PortRef *pin = nullptr;
     FOREACH_PORTREF_OF_INST (cell, pins, pin) {
-        const Verific::Port *port = pin->GetPort();
-        const Verific::Net *net = pin->GetNet();
-        if (port == nullptr || net == nullptr || !isClockPort(port) || !clocksOutput(type, output, nameOf(port))) {
-            continue;
+        if (pin->GetPort() != nullptr && pin->GetNet() != nullptr && isClockOf(cell, drivingPin, pin->GetPort()) &&
+            beforeBuffer(pin->GetNet(), clock)) {
+            return true;
         }
-        const Verific::Instance *driver = net->Driver();
-        if (isClockBuffer(driver) && !bufferInput(driver, net)) {
-            continue;
-        }
-        clock = net;
-        return true;
     }
     return false;
 }

@@ -26,9 +26,13 @@ bool isSequentialCell(const Verific::Instance *instance);
 /// True when @p port is no output and is marked as a clock.
 bool isClockPort(const Verific::Port *port);
 
-/// Whether the clock on a pin called @p clockPin clocks the output @p drivingPin of a cell of type @p cell: each side
-/// of a memory has a clock of its own, told by the first letter of its pins or, for the dual-port kind, by the last.
-bool clocksOutput(std::string_view cell, std::string_view drivingPin, std::string_view clockPin);
+/// Whether @p port of a sequential cell is the clock of its output @p drivingPin: each side of a memory has a clock of
+/// its own, told by the first letter of its pins or, for the dual-port kind, by the last.
+bool isClockOf(const Verific::Instance *cell, const Verific::Port *drivingPin, const Verific::Port *port);
+
+/// Finds the net in front of the clock buffer that drives @p net, null when the buffer's input is open; @p net itself
+/// when no buffer does. False when the buffer has no input.
+bool beforeBuffer(const Verific::Net *net, const Verific::Net *&clock);
 
 /// Finds the clock of the output @p drivingPin of a sequential cell, as it stands before one clock buffer; null when
 /// the buffer's input is open. False when no clock pin clocks that output.

@@ -39,7 +39,8 @@ IClockDomain *PostMapTrace::run()
             endAtDeadEnd();
         } else if (!isSequentialCell(driver)) {
             passThrough(*driver);
-        } else if (const Verific::Net *clock = nullptr; clockOfOutput(driver, pin->GetPort(), clock)) {
+        } else if (const Verific::Net *clock = nullptr;
+                   m_analysis.m_clockPorts.clockOfOutput(driver, pin->GetPort(), clock)) {
             // The first sequential cell decides, also when its clock is no domain.
             if (IClockDomain *const domain = domainOf(clock)) {
                 rememberUnder(domain);

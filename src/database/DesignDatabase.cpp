@@ -10,9 +10,25 @@ DesignDatabase::DesignDatabase(bool keepSourceNetlists) : m_state(std::make_uniq
 
 DesignDatabase::~DesignDatabase()
 {
+    // What both sources have of one kind goes before the next kind does.
     const bool keepSourceNetlists = m_state->keepSourceNetlists;
-    m_state->elaborated.root.reset();
-    m_state->postMap.root.reset();
+    Source *const sources[] = {&m_state->elaborated, &m_state->postMap};
+    for (Source *source : sources) {
+        source->topModule = nullptr;
+        source->root.reset();
+    }
+    for (Source *source : sources) {
+        source->replacedRoots.clear();
+    }
+    for (Source *source : sources) {
+        source->netlists.clear();
+    }
+    for (const SOURCE_TYPE type : {SOURCE_ELABORATED, SOURCE_POST_MAP}) {
+        m_state->clocks.forgetSource(type);
+    }
+    for (Source *source : sources) {
+        source->workingCopy.reset();
+    }
     m_state.reset();
     if (keepSourceNetlists) {
         Verific::Libset::Reset();

@@ -46,8 +46,8 @@ class LargeNetlists : public ClockTest {
 TEST_F(LargeNetlists, TheHighestNetOfAButterflyOfNetsThatEnterThroughTwoPorts)
 {
     // Every net of a level enters through two ports, from two nets of the level above, which swap places there.
-    constexpr int LEVELS = 6;
-    constexpr int WIDTH = 1 << 14;
+    constexpr int LEVELS = 14;
+    constexpr int WIDTH = 1 << 13;
     Netlist *inner = nullptr;
     for (int level = 0; level < LEVELS; ++level) {
         Netlist *const module = netlist("work", "m" + std::to_string(level));
@@ -65,7 +65,7 @@ TEST_F(LargeNetlists, TheHighestNetOfAButterflyOfNetsThatEnterThroughTwoPorts)
             for (int at = 0; at < WIDTH; ++at) {
                 const std::string number = std::to_string(at);
                 instance->Connect(inner->GetPort(("a" + number).c_str()), nets[static_cast<std::size_t>(at)]);
-                const int partner = at ^ (1 << (2 * level % 14));
+                const int partner = at ^ (1 << (level - 1));
                 instance->Connect(inner->GetPort(("b" + number).c_str()), nets[static_cast<std::size_t>(partner)]);
             }
         }
@@ -86,20 +86,20 @@ TEST_F(LargeNetlists, TheHighestNetOfAButterflyOfNetsThatEnterThroughTwoPorts)
 
 TEST_F(LargeNetlists, AllOutputsOfACellWithManyOutputs)
 {
-    constexpr int OUTPUTS = 60000;
+    constexpr int OUTPUTS = 100000;
     Netlist *const cell = netlist("cells", "KVR_DSP_WIDE");
     Netlist *const top = netlist("work", "top");
     auto *const instance = new Instance("wide", cell);
     instance->AddAtt(new Verific::Att("KVR_ATTRIBUTE_CELL_NAME", "KVR_DSP_WIDE"));
     top->Add(instance);
-    Port *const clock = addPort(cell, "CLK", Verific::DIR_IN);
-    clock->AddAtt(new Verific::Att("KVR_ATTRIBUTE_PORT__IS_CLOCK", "TRUE"));
-    Net *const clk = addNet(top, "clk");
-    instance->Connect(clock, clk);
     for (int at = 0; at < OUTPUTS; ++at) {
         instance->Connect(addPort(cell, "Q" + std::to_string(at), Verific::DIR_OUT),
                           addNet(top, "n" + std::to_string(at)));
     }
+    // The clock comes last among the pins.
+    Port *const clock = addPort(cell, "CLK", Verific::DIR_IN);
+    clock->AddAtt(new Verific::Att("KVR_ATTRIBUTE_PORT__IS_CLOCK", "TRUE"));
+    instance->Connect(clock, addNet(top, "clk"));
     ASSERT_TRUE(database->parsePostMapNetlist(top));
     IVDBInstance *const root = database->getRoot(POST_MAP);
     unsigned clocked = 0;

@@ -323,6 +323,47 @@ TEST_F(PostMapTrace, RunsThroughLoops)
     EXPECT_EQ(pairCache(), (NamesByClock{{"none", {"b1", "b2"}}, {"clk", {"n1", "n2", "n3", "q"}}}));
 }
 
+TEST_F(PostMapTrace, FindsTheClockAmongManyPinsAsTheyAreAtThatMoment)
+{
+    // Two clocks end in A, so that the order of the pins decides, and one in B. Each query asks for another output.
+    std::string ports;
+    std::string outputs;
+    for (int at = 0; at < 80; ++at) {
+        const std::string number = std::to_string(at);
+        ports += ", out Q" + number + "A, Q" + number + "B";
+        outputs += ", Q" + number + "A=a" + number + ", Q" + number + "B=b" + number;
+    }
+    postMap(("blackbox WIDE(in D, CLKA clock, ECLKA clock, CLKB clock" + ports +
+             ") end\n"
+             "module top(in x, y, z, d)\n"
+             "    f1: KVR_FF(C=x, D=d, Q=d1) f2: KVR_FF(C=y, D=d, Q=d2) f3: KVR_FF(C=z, D=d, Q=d3)\n"
+             "    ram: WIDE(D=d" +
+             outputs + ", CLKA=x, ECLKA=y, CLKB=z) @KVR_ATTRIBUTE_CELL_NAME=KVR_DPRAM\nend")
+                .c_str());
+    const Verific::Netlist *const top = copyOf(POST_MAP);
+    Verific::Instance *const ram = top->GetInst("ram");
+    const auto connect = [&](const char *port, const char *net) {
+        ram->Disconnect(ram->View()->GetPort(port));
+        if (net != nullptr) {
+            ram->Connect(ram->View()->GetPort(port), top->GetNet(net));
+        }
+    };
+    EXPECT_EQ(clockOf("a0"), "x");
+    EXPECT_EQ(clockOf("b0"), "z");
+    connect("CLKA", "x");
+    EXPECT_EQ(clockOf("a1"), "y") << "CLKA is connected last now";
+    connect("ECLKA", nullptr);
+    EXPECT_EQ(clockOf("a2"), "x");
+    connect("CLKB", "y");
+    EXPECT_EQ(clockOf("b1"), "y");
+    connect("CLKB", nullptr);
+    EXPECT_EQ(clockOf("b2"), "none");
+    connect("CLKA", nullptr);
+    EXPECT_EQ(clockOf("a3"), "none");
+    connect("ECLKA", "z");
+    EXPECT_EQ(clockOf("a4"), "z");
+}
+
 constexpr const char *NOT_FLAT = R"(
     module sub(in a, ck, inout io, out y, w, z, s)
         lut: KVR_LUT1(I0=a, O=y)

@@ -26,11 +26,8 @@ constexpr const char *DESIGN = R"(
     module top(in a) u: leaf(a=a) f: KVR_FF(C=a) end)";
 
 /// Expects that the pool leads from every netlist object of this source to an item of this source and back.
-void expectWholePool(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type)
+void expectWholePool(const VDBObjectPool &pool, const IVDBInstance *root, const Verific::Netlist *source)
 {
-    const VDBObjectPool &pool = *database.objectPool(type);
-    const IVDBInstance *const root = database.getRoot(type);
-    const Verific::Netlist *const source = database.workingCopy(type);
     IVDBNetlist *module = root->getModule();
     ASSERT_EQ(pool.find(source), module);
     EXPECT_EQ(pool.find(module), source);
@@ -49,8 +46,13 @@ void expectWholePool(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type
         const Verific::Instance *object = pool.find(child);
         ASSERT_NE(object, nullptr) << child->getName();
         EXPECT_EQ(object->Owner(), source);
-        expectWholePool(database, child, object->View());
+        expectWholePool(pool, child, object->View());
     }
+}
+
+void expectWholePool(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type)
+{
+    expectWholePool(*database.objectPool(type), database.getRoot(type), database.workingCopy(type));
 }
 
 TEST(Reset, EmptiesTheSourceAndLeavesTheOther)
