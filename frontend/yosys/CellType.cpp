@@ -2,6 +2,16 @@
 
 namespace kvr::netlistdb::yosys {
 
+namespace {
+
+/// False for a text that is its own name.
+bool hasEscapes(std::string_view raw)
+{
+    return raw.find('\\') != std::string_view::npos;
+}
+
+} // namespace
+
 CellType::Group *CellType::declare(std::string_view raw, std::string_view name, unsigned direction)
 {
     if (!m_byName.emplace(name, static_cast<unsigned>(m_groups.size())).second) {
@@ -11,6 +21,9 @@ CellType::Group *CellType::declare(std::string_view raw, std::string_view name, 
     group.raw = raw;
     group.name = name;
     group.direction = direction;
+    if (hasEscapes(raw)) {
+        m_byEscapedText.emplace(raw, static_cast<unsigned>(m_groups.size()));
+    }
     m_groups.push_back(group);
     return &m_groups.back();
 }
@@ -44,15 +57,13 @@ CellType::Group *CellType::findByName(std::string_view name)
 
 CellType::Group *CellType::search(std::string_view raw, unsigned position)
 {
-    // Texts without escapes are their own names; the caller looks for the others by name.
-    Group *group = raw.find('\\') == std::string_view::npos ? findByName(raw) : nullptr;
-    if (group == nullptr) {
-        for (Group &each : m_groups) {
-            if (each.raw == raw) {
-                group = &each;
-                break;
-            }
-        }
+    Group *group = nullptr;
+    if (hasEscapes(raw)) {
+        // A name may be written in several ways; the caller looks for the others by name.
+        const auto found = m_byEscapedText.find(raw);
+        group = found != m_byEscapedText.end() ? &m_groups[found->second] : nullptr;
+    } else {
+        group = findByName(raw);
     }
     if (group != nullptr) {
         if (m_usual.size() <= position) {

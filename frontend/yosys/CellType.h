@@ -65,6 +65,7 @@ class CellType {
     std::vector<Verific::Port *> m_pins;
     std::vector<unsigned> m_usual; ///< the group met latest at each place
     std::unordered_map<std::string_view, unsigned> m_byName;
+    std::unordered_map<std::string_view, unsigned> m_byEscapedText;
 };
 
 } // namespace kvr::netlistdb::yosys

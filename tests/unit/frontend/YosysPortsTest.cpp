@@ -148,5 +148,37 @@ TEST_F(YosysPorts, OnConstantsMeetTheNetsOfTheConstants)
               "$const$1: Primitives/$pwr (Y=$const$1)\n");
 }
 
+TEST_F(YosysPorts, WithEscapedNamesAreFoundInAnyOrder)
+{
+    // Looking through all ports for each would take hours.
+    constexpr int PORTS = 50000;
+    std::string ports;
+    std::string forwards;
+    std::string backwards;
+    for (int at = PORTS; at-- > 0;) {
+        backwards += R"("\\p)" + std::to_string(at) + R"( [x]": [)" + std::to_string(at + 2) + (at > 0 ? "], " : "]");
+    }
+    for (int at = 0; at < PORTS; ++at) {
+        const std::string name = R"("\\p)" + std::to_string(at) + R"( [x]": )";
+        const std::string bits = '[' + std::to_string(at + 2) + ']';
+        const std::string separator = at == 0 ? "" : ", ";
+        ports += separator + name + R"({"direction": "input", "bits": )" + bits + '}';
+        forwards += separator + name + bits;
+    }
+    const Verific::Netlist *const top =
+        readModules(R"("sub": {"ports": {)" + ports + R"(}}, "top": {"ports": {)" + ports +
+                    R"(}, "cells": {"u": {"type": "sub", "connections": {)" + forwards +
+                    R"(}}, "v": {"type": "sub", "connections": {)" + backwards + "}}}}");
+    for (const char *name : {"u", "v"}) {
+        const Verific::Instance *const instance = top->GetInst(name);
+        for (const int at : {0, 33333, PORTS - 1}) {
+            const std::string port = "\\p" + std::to_string(at) + " [x]";
+            const Verific::Net *const net = instance->GetNet(instance->View()->GetPort(port.c_str()));
+            ASSERT_NE(net, nullptr) << name << ' ' << port;
+            EXPECT_EQ(net->Name(), port);
+        }
+    }
+}
+
 } // namespace
 } // namespace yosystest
