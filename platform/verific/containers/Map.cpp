@@ -1,5 +1,7 @@
 #include "Map.h"
 
+#include <utility>
+
 namespace Verific {
 
 namespace {
@@ -58,6 +60,15 @@ void Map::Reset()
     m_size = 0;
     m_head = 0;
     m_repeatedKeys = false;
+}
+
+void Map::swap(Map &other) noexcept
+{
+    std::swap(m_entries, other.m_entries);
+    std::swap(m_index, other.m_index);
+    std::swap(m_size, other.m_size);
+    std::swap(m_head, other.m_head);
+    std::swap(m_repeatedKeys, other.m_repeatedKeys);
 }
 
 void Map::reserve(unsigned count)

@@ -30,6 +30,8 @@ class VERIFIC_EXPORT Map {
     unsigned Size() const { return m_size; }
     /// Removes everything and frees the storage.
     void Reset();
+    /// Exchanges the entries with those of @p other, which has the same hash_type. Slots stay as they are.
+    void swap(Map &other) noexcept;
 
     // What the database itself uses: entries under keys that may be null or stand twice, removed by position.
 

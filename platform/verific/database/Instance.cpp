@@ -2,6 +2,7 @@
 
 #include "Net.h"
 #include "Netlist.h"
+#include "NetlistReclaimer.h"
 #include "ParamTable.h"
 #include "PinBlock.h"
 #include "Port.h"
@@ -48,10 +49,14 @@ Instance::~Instance()
             m_owner->m_insts.removeSlot(m_slot);
         }
     }
+    ParamTable::release(m_params);
     if (m_view != nullptr) {
         m_view->m_references.removeSlot(m_viewSlot);
+        if (m_view->m_reclaim.lifetime != Lifetime::OWNED || m_view->m_reclaim.doomed) {
+            const NetlistReclaimer::Deletion deletion;
+            NetlistReclaimer::noteLostUser(*m_view, m_owner != nullptr && m_owner->m_dying ? m_owner : nullptr);
+        }
     }
-    ParamTable::release(m_params);
 }
 
 unsigned Instance::Connect(const Port *port, Net *net)

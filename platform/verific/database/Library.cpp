@@ -1,9 +1,11 @@
 #include "Library.h"
 
 #include "Netlist.h"
+#include "NetlistReclaimer.h"
 #include "OwnerTable.h"
 
 #include <memory>
+#include <utility>
 
 namespace Verific {
 
@@ -44,14 +46,17 @@ Libset::~Libset()
 
 void Libset::deleteLibraries()
 {
+    const NetlistReclaimer::Deletion deletion;
+    NetlistReclaimer::deleteNetlists(*this);
     for (unsigned slot = 0; slot < m_libraries.slots(); ++slot) {
-        if (auto *library = static_cast<Library *>(m_libraries.valueAt(slot))) {
-            library->deleteInstances();
+        auto *library = static_cast<Library *>(m_libraries.valueAt(slot));
+        if (library == nullptr) {
+            continue;
         }
-    }
-    for (unsigned slot = 0; slot < m_libraries.slots(); ++slot) {
-        if (auto *library = static_cast<Library *>(m_libraries.valueAt(slot))) {
-            library->m_owner = nullptr;
+        library->m_owner = nullptr;
+        if (library->deleteEmptyCells()) {
+            library->m_abandoned = true;
+        } else {
             delete library;
         }
     }
@@ -74,28 +79,77 @@ Library *Libset::GetLibrary(const char *name) const
     return static_cast<Library *>(m_libraries.GetValue(name));
 }
 
-Library::Library(const char *name) : DesignObj(name) {}
+Library::Library(const char *name) : DesignObj(name), m_successor(new Library(Successor())) {}
+
+Library::Library(Successor) : DesignObj(nullptr) {}
 
 Library::~Library()
 {
-    deleteInstances();
-    for (unsigned slot = 0; slot < m_cells.slots(); ++slot) {
-        if (auto *cell = static_cast<Cell *>(m_cells.valueAt(slot))) {
-            cell->m_owner = nullptr;
-            delete cell;
-        }
+    const NetlistReclaimer::Deletion deletion;
+    m_abandoned = false;
+    if (m_successor == nullptr) {
+        deleteCells();
+    }
+    NetlistReclaimer::deleteNetlists(*this);
+    if (deleteEmptyCells()) {
+        handOver(*m_successor.release());
     }
     if (m_owner != nullptr) {
         m_owner->m_libraries.removeSlot(m_slot);
     }
 }
 
-void Library::deleteInstances()
+void Library::deleteCells()
+{
+    const auto deleteWhole = [](Cell *cell) {
+        cell->m_successor = nullptr;
+        delete cell;
+    };
+    MapIter iter;
+    Cell *cell = nullptr;
+    FOREACH_MAP_ITEM (&m_cells, iter, nullptr, &cell) {
+        deleteWhole(cell);
+    }
+    while (m_hiddenCells != nullptr) {
+        deleteWhole(m_hiddenCells);
+    }
+}
+
+bool Library::deleteEmptyCells()
 {
     for (unsigned slot = 0; slot < m_cells.slots(); ++slot) {
         if (auto *cell = static_cast<Cell *>(m_cells.valueAt(slot))) {
-            cell->deleteInstances();
+            if (cell->NumOfNetlists() == 0) {
+                delete cell;
+            } else {
+                cell->m_abandoned = true;
+            }
         }
+    }
+    return !empty();
+}
+
+void Library::handOver(Library &successor)
+{
+    successor.m_name = m_name;
+    successor.copyTraits(*this);
+    successor.m_abandoned = true;
+    successor.m_cells.swap(m_cells);
+    successor.m_hiddenCells = std::exchange(m_hiddenCells, nullptr);
+    MapIter iter;
+    Cell *cell = nullptr;
+    FOREACH_MAP_ITEM (&successor.m_cells, iter, nullptr, &cell) {
+        cell->m_owner = &successor;
+    }
+    for (cell = successor.m_hiddenCells; cell != nullptr; cell = cell->m_nextHidden) {
+        cell->m_owner = &successor;
+    }
+}
+
+void Library::deleteIfAbandoned()
+{
+    if (m_abandoned && empty()) {
+        delete this;
     }
 }
 
@@ -124,28 +178,69 @@ Library *Library::Primitives()
     return libraryOfGlobal("Primitives");
 }
 
-Cell::Cell(const char *name) : DesignObj(name) {}
+Cell::Cell(const char *name) : DesignObj(name), m_successor(new Cell(Successor())) {}
+
+Cell::Cell(Successor) : DesignObj(nullptr) {}
 
 Cell::~Cell()
 {
-    deleteInstances();
-    for (unsigned slot = 0; slot < m_netlists.slots(); ++slot) {
-        if (auto *netlist = static_cast<Netlist *>(m_netlists.valueAt(slot))) {
-            netlist->m_owner = nullptr;
+    const NetlistReclaimer::Deletion deletion;
+    m_abandoned = false;
+    if (m_successor == nullptr) {
+        MapIter iter;
+        const Netlist *netlist = nullptr;
+        FOREACH_MAP_ITEM (&m_netlists, iter, nullptr, &netlist) {
             delete netlist;
         }
     }
-    if (m_owner != nullptr) {
-        m_owner->m_cells.removeSlot(m_slot);
+    NetlistReclaimer::deleteNetlists(*this);
+    Library *const library = m_owner;
+    leaveLibrary();
+    if (m_netlists.Size() != 0) {
+        handOver(*m_successor.release());
+    }
+    if (library != nullptr) {
+        library->deleteIfAbandoned();
     }
 }
 
-void Cell::deleteInstances()
+void Cell::leaveLibrary()
 {
-    for (unsigned slot = 0; slot < m_netlists.slots(); ++slot) {
-        if (auto *netlist = static_cast<Netlist *>(m_netlists.valueAt(slot))) {
-            netlist->deleteInstances();
+    if (m_slot != Map::NO_SLOT) {
+        m_owner->m_cells.removeSlot(m_slot);
+    } else if (m_owner != nullptr) {
+        (m_previousHidden != nullptr ? m_previousHidden->m_nextHidden : m_owner->m_hiddenCells) = m_nextHidden;
+        if (m_nextHidden != nullptr) {
+            m_nextHidden->m_previousHidden = m_previousHidden;
         }
+    }
+}
+
+void Cell::handOver(Cell &successor)
+{
+    successor.m_name = m_name;
+    successor.copyTraits(*this);
+    successor.m_abandoned = true;
+    successor.m_netlists.swap(m_netlists);
+    MapIter iter;
+    Netlist *netlist = nullptr;
+    FOREACH_MAP_ITEM (&successor.m_netlists, iter, nullptr, &netlist) {
+        netlist->m_owner = &successor;
+    }
+    successor.m_owner = m_owner;
+    if (m_owner != nullptr) {
+        successor.m_nextHidden = m_owner->m_hiddenCells;
+        if (successor.m_nextHidden != nullptr) {
+            successor.m_nextHidden->m_previousHidden = &successor;
+        }
+        m_owner->m_hiddenCells = &successor;
+    }
+}
+
+void Cell::deleteIfAbandoned()
+{
+    if (m_abandoned && m_netlists.Size() == 0) {
+        delete this;
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "DesignObj.h"
 
+#include <memory>
+
 namespace Verific {
 
 class Cell;
@@ -13,7 +15,9 @@ class VERIFIC_EXPORT Libset {
   public:
     /// The one global set, made on first use.
     static Libset *Global();
-    /// Deletes everything that the global set holds. Every pointer into it is dead afterwards.
+    /// Empties the global set: deletes its libraries, cells and netlists. A netlist that an instance outside every
+    /// set uses, directly or further down, lives on with its cell and library, no longer found in the set, until its
+    /// last user is deleted. Every other pointer into the set is dead afterwards. Allocates nothing.
     static void Reset();
 
     Libset();
@@ -29,6 +33,7 @@ class VERIFIC_EXPORT Libset {
 
   private:
     friend class Library;
+    friend class NetlistReclaimer;
 
     void deleteLibraries();
 
@@ -39,6 +44,9 @@ class VERIFIC_EXPORT Libset {
 class VERIFIC_EXPORT Library : public DesignObj {
   public:
     explicit Library(const char *name);
+    /// Deletes the cells and their netlists. Netlists that an instance outside every libset uses, directly or further
+    /// down, live on as Libset::Reset() says; another Library object of the same name and attributes is then the owner
+    /// of their cells.
     ~Library() override;
 
     /// Takes ownership of @p cell. Answers 0 (and takes nothing) when it has an owner already.
@@ -55,19 +63,33 @@ class VERIFIC_EXPORT Library : public DesignObj {
   private:
     friend class Cell;
     friend class Libset;
+    friend class Netlist;
+    friend class NetlistReclaimer;
     friend class NetlistWriter;
 
-    /// Netlist::deleteInstances() for all netlists in it.
-    void deleteInstances();
+    struct Successor {};
+    explicit Library(Successor);
+    /// Deletes the cells with all their netlists, used or not.
+    void deleteCells();
+    /// Deletes the cells without netlists and abandons the others. Returns whether any cell is left.
+    bool deleteEmptyCells();
+    void handOver(Library &successor);
+    void deleteIfAbandoned();
+    bool empty() const { return m_cells.Size() == 0 && m_hiddenCells == nullptr; }
 
     Libset *m_owner = nullptr;
     Map m_cells;
+    Cell *m_hiddenCells = nullptr;        ///< successors of deleted cells, which cannot be found by name
+    std::unique_ptr<Library> m_successor; ///< takes over what outlives this one: a destructor must not allocate
+    bool m_abandoned = false;             ///< has no owner but its netlists: goes with the last cell
 };
 
 /// A named design unit; its netlists are its views.
 class VERIFIC_EXPORT Cell : public DesignObj {
   public:
     explicit Cell(const char *name);
+    /// Deletes the netlists. One that an instance outside every libset uses, directly or further down, lives on as
+    /// Libset::Reset() says; another Cell object of the same name and attributes is then its owner.
     ~Cell() override;
 
     /// Takes ownership of @p netlist. Answers 0 (and takes nothing) when it has an owner already.
@@ -81,12 +103,23 @@ class VERIFIC_EXPORT Cell : public DesignObj {
   private:
     friend class Library;
     friend class Netlist;
+    friend class NetlistReader;
+    friend class NetlistReclaimer;
     friend class NetlistWriter;
 
-    void deleteInstances();
+    struct Successor {};
+    explicit Cell(Successor);
+    void leaveLibrary();
+    void handOver(Cell &successor);
+    void deleteIfAbandoned();
 
     Library *m_owner = nullptr;
     Map m_netlists;
+    std::unique_ptr<Cell> m_successor; ///< takes over what outlives this one: a destructor must not allocate
+    Cell *m_previousHidden = nullptr;  ///< among the hidden cells of the library
+    Cell *m_nextHidden = nullptr;
+    bool m_abandoned = false; ///< has no owner but its netlists: goes with the last one
+    bool m_restored = false;  ///< made by a restore
 };
 
 } // namespace Verific

@@ -3,6 +3,7 @@
 #include "Instance.h"
 #include "Library.h"
 #include "Net.h"
+#include "NetlistReclaimer.h"
 #include "OwnerTable.h"
 #include "Port.h"
 
@@ -29,6 +30,7 @@ Netlist::Netlist(SharedName view_name) : DesignObj(std::move(view_name)) {}
 
 Netlist::~Netlist()
 {
+    const NetlistReclaimer::Deletion deletion;
     m_dying = true;
     if (m_owner != nullptr) {
         m_owner->m_netlists.removeSlot(m_slot);
@@ -49,12 +51,33 @@ Netlist::~Netlist()
     deleteAll<PortBus>(m_portBuses);
     deleteAll<Net>(m_nets);
     deleteAll<Port>(m_ports);
+    if (m_owner != nullptr) {
+        m_owner->deleteIfAbandoned();
+    }
 }
 
 void Netlist::deleteInstances()
 {
     m_dying = true;
     deleteAll<Instance>(m_insts);
+}
+
+void Netlist::deleteWithCell()
+{
+    if (m_owner->m_restored && m_owner->NumOfNetlists() == 1) {
+        m_owner->m_abandoned = true;
+    }
+    delete this;
+}
+
+bool Netlist::inLibset() const
+{
+    return m_owner != nullptr && m_owner->m_owner != nullptr && m_owner->m_owner->m_owner != nullptr;
+}
+
+bool Netlist::handsOnViews() const
+{
+    return m_owner == nullptr ? !m_reclaim.partial : m_reclaim.lifetime == Lifetime::WHILE_USED;
 }
 
 const char *Netlist::CellBaseName() const

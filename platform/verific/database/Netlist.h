@@ -2,6 +2,7 @@
 
 #include "DesignObj.h"
 #include "Map.h"
+#include "ReclaimState.h"
 #include "Set.h"
 
 namespace Verific {
@@ -113,7 +114,9 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     friend class NetBus;
     friend class NetlistCopier;
     friend class NetlistReader;
+    friend class NetlistReclaimer;
     friend class NetlistWriter;
+    template <Netlist *ReclaimState::*> friend class NetlistQueue;
     friend class Port;
     friend class PortBus;
 
@@ -121,6 +124,12 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     /// First half of deletion. Where many netlists go at once all of them go through it first: what they refer to in
     /// one another still stands then, and no pin need be disconnected by itself.
     void deleteInstances();
+    /// Deletes this netlist, and its cell too when that is left empty and was made by a restore.
+    void deleteWithCell();
+    /// True when it can be found from a libset.
+    bool inLibset() const;
+    /// True when restored netlists that it uses live only while they are used once it is deleted.
+    bool handsOnViews() const;
 
     Cell *m_owner = nullptr;
     Map m_ports{STRING_HASH};
@@ -136,6 +145,7 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     bool m_register = false;
     bool m_operator = false;
     bool m_dying = false; ///< set while the netlist is deleted: children need not take themselves out
+    ReclaimState m_reclaim;
 };
 
 } // namespace Verific

@@ -46,6 +46,7 @@ NetlistCopier::NetlistCopier(const Netlist &source) : m_source(source) {}
 std::unique_ptr<Netlist> NetlistCopier::run(Map *copied)
 {
     m_copy.reset(new Netlist(m_source.m_name));
+    m_copy->m_reclaim.partial = true;
     m_copy->copyTraits(m_source);
     m_copy->m_type = m_source.m_type;
     m_copy->m_blackBox = m_source.m_blackBox;
@@ -63,6 +64,7 @@ std::unique_ptr<Netlist> NetlistCopier::run(Map *copied)
         reportTable(*copied, &m_source.m_nets, &m_copy->m_nets);
         reportTable(*copied, &m_source.m_insts, &m_copy->m_insts);
     }
+    m_copy->m_reclaim.partial = false;
     return std::move(m_copy);
 }
 

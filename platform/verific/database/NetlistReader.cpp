@@ -274,15 +274,19 @@ Netlist *NetlistReader::read()
     require(top < m_netlists.size());
     attach();
     // Nothing can fail any more.
-    Netlist *answer = m_netlists[top];
+    Netlist *restored = m_netlists[top];
+    for (Netlist *netlist : m_netlists) {
+        netlist->m_reclaim.lifetime = netlist != restored ? Lifetime::RESTORED : Lifetime::OWNED;
+    }
     m_netlists.clear();
     for (std::unique_ptr<Cell> &made : m_madeCells) {
+        made->m_restored = true;
         static_cast<void>(made.release());
     }
     for (std::unique_ptr<Library> &made : m_madeLibraries) {
         static_cast<void>(made.release());
     }
-    return answer;
+    return restored;
 }
 
 void NetlistReader::readShared()

@@ -86,6 +86,62 @@ TEST_F(AllocationFailureTest, SavingLeavesTheOldFile)
                     });
 }
 
+TEST_F(AllocationFailureTest, DeletionAllocatesNothing)
+{
+    for (int kind = 0; kind < 4; ++kind) {
+        Netlist *top = makeEverything();
+        ASSERT_EQ(top->SaveToFile(m_file.c_str()), 1u);
+        Libset::Reset();
+        top = Netlist::RestoreFromFile(m_file.c_str());
+        const Netlist *other = makeNetlist("work", "other");
+        std::unique_ptr<Netlist> copy(top->Copy(nullptr));
+        std::unique_ptr<Netlist> second(copy->Copy(nullptr));
+        const Library *cells = Libset::Global()->GetLibrary("cells");
+        const Cell *gate = cells->GetCell("gate");
+        testsupport::failAllocationAfter(0, testsupport::Failures::ALL);
+        switch (kind) {
+        case 0:
+            Libset::Reset();
+            break;
+        case 1:
+            delete cells;
+            break;
+        case 2:
+            delete gate;
+            delete cells;
+            break;
+        default:
+            delete top;
+            delete other;
+        }
+        copy.reset();
+        second.reset();
+        Libset::Reset();
+        EXPECT_FALSE(testsupport::allocationHasFailed());
+        testsupport::failNoAllocation();
+        EXPECT_EQ(Libset::Global()->GetLibraries()->Size(), 0u);
+    }
+}
+
+TEST_F(AllocationFailureTest, ACopyThatFailsDoesNotCountAsAUserOfRestoredNetlists)
+{
+    ASSERT_EQ(makeEverything()->SaveToFile(m_file.c_str()), 1u);
+    long passing = 0;
+    for (std::unique_ptr<Netlist> copy; copy == nullptr; ++passing) {
+        Libset::Reset();
+        const Netlist *top = Netlist::RestoreFromFile(m_file.c_str());
+        testsupport::failAllocationAfter(passing);
+        try {
+            copy.reset(top->Copy(nullptr));
+        } catch (const std::bad_alloc &) {
+        }
+        testsupport::failNoAllocation();
+        delete top;
+        ASSERT_NE(Libset::Global()->GetLibrary("cells")->GetCell("gate"), nullptr) << passing;
+    }
+    EXPECT_GT(passing, 10);
+}
+
 TEST_F(AllocationFailureTest, EditsLeaveTheNetlistConsistent)
 {
     Netlist *gate = makeGate();

@@ -103,23 +103,6 @@ TEST_F(OwnershipTest, ResetDeletesLibrariesThatReferToEachOtherInBothDirections)
     EXPECT_EQ(Libset::Global()->GetLibraries()->Size(), 0u);
 }
 
-TEST_F(OwnershipTest, ALooseNetlistSurvivesTheReset)
-{
-    Netlist *top = makeEverything();
-    const std::unique_ptr<Netlist> loose(top->Copy(nullptr));
-    Libset::Reset();
-    Instance *inst = loose->GetInst("u1");
-    ASSERT_NE(inst, nullptr);
-    EXPECT_EQ(inst->View(), nullptr);
-    EXPECT_EQ(pinsOf(inst), "");
-    MapIter iter;
-    Net *net = nullptr;
-    FOREACH_NET_OF_NETLIST (loose.get(), iter, net) {
-        EXPECT_EQ(net->Driver(), nullptr);
-        EXPECT_EQ(net->NumOfRefs(), 0u);
-    }
-}
-
 TEST_F(OwnershipTest, AnUnownedInstanceLeavesTheReferences)
 {
     Netlist *gate = makeGate();
