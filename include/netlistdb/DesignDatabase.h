@@ -26,8 +26,10 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     /// Makes an empty database. With @p keepSourceNetlists the working copy of each import is kept and clock domains
     /// are analysed; without it a tree costs less memory and every clock query answers null.
     explicit DesignDatabase(bool keepSourceNetlists);
-    /// Frees everything. Also clears the netlist database's process-wide table of source files and, with
-    /// keepSourceNetlists, its library set: a process must not destroy a database while it still needs either.
+    /// Frees everything. Also clears the netlist database's process-wide table of source files: positions of netlist
+    /// objects are unknown from then on, those of items stay. With keepSourceNetlists it clears the library set too. The
+    /// embedded netlist database keeps the netlists alive that working copies of other databases use; a commercial one
+    /// does not, and the databases of a process must then be destroyed together, at its end.
     ~DesignDatabase() override;
     DesignDatabase(const DesignDatabase &) = delete;
     DesignDatabase &operator=(const DesignDatabase &) = delete;

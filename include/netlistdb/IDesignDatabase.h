@@ -21,7 +21,9 @@ class VDBSearchParam;
 
 /// One design, seen through up to two source netlists: the elaborated one and the post-map one.
 ///
-/// Imports, queries, reset and destruction run on the caller's thread and must not overlap on one database.
+/// Everything runs on the caller's thread. Imports, queries, reset and destruction must not overlap on one database. The
+/// netlist database underneath has process-wide tables (library set, source files): imports, restores, resets and
+/// destruction of any two databases must not overlap in one process either.
 class NETLISTDB_EXPORT IDesignDatabase {
   public:
     /// The kinds of source netlist. Any other value counts as a source that is absent.
@@ -30,19 +32,24 @@ class NETLISTDB_EXPORT IDesignDatabase {
         SOURCE_POST_MAP = 2,   ///< a flat top of device primitive cells
     };
 
-    /// Deletes every item of both sources: result sets first.
+    /// Deletes every item of both sources, those of replaced trees too. Delete result sets first.
     virtual ~IDesignDatabase();
 
-    /// Imports an elaborated netlist, which stays the caller's: it is read and copied only. The source then counts as
-    /// loaded even when the answer is false: some instance names a view outside the netlist's hierarchy. No module may
-    /// contain itself. A source that is loaded already is not emptied first: its old tree lives on until the database
-    /// goes. What a throwing import built stays until the source is reset. Costs time and memory in proportion to the
-    /// unfolded design.
+    /// Imports an elaborated netlist, which stays the caller's. Its top level is copied and not needed after the call.
+    /// The netlists below are shared, not copied: a database that keeps source netlists refers to them until the source
+    /// is reset (a replaced tree: until the database is destroyed), and they must live as long. The embedded netlist
+    /// database sees to that by itself, unless one of them is deleted on its own; with a commercial one, it is up to
+    /// the caller. The source counts as loaded even when the result is false: some instance names a view outside the
+    /// netlist's hierarchy. No module may contain itself. A source that is loaded already is not emptied first: the
+    /// modules and clock domains of the replaced tree are deleted by the next reset of the source, its instances with
+    /// the database. What a throwing import built stays until the source is reset. Costs time and memory in proportion
+    /// to the unfolded design.
     /// @throws std::invalid_argument "netlist is nullptr" (nothing changes then), std::out_of_range "stoi" when a bit
     ///         subscript exceeds a signed 32-bit integer, std::bad_alloc.
     virtual bool parseElaboratedNetlist(Verific::Netlist *netlist) = 0;
     /// Restores a saved netlist and imports it; false when the file @p path cannot be restored (nothing changes then)
-    /// or when the import says so. The restored netlist goes again.
+    /// or when the import returns false. Deletes the restored top netlist afterwards. The netlists below it are in the
+    /// global library set; the embedded netlist database deletes them when the source no longer needs them.
     /// @throws as parseElaboratedNetlist; the restored netlist then stays in the global library set.
     virtual bool parseElaboratedNetlistFromFile(const std::string &path) = 0;
     /// Imports a post-map netlist: its top level of instances alone is unfolded. As parseElaboratedNetlist otherwise.
@@ -53,8 +60,9 @@ class NETLISTDB_EXPORT IDesignDatabase {
     virtual bool load(const std::string &path) = 0;
     /// Does nothing, touches no file and answers true.
     virtual bool save(const std::string &path, bool flag) = 0;
-    /// Frees one source's tree and clock domains; every pointer into it is dead afterwards. False when that source is
-    /// not loaded. The other source stays as it is.
+    /// Frees one source's tree and clock domains; every pointer into it is dead afterwards. So are the modules and
+    /// clock domains of trees that imports over the loaded source have replaced. False when that source is not loaded.
+    /// The other source stays as it is.
     virtual bool reset(SOURCE_TYPE type) = 0;
     /// Whether the source has a top module: an import got at least that far, and no reset has followed.
     virtual bool isSourceLoaded(SOURCE_TYPE type) const = 0;

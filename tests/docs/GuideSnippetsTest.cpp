@@ -108,7 +108,7 @@ TEST_F(Guide, LoadsFromAFileAndFromMemory)
     // From a saved netlist:
     bool complete = database.parseElaboratedNetlistFromFile(path);
 
-    // From a netlist in memory, here one that yosys wrote. The import copies it; the netlist stays yours.
+    // From a netlist in memory, here one that yosys wrote. It stays yours; the import copies its top level.
     DesignDatabase other(true);
     Verific::Netlist *netlist = yosys::readJson(json);
     complete = other.parseElaboratedNetlist(netlist) && complete;

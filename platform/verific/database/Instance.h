@@ -17,7 +17,8 @@ class VERIFIC_EXPORT Instance : public DesignObj {
   public:
     /// @p view may be null.
     Instance(const char *name, Netlist *view);
-    /// Disconnects every pin and leaves the view's references.
+    /// Disconnects every pin and leaves the view's references. A view that lived on only because this instance used it
+    /// is deleted.
     ~Instance() override;
 
     Netlist *View() const { return m_view; }

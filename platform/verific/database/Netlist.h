@@ -36,7 +36,8 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
   public:
     explicit Netlist(const char *view_name);
     /// Deletes everything in the netlist, takes it out of its cell and its instances out of their views' references;
-    /// instances elsewhere that have it as their view keep living, without view and pins.
+    /// instances elsewhere that have it as their view keep living, without view and pins. Also deletes the netlists
+    /// that lived on only because this one used them (see Libset::Reset and RestoreFromFile).
     ~Netlist() override;
 
     /// The owning cell; null for a loose netlist or a copy.
@@ -90,9 +91,10 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     /// Marks the netlist as a black box; contents, if it has any, stay.
     void MakeBlackBox() { m_blackBox = true; }
 
-    /// Reads a saved netlist into the global libset and answers its top netlist, or null (leaving the libset as it
+    /// Reads a saved netlist into the global libset and returns its top netlist, or null (leaving the libset as it
     /// was) when the file is missing, damaged, foreign or of a newer version. The top belongs to its cell; deleting it
-    /// leaves the netlists below it alive.
+    /// leaves the netlists below it alive. Once a loose netlist that uses one of these has been deleted, that netlist
+    /// is deleted with its last user, and with it the cell that the restore made for it and that is left empty.
     static Netlist *RestoreFromFile(const char *file_name);
 
     // Embedded database only.
