@@ -72,7 +72,7 @@ bool HashIndex::remove(std::uint64_t hash, std::uint32_t slot)
     const std::size_t mask = m_buckets.size() - 1;
     for (std::size_t at = static_cast<std::size_t>(hash) & mask; m_buckets[at].slot != NONE; at = (at + 1) & mask) {
         if (m_buckets[at].slot == slot) {
-            // Without a successor the chain ends here anyway, and the bucket can be used afresh.
+            // Without a successor the chain ends here, and the bucket can be reused.
             const bool last = m_buckets[(at + 1) & mask].slot == NONE;
             m_buckets[at].slot = last ? NONE : DELETED;
             m_used -= last ? 1 : 0;

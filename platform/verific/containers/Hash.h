@@ -16,8 +16,8 @@ enum hash_type {
 
 /// Look-up index over the slots of an insertion-ordered table: open addressing, 32-bit slot numbers.
 ///
-/// The index knows nothing of the table; it is handed the hash of each slot's key. Keys in it are distinct: of several
-/// equal keys the owner enters the first alone. An empty index costs one empty vector, so that tables which are only
+/// The index does not know the table; callers pass the hash of each slot's key. Keys in it are distinct: of several
+/// equal keys the owner enters only the first. An empty index costs one empty vector, so that tables which are only
 /// iterated never pay for it.
 class VERIFIC_EXPORT HashIndex {
   public:
@@ -37,7 +37,7 @@ class VERIFIC_EXPORT HashIndex {
     bool full() const;
     /// Adds @p slot under @p hash. The index must be built and not full.
     void insert(std::uint64_t hash, std::uint32_t slot);
-    /// Removes @p slot, added under @p hash; answers false when it is not there.
+    /// Removes @p slot, added under @p hash; returns false when it is not there.
     bool remove(std::uint64_t hash, std::uint32_t slot);
 
     /// The slot under @p hash for which @p matches(slot) is true, or NONE.
@@ -60,7 +60,7 @@ class VERIFIC_EXPORT HashIndex {
     }
 
   private:
-    /// The tag spares the look at a key whose hash differs.
+    /// The tag avoids comparing keys whose hashes differ.
     struct Bucket {
         std::uint32_t slot;
         std::uint32_t tag;

@@ -21,11 +21,11 @@ class VERIFIC_EXPORT Map {
     Map &operator=(const Map &) = delete;
 
     /// Adds @p key with @p value. An existing key keeps its value unless @p force_overwrite is non-zero.
-    /// Answers 1 when the map changed, 0 when the key was there (and was not overwritten) or is a null text.
+    /// Returns 1 when the map changed, 0 when the key was there (and was not overwritten) or is a null text.
     unsigned Insert(const void *key, const void *value, unsigned force_overwrite = 0);
     /// The value of @p key, or null. Constant time (the first call on an unindexed map builds the index).
     void *GetValue(const void *key) const;
-    /// Removes @p key; answers 1 when it was there.
+    /// Removes @p key; returns 1 when it was there.
     unsigned Remove(const void *key);
     unsigned Size() const { return m_size; }
     /// Removes everything and frees the storage.
@@ -33,12 +33,12 @@ class VERIFIC_EXPORT Map {
     /// Exchanges the entries with those of @p other, which has the same hash_type. Slots stay as they are.
     void swap(Map &other) noexcept;
 
-    // What the database itself uses: entries under keys that may be null or stand twice, removed by position.
+    // What the database itself uses: entries under keys that may be null or occur twice, removed by position.
 
     static constexpr unsigned NO_SLOT = 0xFFFFFFFFu;
     /// Room for @p count entries in all.
     void reserve(unsigned count);
-    /// Adds an entry without looking whether the key is there; answers its slot. A null key is never found. Cannot fail
+    /// Adds an entry without looking whether the key is there; returns its slot. A null key is never found. Cannot fail
     /// after reserve().
     unsigned append(const void *key, const void *value);
     /// Removes the entry at @p slot.
@@ -54,8 +54,8 @@ class VERIFIC_EXPORT Map {
     const void *keyAt(unsigned slot) const { return m_entries[slot].key; }
     /// True when more than half of the slots are freed, so that compacting pays.
     bool sparse() const { return slots() > 64 && m_size < slots() / 2; }
-    /// Closes the gaps, keeping the order, without allocating; @p moved(value, newSlot) is told every entry's new
-    /// place.
+    /// Closes the gaps, keeping the order, without allocating; @p moved(value, newSlot) is called for every
+    /// entry.
     template <typename Moved> void compact(Moved moved)
     {
         unsigned to = 0;
@@ -89,7 +89,7 @@ class VERIFIC_EXPORT Map {
     unsigned m_size = 0;
     unsigned m_head = 0; ///< slots before it are freed
     hash_type m_type;
-    mutable bool m_repeatedKeys = false; ///< a key that is in the index stands at a later slot as well
+    mutable bool m_repeatedKeys = false; ///< a key in the index is also at a later slot
 };
 
 /// Walks a Map in order of insertion.
@@ -103,7 +103,7 @@ class VERIFIC_EXPORT MapIter {
         m_at = 0;
     }
     /// Steps to the next entry and stores its key and value where the pointers (either may be null) lead.
-    /// Answers 0 at the end, storing null.
+    /// Returns 0 at the end, storing null.
     unsigned Next(void **key, void **value);
 
     // The macros of DataBase.h walk other ordered things with the same iterator type.

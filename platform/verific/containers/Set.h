@@ -19,11 +19,11 @@ class VERIFIC_EXPORT Set {
     Set(const Set &) = delete;
     Set &operator=(const Set &) = delete;
 
-    /// Adds @p item; answers 1 when the set changed, 0 when an equal item was there or @p item is null.
+    /// Adds @p item; returns 1 when the set changed, 0 when an equal item was there or @p item is null.
     unsigned Insert(const void *item);
     /// The item in the set that equals @p item, or null. Constant time once the index is built.
     void *Get(const void *item) const;
-    /// Removes the item that equals @p item; answers 1 when it was there.
+    /// Removes the item that equals @p item; returns 1 when it was there.
     unsigned Remove(const void *item);
     unsigned Size() const { return m_size; }
     /// Removes everything and frees the storage.
@@ -35,7 +35,7 @@ class VERIFIC_EXPORT Set {
 
     static constexpr unsigned NO_SLOT = 0xFFFFFFFFu;
     void reserve(unsigned count);
-    /// Adds @p item, which the caller knows is not there yet; answers its slot. Cannot fail after reserve().
+    /// Adds @p item, which the caller knows is not there yet; returns its slot. Cannot fail after reserve().
     unsigned append(const void *item);
     void removeSlot(unsigned slot);
     /// Puts @p item at @p slot, which is in use. Between the first and the last of such calls that change the order the
@@ -45,7 +45,7 @@ class VERIFIC_EXPORT Set {
     void *itemAt(unsigned slot) const { return const_cast<void *>(m_items[slot]); }
     /// True when more than half of the slots are freed, so that compacting pays.
     bool sparse() const { return slots() > 64 && m_size < slots() / 2; }
-    /// Closes the gaps, keeping the order, without allocating; @p moved(item, newSlot) is told every item's new place.
+    /// Closes the gaps, keeping the order, without allocating; @p moved(item, newSlot) is called for every item.
     template <typename Moved> void compact(Moved moved)
     {
         unsigned to = 0;
@@ -85,7 +85,7 @@ class VERIFIC_EXPORT SetIter {
         m_source = set;
         m_at = 0;
     }
-    /// Steps to the next item and stores it where @p item (may be null) leads. Answers 0 at the end, storing null.
+    /// Steps to the next item and stores it where @p item (may be null) leads. Returns 0 at the end, storing null.
     unsigned Next(void **item);
 
     // The macros of DataBase.h walk other ordered things with the same iterator type.

@@ -39,7 +39,7 @@ template <typename Bit> class BusElements {
     }
     std::uint64_t width() const { return offsetOf(m_right) + 1; }
 
-    /// Places counted from the left bound; ends behind the last bit that is set.
+    /// Places counted from the left bound; ends after the last bit that is set.
     const std::vector<Bit *> &bits() const { return m_bits; }
     std::vector<Bit *> &bits() { return m_bits; }
 
@@ -85,7 +85,7 @@ template <typename Bit> class BusElements {
         return false;
     }
 
-    /// Gives up places behind the last set bit.
+    /// Drops the places after the last set bit.
     void trim()
     {
         while (!m_bits.empty() && m_bits.back() == nullptr) {

@@ -13,7 +13,7 @@ class Netlist;
 
 /// What every named object of the database has: name, source position, attributes, flags.
 ///
-/// Objects are made with `new`, handed to their owner with its `Add`, and deleted by it. Deleting an object by hand
+/// Objects are made with `new`, passed to their owner with its `Add`, and deleted by it. Deleting an object directly
 /// takes it out of its owner and out of everything it is connected to.
 class VERIFIC_EXPORT DesignObj {
   public:
@@ -60,7 +60,7 @@ class VERIFIC_EXPORT DesignObj {
     bool m_userDeclared : 1;
 };
 
-/// What the loop macros call.
+/// Called by the loop macros.
 namespace loops {
 
 /// Step of FOREACH_ATTRIBUTE that takes a null object as one without attributes.

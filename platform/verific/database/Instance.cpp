@@ -230,7 +230,7 @@ PortRef *Instance::spacePin()
         return block->space();
     }
     if (block->next == nullptr) {
-        // Blocks in which nothing is connected any more would pile up where pins are moved about.
+        // Blocks without connected pins would pile up where pins are reconnected often.
         unsigned room = 0;
         for (PinBlock **link = &m_pins; *link != nullptr;) {
             PinBlock *each = *link;
@@ -299,7 +299,7 @@ void Instance::dropPin(PortRef *pin)
     pin->m_port = nullptr;
     pin->m_net = nullptr;
     --m_pinCount;
-    // Disconnected places behind the last connected pin are free again.
+    // Disconnected places after the last connected pin become free.
     for (;;) {
         PinBlock *block = m_pins;
         while (block->next != nullptr && block->next->used > 0) {

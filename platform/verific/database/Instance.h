@@ -25,13 +25,13 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     Netlist *Owner() const { return m_owner; }
     /// Connects the pin of @p port, a port of the view, to @p net of the same netlist: both the instance and the net
     /// must have been added to it. A pin that is connected elsewhere is disconnected first and then counts as connected
-    /// last; a pin that is on @p net already stays as it is. A null net only disconnects. Answers 1 when the pin is on
+    /// last; a pin that is on @p net already stays as it is. A null net only disconnects. Returns 1 when the pin is on
     /// @p net afterwards, and 0, changing nothing, for a port or net that does not belong there.
     unsigned Connect(const Port *port, Net *net);
-    /// Disconnects the pin of @p port; answers 1 when it was connected.
+    /// Disconnects the pin of @p port; returns 1 when it was connected.
     unsigned Disconnect(const Port *port);
     /// The net on the pin of @p port, or null. Constant time when the pins were connected in the order of the ports;
-    /// otherwise a look through the pins, with an index beyond a few dozen of them.
+    /// otherwise a search through the pins, with an index when there are more than a few dozen.
     Net *GetNet(const Port *port) const;
     /// Type code of the view (0 without one).
     unsigned Type() const;
@@ -47,7 +47,7 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     /// Steps FOREACH_PORTREF_OF_INST.
     bool nextPortRef(MapIter &iter, PortRef *&ref) const;
     unsigned NumOfPortRefs() const { return m_pinCount; }
-    /// Room for @p count pins in all, so that they lie side by side. For builders that know the number.
+    /// Makes room for @p count pins in all, contiguously. For builders that know the number.
     void reservePins(unsigned count);
 
   private:
@@ -62,13 +62,13 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     PortRef *findPin(const Port *port) const;
     /// The pin connected last, or null.
     PortRef *lastPin() const;
-    /// A place for one more pin behind the others; takePin() makes it count.
+    /// A place for one more pin after the others; takePin() puts it in use.
     PortRef *spacePin();
     void takePin(PortRef *pin, const Port *port, Net *net);
-    /// Connects a pin behind the others in the one block that reservePins() made. For builders that know the port to
-    /// be unconnected.
+    /// Connects a pin after the others in the one block that reservePins() made. For builders that know that the port
+    /// is not connected.
     void appendPin(Port *port, Net *net);
-    /// Where @p pin stands among the connected and disconnected pins.
+    /// Position of @p pin among the connected and disconnected pins.
     std::uint64_t placeOf(const PortRef *pin) const;
     void dropPin(PortRef *pin);
     void dropPins();
@@ -85,7 +85,7 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     unsigned m_pinCount = 0;
 };
 
-/// What the loop macros call.
+/// Called by the loop macros.
 namespace loops {
 
 /// Step of FOREACH_PORTREF_OF_INST that takes a null instance as one without pins.
@@ -104,7 +104,7 @@ inline const Map *parametersOf(const Instance *inst)
 } // namespace Verific
 
 /// Loops over the connected pins of an instance in order of connection: `MapIter mi; PortRef *ref;`. Disconnecting the
-/// pin that the loop stands on is safe; connecting pins of this instance is not.
+/// pin that the loop is at is safe; connecting pins of this instance is not.
 #define FOREACH_PORTREF_OF_INST(inst, mi, ref)                                                                         \
     for ((mi).start(nullptr); ::Verific::loops::nextPortRefOf((inst), (mi), (ref));)
 

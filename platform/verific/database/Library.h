@@ -25,7 +25,7 @@ class VERIFIC_EXPORT Libset {
     Libset(const Libset &) = delete;
     Libset &operator=(const Libset &) = delete;
 
-    /// Takes ownership of @p library. Answers 0 (and takes nothing) when it has an owner already.
+    /// Takes ownership of @p library. Returns 0 (and takes nothing) when it already has an owner.
     unsigned Add(Library *library);
     /// The library of that name, or null.
     Library *GetLibrary(const char *name) const;
@@ -49,7 +49,7 @@ class VERIFIC_EXPORT Library : public DesignObj {
     /// of their cells.
     ~Library() override;
 
-    /// Takes ownership of @p cell. Answers 0 (and takes nothing) when it has an owner already.
+    /// Takes ownership of @p cell. Returns 0 (and takes nothing) when it already has an owner.
     unsigned Add(Cell *cell);
     Cell *GetCell(const char *name) const;
     Libset *Owner() const { return m_owner; }
@@ -81,7 +81,7 @@ class VERIFIC_EXPORT Library : public DesignObj {
     Map m_cells;
     Cell *m_hiddenCells = nullptr;        ///< successors of deleted cells, which cannot be found by name
     std::unique_ptr<Library> m_successor; ///< takes over what outlives this one: a destructor must not allocate
-    bool m_abandoned = false;             ///< has no owner but its netlists: goes with the last cell
+    bool m_abandoned = false;             ///< kept by its netlists only: deleted with the last cell
 };
 
 /// A named design unit; its netlists are its views.
@@ -92,7 +92,7 @@ class VERIFIC_EXPORT Cell : public DesignObj {
     /// Libset::Reset() says; another Cell object of the same name and attributes is then its owner.
     ~Cell() override;
 
-    /// Takes ownership of @p netlist. Answers 0 (and takes nothing) when it has an owner already.
+    /// Takes ownership of @p netlist. Returns 0 (and takes nothing) when it already has an owner.
     unsigned Add(Netlist *netlist);
     Netlist *GetFirstNetlist() const;
     Netlist *GetNetlist(const char *view_name) const;
@@ -118,7 +118,7 @@ class VERIFIC_EXPORT Cell : public DesignObj {
     std::unique_ptr<Cell> m_successor; ///< takes over what outlives this one: a destructor must not allocate
     Cell *m_previousHidden = nullptr;  ///< among the hidden cells of the library
     Cell *m_nextHidden = nullptr;
-    bool m_abandoned = false; ///< has no owner but its netlists: goes with the last one
+    bool m_abandoned = false; ///< kept by its netlists only: deleted with the last one
     bool m_restored = false;  ///< made by a restore
 };
 

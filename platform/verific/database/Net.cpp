@@ -65,7 +65,7 @@ Set *Net::GetPorts() const
 
 bool Net::nextPortRef(SetIter &iter, PortRef *&ref) const
 {
-    // The iterator holds the pin that comes next, so that the present one may go.
+    // The iterator holds the next pin, so that the current one may be disconnected.
     ref = iter.position() == 0 ? m_first : const_cast<PortRef *>(static_cast<const PortRef *>(iter.source()));
     iter.setPosition(1);
     iter.setSource(ref != nullptr ? ref->m_next : nullptr);
@@ -122,18 +122,18 @@ void Net::unlink(PortRef *ref, bool output)
 
 std::vector<std::uint32_t> Net::pinRanks() const
 {
-    struct Place {
+    struct PinPlace {
         std::uint32_t inst;
         std::uint32_t position; ///< in order of connection
         std::uint64_t pin;
     };
-    std::vector<Place> places;
+    std::vector<PinPlace> places;
     places.reserve(m_refs);
     for (const PortRef *ref = m_first; ref != nullptr; ref = ref->m_next) {
         const Instance *inst = ref->m_inst;
         places.push_back({inst->m_slot, static_cast<std::uint32_t>(places.size()), inst->placeOf(ref)});
     }
-    std::sort(places.begin(), places.end(), [](const Place &left, const Place &right) {
+    std::sort(places.begin(), places.end(), [](const PinPlace &left, const PinPlace &right) {
         return std::tie(left.inst, left.pin) < std::tie(right.inst, right.pin);
     });
     std::vector<std::uint32_t> ranks(places.size());

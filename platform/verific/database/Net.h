@@ -15,7 +15,7 @@ class NetBus;
 class Netlist;
 class Port;
 
-/// A wire of a netlist: it meets pins of instances and ports of its own netlist.
+/// A wire of a netlist: connects pins of instances and ports of its own netlist.
 class VERIFIC_EXPORT Net : public DesignObj {
   public:
     explicit Net(const char *name);
@@ -39,7 +39,7 @@ class VERIFIC_EXPORT Net : public DesignObj {
     virtual unsigned Size() const { return 1; }
     /// True for a net that stands for a whole memory.
     virtual unsigned IsRamNet() const { return 0; }
-    /// Ports of the netlist that meet this net, in order of connection.
+    /// Ports of the netlist that are connected to this net, in order of connection.
     Set *GetPorts() const;
     unsigned NumOfRefs() const { return m_refs; }
 
@@ -63,9 +63,9 @@ class VERIFIC_EXPORT Net : public DesignObj {
     /// For the pins in order of connection, the place of each when they are sorted by instance (in order of addition)
     /// and by pin within the instance.
     std::vector<std::uint32_t> pinRanks() const;
-    /// Brings the pins, which stand in that sorted order now, into the order that pinRanks() described.
+    /// Reorders the pins, which are in that sorted order, into the order that pinRanks() returned.
     void applyPinRanks(const std::vector<std::uint32_t> &ranks);
-    /// Answers the port's place among the ports.
+    /// Returns the port's place among the ports.
     unsigned addPort(Port *port);
     void removePort(unsigned slot, bool input);
     unsigned outputPins() const;
@@ -133,7 +133,7 @@ class VERIFIC_EXPORT NetBus : public DesignObj {
     BusElements<Net> m_elements;
 };
 
-/// What the loop macros call.
+/// Called by the loop macros.
 namespace loops {
 
 /// Step of FOREACH_PORTREF_OF_NET that takes a null net as one without pins.
@@ -148,7 +148,7 @@ inline bool nextNetOf(const NetBus *bus, MapIter &iter, Net *&net)
     return bus != nullptr && bus->nextNet(iter, net);
 }
 
-/// Ports that meet a net that may be null.
+/// Ports connected to a net that may be null.
 inline const Set *portsOfNet(const Net *net)
 {
     return net != nullptr ? net->GetPorts() : nullptr;
@@ -158,11 +158,11 @@ inline const Set *portsOfNet(const Net *net)
 } // namespace Verific
 
 /// Loops over the pins on a net in order of connection: `SetIter si; PortRef *ref;`. Disconnecting the pin that the
-/// loop stands on is safe.
+/// loop is at is safe.
 #define FOREACH_PORTREF_OF_NET(net, si, ref)                                                                           \
     for ((si).start(nullptr); ::Verific::loops::nextPortRefOf((net), (si), (ref));)
 
-/// Loops over the ports of the netlist that meet a net: `SetIter si; Port *port;`.
+/// Loops over the ports of the netlist that are connected to a net: `SetIter si; Port *port;`.
 #define FOREACH_PORT_OF_NET(net, si, port) FOREACH_SET_ITEM (::Verific::loops::portsOfNet(net), si, &(port))
 
 /// Loops over the set nets of a NetBus from left to right: `MapIter mi; Net *net;`.

@@ -31,7 +31,7 @@ enum primitive_type {
     PRIM_OTHER = 12,
 };
 
-/// One view of a cell: its ports, nets and instances. A black box has ports alone that count.
+/// One view of a cell: its ports, nets and instances. Of a black box, only the ports count.
 class VERIFIC_EXPORT Netlist : public DesignObj {
   public:
     explicit Netlist(const char *view_name);
@@ -45,14 +45,14 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     /// Name of the owning cell, or null.
     const char *CellBaseName() const;
 
-    /// These take ownership; they answer 0 (and take nothing) when the object has an owner already.
+    /// These take ownership; they return 0 (and take nothing) when the object already has an owner.
     unsigned Add(Port *port);
     unsigned Add(PortBus *bus);
     unsigned Add(Net *net);
     unsigned Add(NetBus *bus);
     unsigned Add(Instance *inst);
 
-    /// Look-up by name, null when there is none; of several of one name the first. @p case_insensitive must be 0.
+    /// The object of that name, the first of several; null when there is none. @p case_insensitive must be 0.
     Port *GetPort(const char *name, unsigned case_insensitive = 0) const;
     PortBus *GetPortBus(const char *name) const;
     Net *GetNet(const char *name) const;
@@ -82,7 +82,7 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     unsigned IsRegister() const { return m_register; }
     unsigned IsOperator() const { return m_operator; }
     unsigned IsPrimitive() const { return m_type != PRIM_NONE; }
-    /// Type code (primitive_type); 0 for what is no primitive.
+    /// Type code (primitive_type); 0 for anything but a primitive.
     unsigned Type() const { return m_type; }
     /// Clock port of a register, or null.
     Port *GetClock() const { return m_clock; }
@@ -98,8 +98,8 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     static Netlist *RestoreFromFile(const char *file_name);
 
     // Embedded database only.
-    /// Writes this netlist and everything below it; answers 0 when the file cannot be written whole, leaving whatever
-    /// stood under the name before.
+    /// Writes this netlist and everything below it; returns 0 when the file cannot be written whole, leaving any
+    /// earlier file of that name as it was.
     unsigned SaveToFile(const char *file_name) const;
     /// @p clock is a port of this netlist, or null; a foreign port counts as null.
     void MakeRegister(Port *clock);
@@ -123,8 +123,8 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     friend class PortBus;
 
     explicit Netlist(SharedName view_name);
-    /// First half of deletion. Where many netlists go at once all of them go through it first: what they refer to in
-    /// one another still stands then, and no pin need be disconnected by itself.
+    /// First half of deletion. When many netlists are deleted together, each loses its instances before the first one
+    /// loses its nets and ports: what they refer to in one another still exists, and no pin is disconnected by itself.
     void deleteInstances();
     /// Deletes this netlist, and its cell too when that is left empty and was made by a restore.
     void deleteWithCell();

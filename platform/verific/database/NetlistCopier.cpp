@@ -13,14 +13,14 @@ namespace Verific {
 
 namespace {
 
-/// Hands @p object to @p netlist, which has room for it.
+/// Passes @p object to @p netlist, which has room for it.
 template <typename Object> Object *give(Netlist &netlist, std::unique_ptr<Object> object)
 {
     netlist.Add(object.get());
     return object.release();
 }
 
-/// Tells @p copied the copy of every entry of @p from, which stands at the same place among those of @p to.
+/// Enters into @p copied the copy of every entry of @p from, which is at the same place in @p to.
 void reportTable(Map &copied, const Map *from, const Map *to)
 {
     MapIter fromIter;

@@ -31,7 +31,7 @@ class NetlistCopier {
 
     struct CopiedNet {
         Net *copy = nullptr;
-        /// The pin of the original that must come next if its pins stand in the order of the instances.
+        /// The pin of the original that must come next if its pins are in the order of the instances.
         const PortRef *expected = nullptr;
     };
 
@@ -39,7 +39,7 @@ class NetlistCopier {
     std::unique_ptr<Netlist> m_copy;
     std::vector<CopiedNet> m_nets;    ///< by slot of the original
     std::vector<Port *> m_ports;      ///< by slot of the original
-    std::vector<const Net *> m_mixed; ///< originals whose pins stand in another order, repeatedly
+    std::vector<const Net *> m_mixed; ///< originals whose pins are in another order, with repetitions
 };
 
 } // namespace Verific

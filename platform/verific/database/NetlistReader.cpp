@@ -36,7 +36,7 @@ void require(bool sound)
     }
 }
 
-/// Hands @p object to @p owner.
+/// Passes @p object to @p owner.
 template <typename Owner, typename Object> Object *give(Owner &owner, std::unique_ptr<Object> object)
 {
     owner.Add(object.get());
@@ -95,7 +95,7 @@ class NetlistReader::TextCursor {
             m_row = 0;
             m_offset = 0;
         }
-        const Chunk &chunk = m_chunks[m_chunk];
+        const OpenChunk &chunk = m_chunks[m_chunk];
         const std::uint32_t stored = chunk.lengths[m_row++];
         if (stored == 0) {
             return SharedName();
@@ -108,11 +108,11 @@ class NetlistReader::TextCursor {
     }
 
   private:
-    struct Chunk {
+    struct OpenChunk {
         capnp::Data::Reader bytes;
         Column lengths;
     };
-    std::vector<Chunk> m_chunks;
+    std::vector<OpenChunk> m_chunks;
     std::size_t m_chunk = 0;
     unsigned m_row = 0;
     std::size_t m_offset = 0; ///< in the bytes of the chunk
@@ -131,7 +131,7 @@ class NetlistReader::ObjectCursor {
     }
 
     std::uint64_t size() const { return m_names.size(); }
-    /// Name of the next row. applyTo() goes with the row whose name was asked last.
+    /// Name of the next row. applyTo() applies the row whose name was read last.
     SharedName nextName()
     {
         ++m_next;
@@ -273,7 +273,7 @@ Netlist *NetlistReader::read()
     const std::uint32_t top = m_message.getTop();
     require(top < m_netlists.size());
     attach();
-    // Nothing can fail any more.
+    // Nothing below can fail.
     Netlist *restored = m_netlists[top];
     for (Netlist *netlist : m_netlists) {
         netlist->m_reclaim.lifetime = netlist != restored ? Lifetime::RESTORED : Lifetime::OWNED;

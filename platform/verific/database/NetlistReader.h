@@ -26,11 +26,12 @@ class Port;
 
 /// Builds the netlists of a saved file and brings them into the global libset.
 ///
-/// Trusts nothing in the message: every number is checked before it is used, and no more is allocated than a fixed
-/// multiple of the message. Until the end everything belongs to the reader, which deletes it when something is wrong.
+/// Trusts nothing in the message: every number is checked before it is used, and at most a fixed
+/// multiple of its size is allocated. Until the end everything belongs to the reader, which deletes it when something
+/// is wrong.
 class NetlistReader {
   public:
-    /// What read() throws when the message makes no sense.
+    /// Thrown by read() when the message is inconsistent.
     struct Damaged {};
 
     /// @p size is that of the message in bytes.
@@ -80,7 +81,7 @@ class NetlistReader {
     void readMixedReferences();
 
     void attach();
-    /// The library of that name; made if need be, then with the traits of the present row of @p traits.
+    /// The library of that name; made if need be, with the traits of the current row of @p traits.
     Library *library(const char *name, const ObjectCursor *traits);
     Cell *cell(Library &library, const char *name, const ObjectCursor *traits);
     SharedName freeViewName(const Cell &cell, const std::string &name);

@@ -71,7 +71,7 @@ void NetlistReclaimer::noteLostUser(Netlist &view, const Netlist *deleted)
     }
 }
 
-/// Deletes the netlists in line that have no user any more, and those that only keep each other alive.
+/// Deletes the netlists in the queue that have no user left, and those that only keep each other alive.
 void NetlistReclaimer::reclaim()
 {
     Examined suspects;
@@ -90,7 +90,7 @@ void NetlistReclaimer::reclaim()
     }
 }
 
-/// Looks at the youngest user alone, which settles most cases at once: false means that there may be one.
+/// A quick check of the newest user only, which settles most cases. False means that there may still be one.
 bool NetlistReclaimer::hasHeldUser(const Netlist &netlist)
 {
     const Netlist *const user = static_cast<const Instance *>(netlist.m_references.GetLast())->Owner();
@@ -244,7 +244,7 @@ void NetlistReclaimer::deleteDoomed(Examined &doomed)
             garbage.append(*netlist);
         }
     }
-    // What the garbage refers to in itself still stands while all of it loses its instances.
+    // All of it loses its instances before the first netlist is deleted: instances refer to views among it.
     for (Netlist *netlist = garbage.first(); netlist != nullptr; netlist = Examined::next(*netlist)) {
         netlist->deleteInstances();
     }
@@ -267,8 +267,8 @@ void NetlistReclaimer::emptyUnused(const Examined &doomed)
     }
 }
 
-/// Marks the netlists in @p examined that something outside every set uses. Adds the users of each, for it may be one
-/// of these that is used from outside.
+/// Marks the netlists in @p examined that something outside every set uses. Adds the users of each to the list, because
+/// the use from outside may be of one of these.
 void NetlistReclaimer::findNeeded(Examined &examined)
 {
     Needed needed;

@@ -41,7 +41,7 @@ class NetlistReclaimer {
     };
 
     /// Notes that @p view has lost an instance. @p deleted is the netlist that is deleted together with the instance,
-    /// or null when the instance goes by itself. To be called within a Deletion.
+    /// or null when the instance is deleted by itself. Must be called within a Deletion.
     static void noteLostUser(Netlist &view, const Netlist *deleted);
 
     // Delete the netlists of an owner that is being deleted. A netlist that something outside every library set uses,

@@ -106,7 +106,7 @@ bool NetlistWriter::gather()
     return true;
 }
 
-/// Libraries, cells and netlists are written in the order in which they stand in their owners.
+/// Libraries, cells and netlists are written in the order of their owners.
 void NetlistWriter::gatherRows()
 {
     Set hierarchy(POINTER_HASH);

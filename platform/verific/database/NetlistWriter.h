@@ -22,7 +22,7 @@ class PortRef;
 class NetlistWriter {
   public:
     explicit NetlistWriter(const Netlist &top);
-    /// Answers false when a netlist contains itself. Throws std::bad_alloc, and std::length_error when the design is
+    /// Returns false when a netlist contains itself. Throws std::bad_alloc, and std::length_error when the design is
     /// too large for the format.
     bool gather();
     void store(saved::SavedNetlist::Builder to);

@@ -4,8 +4,9 @@
 
 namespace Verific {
 
-/// Adds @p object under @p name to an owner's table, closing the gaps first when most of it is gaps; answers its slot.
-/// @p moved is told the new slot of every object that the closing moves.
+/// Adds @p object under @p name to an owner's table, compacting the table first when most of it is gaps; returns the
+/// slot.
+/// @p moved(object, slot) is called for every object that compacting moves.
 template <typename Object, typename Moved>
 unsigned addToTable(Map &table, const char *name, Object *object, Moved moved)
 {

@@ -28,7 +28,7 @@ class ParamTable {
     bool shared() const { return m_users > 1; }
     /// A table of one user with the same parameters.
     std::unique_ptr<ParamTable> clone() const;
-    /// Adds a parameter; answers false when the key is null or there already.
+    /// Adds a parameter; returns false when the key is null or there already.
     bool add(const SharedName &key, const SharedName &value);
     /// Adds a parameter; an existing key takes the new value. @p key has a text.
     void set(const SharedName &key, const SharedName &value);

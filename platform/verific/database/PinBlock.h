@@ -19,7 +19,7 @@ class PinBlock {
     static void free(PinBlock *block) { ::operator delete(block); }
 
     PortRef *pins() { return reinterpret_cast<PortRef *>(this + 1); }
-    /// Makes the place behind the pins in use a disconnected pin, without counting it.
+    /// Makes the place after the pins in use a disconnected pin, without counting it.
     PortRef *space() { return new (static_cast<void *>(pins() + used)) PortRef; }
     bool full() const { return used == capacity; }
     bool holds(const PortRef *pin)

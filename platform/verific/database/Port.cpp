@@ -18,7 +18,7 @@ Port::~Port()
         m_bus->removeElement(this);
     }
     if (m_owner != nullptr && m_owner->m_dying) {
-        return; // net and pins have gone with the netlist
+        return; // net and pins are deleted with the netlist
     }
     Connect(nullptr);
     if (m_owner != nullptr) {

@@ -13,7 +13,7 @@ class PortBus;
 /// Directions of ports and port buses.
 enum port_direction { DIR_NONE = 0, DIR_IN = 1, DIR_OUT = 2, DIR_INOUT = 3 };
 
-/// One bit through which a netlist meets its surroundings.
+/// One bit of the interface of a netlist.
 class VERIFIC_EXPORT Port : public DesignObj {
   public:
     /// @p dir is one of port_direction.
@@ -91,7 +91,7 @@ class VERIFIC_EXPORT PortBus : public DesignObj {
     unsigned m_dir;
 };
 
-/// What the loop macros call.
+/// Called by the loop macros.
 namespace loops {
 
 /// Step of FOREACH_PORT_OF_PORTBUS that takes a null bus as an empty one.

@@ -8,8 +8,8 @@ class Instance;
 class Net;
 class Port;
 
-/// One connected pin: which port of which instance meets which net. Belongs to the instance; its address stays the same
-/// while the pin is connected.
+/// One connected pin: which port of which instance is connected to which net. Belongs to the instance; its address
+/// stays the same while the pin is connected.
 class VERIFIC_EXPORT PortRef {
   public:
     Port *GetPort() const { return m_port; }

@@ -93,7 +93,7 @@ class SharedColumns {
     Sets m_parameters;
 };
 
-/// What all named objects have.
+/// What all named objects have in common.
 class ObjectColumns {
   public:
     /// Adds the next row.

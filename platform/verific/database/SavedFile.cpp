@@ -18,9 +18,9 @@ namespace Verific::saved_file {
 
 namespace {
 
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the header is copied as it stands");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the header is copied byte by byte");
 
-// The first byte is no text, the line ends show a transfer that changed them.
+// The first byte is not text, and the line ends reveal a transfer that converted them.
 constexpr unsigned char MAGIC[8] = {0x8E, 'N', 'L', 'D', 'B', '\r', '\n', 0x1A};
 constexpr std::uint32_t VERSION = 1;
 
@@ -124,7 +124,7 @@ class FileStream : public kj::OutputStream {
     Descriptor &m_file;
 };
 
-/// A new file beside the one to be written; removed unless it takes that one's place.
+/// A new file beside the one to be written; removed unless it replaces that one.
 class TemporaryFile {
   public:
     explicit TemporaryFile(const char *target) : m_file(make(target, m_name)) {}

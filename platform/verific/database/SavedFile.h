@@ -11,8 +11,8 @@ namespace Verific {
 /// (64 bits), checksum (64 bits; XXH3 over the header before it and the message).
 namespace saved_file {
 
-/// Writes @p message under @p name by way of a temporary file beside it. Answers false when that fails; what stood
-/// under the name before stays then.
+/// Writes @p message to @p name through a temporary file beside it. Returns false when that fails; an
+/// earlier file of that name then stays.
 bool write(const char *name, capnp::MessageBuilder &message);
 
 /// The message in the file, or null when there is no such file or it is foreign, of a newer version or damaged.

@@ -40,7 +40,7 @@ struct Buses {
   objects @0 :Objects;
   left @1 :List(Int32);
   right @2 :List(Int32);
-  directions @3 :List(UInt8);  # of port buses alone
+  directions @3 :List(UInt8);  # port buses only
   sizes @4 :List(UInt32);      # places from the left bound to the last one set
   elements @5 :List(UInt32);   # place of the bit in its netlist + 1, 0: unset
 }
@@ -98,7 +98,7 @@ struct SavedNetlist {
   mixedNets @37 :List(UInt32);
   mixedRanks @38 :List(UInt32);
 
-  # Netlists whose references do not stand in the order of the instance rows: row of the netlist (rising), and the
+  # Netlists whose references are not in the order of the instance rows: row of the netlist (rising), and the
   # instance rows in order of reference.
   mixedViews @39 :List(UInt32);
   mixedReferences @40 :List(UInt32);

@@ -18,8 +18,8 @@ struct SourceFile {
     bool absoluteKnown;
 };
 
-/// Files by number. Numbers are given once in the life of a process, so that a handle from before a clearing never
-/// points at a file of today.
+/// Files by number. A number is given only once in a process, so that a handle from before DeleteAllLineFiles() never
+/// comes to mean another file.
 class FileTable {
   public:
     /// Number of the file under @p key, or 0.
@@ -65,7 +65,7 @@ class FileTable {
     std::uint32_t lastGiven = 0; ///< the file named by the latest call without an absolute path, 0: none
 
   private:
-    std::deque<SourceFile> m_files; ///< texts handed out must not move
+    std::deque<SourceFile> m_files; ///< the texts that callers hold must not move
     std::unordered_map<std::string, std::uint32_t> m_numbers;
     std::uint32_t m_first = 1;
     std::uint32_t m_next = 1;
@@ -73,7 +73,7 @@ class FileTable {
 
 FileTable &table()
 {
-    // Never destroyed: handles may be asked about while other static objects go.
+    // Never destroyed: handles may be queried while other static objects are destroyed.
     static FileTable &files = *std::make_unique<FileTable>().release();
     return files;
 }

@@ -44,7 +44,7 @@ class RandomLifetimes {
         case 3:
             return makeInSet();
         case 4:
-            return add(m_tracked.watch(new Netlist("loose"), m_next), Node{});
+            return add(m_tracked.watch(new Netlist("loose"), m_next), ModelNetlist{});
         case 5:
         case 6:
             return copy();
@@ -101,7 +101,7 @@ class RandomLifetimes {
     }
 
   private:
-    struct Node {
+    struct ModelNetlist {
         Netlist *netlist = nullptr;
         std::string library; ///< empty for a loose netlist, as the cell
         std::string cell;
@@ -115,7 +115,7 @@ class RandomLifetimes {
 
     int anyNode() { return std::next(m_nodes.begin(), below(m_nodes.size()))->first; }
 
-    std::vector<int> viewsOf(const Node &node) const
+    std::vector<int> viewsOf(const ModelNetlist &node) const
     {
         std::vector<int> views;
         MapIter iter;
@@ -128,7 +128,7 @@ class RandomLifetimes {
         return views;
     }
 
-    void add(Netlist *netlist, Node node)
+    void add(Netlist *netlist, ModelNetlist node)
     {
         node.netlist = netlist;
         if (netlist->Owner() != nullptr) {
@@ -143,7 +143,7 @@ class RandomLifetimes {
     {
         const std::string library = "library" + std::to_string(below(3));
         const std::string cell = "cell" + std::to_string(below(3));
-        add(m_tracked.watch(makeNetlist(library.c_str(), cell.c_str()), m_next), Node{});
+        add(m_tracked.watch(makeNetlist(library.c_str(), cell.c_str()), m_next), ModelNetlist{});
     }
 
     void copy()
@@ -151,8 +151,8 @@ class RandomLifetimes {
         if (m_nodes.empty()) {
             return;
         }
-        const Node &original = m_nodes[anyNode()];
-        Node node;
+        const ModelNetlist &original = m_nodes[anyNode()];
+        ModelNetlist node;
         node.views = original.views;
         add(m_tracked.watch(original.netlist->Copy(nullptr), m_next), node);
     }
@@ -162,12 +162,12 @@ class RandomLifetimes {
         Netlist *top = Netlist::RestoreFromFile(m_file.c_str());
         Netlist *middle = top->GetInst("m")->View();
         Netlist *leaf = top->GetInst("l")->View();
-        Node below;
+        ModelNetlist below;
         below.restored = true;
         add(m_tracked.watch(leaf, m_next), below);
         below.views = {m_next - 1};
         add(m_tracked.watch(middle, m_next), below);
-        Node above;
+        ModelNetlist above;
         above.views = {m_next - 1, m_next - 2};
         add(m_tracked.watch(top, m_next), above);
     }
@@ -177,7 +177,7 @@ class RandomLifetimes {
         if (m_nodes.empty()) {
             return;
         }
-        Node &user = m_nodes[anyNode()];
+        ModelNetlist &user = m_nodes[anyNode()];
         const int view = anyNode();
         addInstance(user.netlist, "i", m_nodes[view].netlist);
         user.views.push_back(view);
@@ -188,7 +188,7 @@ class RandomLifetimes {
         if (m_nodes.empty()) {
             return;
         }
-        Node &user = m_nodes[anyNode()];
+        ModelNetlist &user = m_nodes[anyNode()];
         if (user.views.empty()) {
             return;
         }
@@ -222,10 +222,10 @@ class RandomLifetimes {
         if (m_nodes.empty()) {
             return;
         }
-        const Node chosen = m_nodes[anyNode()];
+        const ModelNetlist chosen = m_nodes[anyNode()];
         if (chosen.inSet) {
             delete chosen.netlist->Owner();
-            doom([&](const Node &node) { return node.library == chosen.library && node.cell == chosen.cell; });
+            doom([&](const ModelNetlist &node) { return node.library == chosen.library && node.cell == chosen.cell; });
         }
     }
 
@@ -233,13 +233,13 @@ class RandomLifetimes {
     {
         const std::string name = "library" + std::to_string(below(3));
         delete Libset::Global()->GetLibrary(name.c_str());
-        doom([&](const Node &node) { return node.library == name; });
+        doom([&](const ModelNetlist &node) { return node.library == name; });
     }
 
     void reset()
     {
         Libset::Reset();
-        doom([](const Node &) { return true; });
+        doom([](const ModelNetlist &) { return true; });
     }
 
     Numbers reachableFrom(const Numbers &roots) const
@@ -247,7 +247,7 @@ class RandomLifetimes {
         Numbers reached = roots;
         std::vector<int> waiting(roots.begin(), roots.end());
         while (!waiting.empty()) {
-            const Node &node = m_nodes.at(waiting.back());
+            const ModelNetlist &node = m_nodes.at(waiting.back());
             waiting.pop_back();
             for (const int view : node.views) {
                 if (view != 0 && reached.insert(view).second) {
@@ -285,10 +285,10 @@ class RandomLifetimes {
     void remove(const Numbers &gone)
     {
         for (const int number : gone) {
-            const Node &node = m_nodes[number];
+            const ModelNetlist &node = m_nodes[number];
             if (node.cell.empty() || node.whileUsed) {
                 for (const int view : node.views) {
-                    Node &used = m_nodes[view];
+                    ModelNetlist &used = m_nodes[view];
                     used.whileUsed = used.whileUsed || used.restored;
                 }
             }
@@ -330,7 +330,7 @@ class RandomLifetimes {
     std::mt19937 m_random;
     std::string m_file;
     TrackedNetlists m_tracked;
-    std::map<int, Node> m_nodes;
+    std::map<int, ModelNetlist> m_nodes;
     int m_next = 1;
 };
 
