@@ -12,7 +12,7 @@ namespace kvr::netlistdb {
 
 class VDBObjectPool;
 
-/// The design database: builds the item trees of both sources and answers questions about them.
+/// The design database: builds the item trees of both sources, and finds clocks and names in them.
 ///
 /// Owns the netlists, the instance trees, the clock domains, the caches and, with keepSourceNetlists, the working
 /// copies of the source netlists.
@@ -20,16 +20,16 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
   public:
     /// A net as seen in one instance: the key of every clock query.
     using InstanceNet = netlistdb::InstanceNet;
-    /// From an answer (null: no clock) to the pairs known to lead to it.
+    /// From a clock domain (null: no clock) to the pairs known to lead to it.
     using DrivingClockCache = std::map<IClockDomain *, InstanceNetSet>;
 
     /// Makes an empty database. With @p keepSourceNetlists the working copy of each import is kept and clock domains
-    /// are analysed; without it a tree costs less memory and every clock query answers null.
+    /// are analysed; without it a tree costs less memory and every clock query returns null.
     explicit DesignDatabase(bool keepSourceNetlists);
     /// Frees everything. Also clears the netlist database's process-wide table of source files: positions of netlist
-    /// objects are unknown from then on, those of items stay. With keepSourceNetlists it clears the library set too. The
-    /// embedded netlist database keeps the netlists alive that working copies of other databases use; a commercial one
-    /// does not, and the databases of a process must then be destroyed together, at its end.
+    /// objects are unknown from then on, those of items stay. With keepSourceNetlists it clears the library set too.
+    /// The embedded netlist database keeps the netlists alive that working copies of other databases use; a commercial
+    /// one does not, and the databases of a process must then be destroyed together, at its end.
     ~DesignDatabase() override;
     DesignDatabase(const DesignDatabase &) = delete;
     DesignDatabase &operator=(const DesignDatabase &) = delete;
@@ -66,7 +66,7 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     // The steps of clock-domain analysis. Look-ups do not take longer where there are more nets.
 
     /// Records that @p key leads to @p domain (null: to no clock). A pair may be recorded
-    /// under several answers.
+    /// under several domains.
     void addCache(IClockDomain *domain, InstanceNet key);
     /// The first domain, in ascending order of address with null first, under which @p key is recorded; null also when
     /// it is not recorded at all.
@@ -85,12 +85,12 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     /// Walks the instances of user modules.
     /// @throws std::invalid_argument "VDBClockDomain: net is nullptr" when a clock net has no item.
     void parseClkDomainElab(Verific::Netlist *netlist);
-    /// Climbs from @p net in @p inst through module ports as far as it leads, at most up to @p stop; answers the
+    /// Climbs from @p net in @p inst through module ports as far as it leads, at most up to @p stop; returns the
     /// highest pair found, or the arguments. Takes time in proportion to the ports of the instances climbed through.
     InstanceNet getRootClk(IVDBInstance *inst, IVDBNet *net, IVDBInstance *stop);
     /// Traces an elaborated net back to the first register; null when there is none or an argument is null, and when
     /// the walk has met more than 10,240 pairs again. Walks the fan-in cone as far as its cells have no recorded
-    /// answer.
+    /// result.
     IClockDomain *findDrivingClockDomainElab(IVDBInstance *inst, IVDBNet *net);
 
     // For diagnosis.
@@ -98,10 +98,11 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     /// From the built items of a source to the objects they were made from, or null for an unknown type. Owned by the
     /// database. Internal type.
     VDBObjectPool *objectPool(SOURCE_TYPE type) const;
-    /// The answers recorded per (instance, net), of both sources. Lives as long as the database; queries add to it.
+    /// The results recorded for each (instance, net), of both sources. Lives as long as the database; queries add to
+    /// it.
     const DrivingClockCache &drivingClockCache() const;
-    /// The answers recorded per operator or primitive instance of the elaborated source (null: no clock), in ascending
-    /// order of instance address. A new list.
+    /// The results recorded for operator and primitive instances of the elaborated source (null: no clock), in
+    /// ascending order of instance address. A new list.
     std::vector<std::pair<IVDBInstance *, IClockDomain *>> elaboratedInstanceCache() const;
     /// The kept working copy of a source, or null. Owned by the database.
     Verific::Netlist *workingCopy(SOURCE_TYPE type) const;

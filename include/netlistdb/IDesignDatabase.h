@@ -21,8 +21,39 @@ class VDBSearchParam;
 
 /// One design, seen through up to two source netlists: the elaborated one and the post-map one.
 ///
-/// Everything runs on the caller's thread. Imports, queries, reset and destruction must not overlap on one database. The
-/// netlist database underneath has process-wide tables (library set, source files): imports, restores, resets and
+/// The words that this library uses:
+///
+/// - *Netlist*: the contents of one design unit in the netlist database underneath, with its ports, nets and instances.
+/// - *Module*: the item for a netlist (IVDBNetlist). All instances of a netlist share one module.
+/// - *Instance*: one occurrence of a module in the unfolded design (IVDBInstance). A module that is used ten times has
+///   ten instances, each with its own path. The *root* is the instance of the top module and has no name.
+/// - *Net*: a signal of a module (IVDBNet), in most cases one bit. Since modules are shared, a signal of the design is
+/// a
+///   pair of an instance and a net.
+/// - *Bus*: a named vector of nets (IVDBNetBus), declared in the source or made up from nets called `name[0]`,
+///   `name[1]`, and so on. Bits are shown as declared, `[7:0]` or `[0:7]`.
+/// - *Port*: a connection point of a module (IVDBPort). The connected pin of an instance has no item.
+/// - *Item*: any of these, or a clock domain (IVDBItem).
+/// - *Source*: one of the two netlists of a design, in one of two *forms*. The *elaborated* form has user modules down
+/// to
+///   generic operators, primitives and registers, and is unfolded to its leaves. The *post-map* form has the cells of a
+///   device below a flat top.
+/// - *Path*: the names of the instances from the root down, joined with "/". *Full name* of a net: the path of an
+///   instance, "/" and the name of the net. Names are never escaped and may hold any character.
+/// - *Register*, *sequential cell*: a cell that holds state and has a clock. *Driver* of a net: the instance with an
+///   output on it. *Fan-in cone*: all that leads to a net, back to registers and input ports.
+/// - *Clock domain*: a clock net, seen in an instance (IClockDomain); it drives the nets whose fan-in begins at the
+///   registers that it clocks.
+/// - *Root clock*: the highest net that feeds a clock through module ports.
+/// - *User-declared*: having a position in the source text. Netlists that tools write hold thousands of nets that
+/// nobody
+///   declared.
+/// - *Selectable*: free to be probed by an on-chip debugger, being neither protected nor a whole memory.
+/// - *Working copy*: the copy of the top netlist that an import works on, kept for clock queries when the database is
+///   made with keepSourceNetlists.
+///
+/// Everything runs on the caller's thread. Imports, queries, reset and destruction must not overlap on one database.
+/// The netlist database underneath has process-wide tables (library set, source files): imports, restores, resets and
 /// destruction of any two databases must not overlap in one process either.
 class NETLISTDB_EXPORT IDesignDatabase {
   public:
@@ -56,9 +87,9 @@ class NETLISTDB_EXPORT IDesignDatabase {
     virtual bool parsePostMapNetlist(Verific::Netlist *netlist) = 0;
     /// As parseElaboratedNetlistFromFile, for the post-map source.
     virtual bool parsePostMapNetlistFromFile(const std::string &path) = 0;
-    /// Does nothing and answers true.
+    /// Does nothing and returns true.
     virtual bool load(const std::string &path) = 0;
-    /// Does nothing, touches no file and answers true.
+    /// Does nothing, touches no file and returns true.
     virtual bool save(const std::string &path, bool flag) = 0;
     /// Frees one source's tree and clock domains; every pointer into it is dead afterwards. So are the modules and
     /// clock domains of trees that imports over the loaded source have replaced. False when that source is not loaded.
@@ -66,7 +97,7 @@ class NETLISTDB_EXPORT IDesignDatabase {
     virtual bool reset(SOURCE_TYPE type) = 0;
     /// Whether the source has a top module: an import got at least that far, and no reset has followed.
     virtual bool isSourceLoaded(SOURCE_TYPE type) const = 0;
-    /// Does nothing, leaves @p buffer alone and answers false; VDBHelper::computeSHA256CheckSum gives the checksum of a
+    /// Does nothing, leaves @p buffer alone and returns false; VDBHelper::computeSHA256CheckSum gives the checksum of a
     /// file.
     virtual bool getCheckSum(unsigned char *buffer) = 0;
     /// The module of the top netlist, owned by the database, or null when the source is not loaded.
@@ -82,7 +113,7 @@ class NETLISTDB_EXPORT IDesignDatabase {
     virtual IVDBResultSet *search(const VDBSearchParam &param) = 0;
     /// The clock domain that drives @p net seen in @p inst: the clock of the first register met walking back from it,
     /// or null. Needs a database made with keepSourceNetlists. Neither @p inst nor @p net may be null. Owned by the
-    /// database. Walks the fan-in cone once; answers are remembered, so that a later query stops where an earlier one
+    /// database. Walks the fan-in cone once and remembers the result, so that a later query stops where an earlier one
     /// passed.
     virtual IClockDomain *findDrivingClockDomains(IVDBInstance *inst, IVDBNet *net, SOURCE_TYPE type) = 0;
     /// Every clock domain of a source, in ascending order of address: a new list of records that the database owns.

@@ -24,7 +24,7 @@ enum ItemType : std::uint32_t {
 class NETLISTDB_EXPORT IVDBItem {
   public:
     virtual ~IVDBItem();
-    /// The item's own name, one level, as it stands in the netlist (a clock domain's: with its path). May be empty.
+    /// The item's own name, one level, unchanged from the netlist (a clock domain's: with its path). May be empty.
     /// Lives as long as the item.
     virtual const std::string &getName() const = 0;
     /// Exactly one bit of ItemType, a constant of the class.

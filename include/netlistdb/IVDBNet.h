@@ -6,7 +6,7 @@ namespace kvr::netlistdb {
 
 class IVDBNetBus;
 
-/// One net of a netlist: one bit wide, unless it stands for a whole memory.
+/// One net of a netlist: one bit wide, unless it represents a whole memory.
 class NETLISTDB_EXPORT IVDBNet : public IVDBNetBase {
   public:
     ~IVDBNet() override;

@@ -8,7 +8,7 @@ namespace kvr::netlistdb {
 
 class IVDBItem;
 
-/// What status() answers.
+/// What status() returns.
 enum ResultStatus : std::uint32_t {
     RESULT_MATCH = 0, ///< the current item is a result
     RESULT_NONE = 1,  ///< the walk is at its end, or was cancelled

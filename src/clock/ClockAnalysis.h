@@ -23,11 +23,11 @@ namespace kvr::netlistdb {
 
 class VDBNetlist;
 
-/// The answers recorded for operator and primitive instances of the elaborated source (null: no clock). An instance
-/// keeps the first.
+/// The results recorded for operator and primitive instances of the elaborated source (null: no clock). An instance
+/// keeps its first result.
 class InstanceAnswers {
   public:
-    /// True when @p instance has an answer, which then goes to @p domain.
+    /// True when @p instance has a result, which is then written to @p domain.
     bool find(const IVDBInstance *instance, IClockDomain *&domain) const;
     void record(const IVDBInstance *instance, IClockDomain *domain);
     void forget(const IVDBInstance *instance);
@@ -54,7 +54,7 @@ struct TraceStorage {
     VisitedPairs deadEnds;
 };
 
-/// Clock-domain analysis of both sources: the tables of clock domains, the two caches of answers, the pre-passes that
+/// Clock-domain analysis of both sources: the tables of clock domains, the two caches of results, the pre-passes that
 /// fill the tables, and the traces that lead from a net back to its clock.
 ///
 /// Owns the clock domains. The pools must outlive it; what they lead to is the caller's to keep alive.
@@ -87,7 +87,7 @@ class ClockAnalysis {
     IClockDomain *traceElaborated(const InstanceNet &start, const IVDBInstance *root);
     InstanceNet rootClock(const InstanceNet &clock, const IVDBInstance *stop) const;
 
-    // What comes and goes.
+    // Imports and resets.
 
     /// To be called before an import makes its first item.
     void beginImport();

@@ -17,7 +17,7 @@ namespace ask = verific_queries;
 namespace {
 
 // A walk that meets visited pairs again and again runs in circles through combinational loops. One beyond the bound
-// gives up; at the bound itself its answer still holds, but is not recorded.
+// gives up; at the bound itself the result still counts, but is not recorded.
 constexpr int MAX_REVISITS = 10240;
 
 std::string_view nameOf(const Verific::Instance &instance)
@@ -26,7 +26,7 @@ std::string_view nameOf(const Verific::Instance &instance)
     return name != nullptr ? std::string_view(name) : std::string_view();
 }
 
-/// The clock net of a register, as it stands before one buffer; null when the pin is open.
+/// The clock net of a register, taken in front of one buffer; null when the pin is open.
 const Verific::Net *clockNetOf(const Verific::Instance &cell, const Verific::Netlist &netlist)
 {
     const Verific::Port *clockPort = ask::clockPort(netlist);

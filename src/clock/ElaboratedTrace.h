@@ -19,11 +19,11 @@ class ElaboratedTrace {
   public:
     ElaboratedTrace(ClockAnalysis &analysis, const InstanceNet &start, const IVDBInstance *root);
 
-    /// The domain of the register's clock, or null. The operators and primitives that were passed keep the answer.
+    /// The domain of the register's clock, or null. It is recorded for the operators and primitives that were passed.
     IClockDomain *run();
 
   private:
-    /// What the look at one pair says of the walk.
+    /// How the walk goes on after a pair.
     enum class Step { GoOn, HasAnswer, GiveUp };
 
     void putInLine(const InstanceNet &pair);

@@ -14,9 +14,9 @@ class IVDBNetlist;
 
 /// Finds the sub-instance of a name: the first of that name in its parent's list.
 ///
-/// A hash table of names for each module with many instances. The children that an import made stand in the same order,
-/// with the same names, below every instance of one module, and what a caller adds stands behind them: one table serves
-/// all the instances. The children of other parents, which a caller may have made in any order, are walked.
+/// A hash table of names for each module with many instances. The children that an import made have the same order
+/// and names below every instance of one module, and what a caller adds comes behind them: one table serves all the
+/// instances. The children of other parents, which a caller may have made in any order, are walked.
 class FirstChild {
   public:
     /// Null when there is none of that name.

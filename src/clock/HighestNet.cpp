@@ -72,7 +72,7 @@ HighestNet::Highest HighestNet::climbFrom(const InstanceNet &start, bool remembe
         }
         nodes[at].endAbove = edges.size();
     }
-    // What stands above a node stands behind it in the list.
+    // The nodes above a node come behind it in the list.
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         if (!node->isKnown) {
             node->highest = highestAbove(*node, nodes, edges);

@@ -25,8 +25,8 @@ void PairCache::add(IClockDomain *domain, const InstanceNet &pair)
     try {
         AddressMap &first = m_first[pair.first];
         if (!first.insertIfAbsent(addressOf(pair.second), addressOf(domain))) {
-            std::uintptr_t &answer = *first.find(addressOf(pair.second));
-            answer = std::min(answer, addressOf(domain));
+            std::uintptr_t &recorded = *first.find(addressOf(pair.second));
+            recorded = std::min(recorded, addressOf(domain));
         }
     } catch (...) {
         pairs.erase(pair);

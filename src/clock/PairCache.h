@@ -12,20 +12,20 @@ namespace kvr::netlistdb {
 class IClockDomain;
 class VDBNetlist;
 
-/// The pairs known to lead to each answer (null: to no clock). A pair may stand under several answers; the first in
+/// The pairs known to lead to each clock domain (null: to no clock). A pair may be recorded under several; the first in
 /// ascending order of address, null before all, is the one that counts.
 class PairCache {
   public:
     using Sets = std::map<IClockDomain *, InstanceNetSet>;
 
     void add(IClockDomain *domain, const InstanceNet &pair);
-    /// Position of the first answer that @p pair stands under, or the end of the sets.
+    /// Position of the first domain that @p pair is recorded under, or the end of the sets.
     Sets::iterator find(const InstanceNet &pair);
     const Sets &sets() const { return m_sets; }
 
-    // An import may give a new item the address of one long gone, whose entries must not speak for it. What follows
-    // brings that about without allocating once watchForReuse has returned, so that it succeeds also where an import
-    // has run out of memory.
+    // An import may give a new item the address of a deleted one, whose entries must then be removed. Once
+    // watchForReuse has returned, this allocates nothing, so that it also succeeds when an import has run out of
+    // memory.
 
     /// Takes note of the nets that have entries.
     void watchForReuse();
@@ -38,7 +38,7 @@ class PairCache {
 
   private:
     Sets m_sets;
-    /// From a pair to the first answer it stands under: per instance, from net to answer.
+    /// From a pair to the first domain it is recorded under: for each instance, from net to domain.
     std::unordered_map<IVDBInstance *, AddressMap> m_first;
     AddressMap m_watched; ///< from each net with entries to 1 when they are marked
     bool m_hasMarked = false;

@@ -34,7 +34,7 @@ bool isClockOf(const Verific::Instance *cell, const Verific::Port *drivingPin, c
 /// when no buffer does. False when the buffer has no input.
 bool beforeBuffer(const Verific::Net *net, const Verific::Net *&clock);
 
-/// Finds the clock of the output @p drivingPin of a sequential cell, as it stands before one clock buffer; null when
+/// Finds the clock of the output @p drivingPin of a sequential cell, taken in front of one clock buffer; null when
 /// the buffer's input is open. False when no clock pin clocks that output.
 bool clockOfOutput(const Verific::Instance *cell, const Verific::Port *drivingPin, const Verific::Net *&clock);
 

@@ -98,7 +98,7 @@ void PostMapTrace::passThrough(const Verific::Instance &cell)
     }
 }
 
-/// Every domain stands under the root: it is found when the query began there.
+/// Every domain is recorded under the root: it is found when the query began there.
 IClockDomain *PostMapTrace::domainOf(const Verific::Net *clock) const
 {
     IVDBNet *const item = clock != nullptr ? m_items.find(clock) : nullptr;

@@ -38,7 +38,7 @@ struct Source {
     void reset();
 };
 
-/// What stands behind a DesignDatabase.
+/// The data of a DesignDatabase.
 struct DesignDatabase::State {
     explicit State(bool keep) : keepSourceNetlists(keep), elaborated(keep), postMap(keep) {}
 

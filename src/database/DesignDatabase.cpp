@@ -10,7 +10,7 @@ DesignDatabase::DesignDatabase(bool keepSourceNetlists) : m_state(std::make_uniq
 
 DesignDatabase::~DesignDatabase()
 {
-    // What both sources have of one kind goes before the next kind does.
+    // Kind by kind for both sources: items, clock domains, working copies.
     const bool keepSourceNetlists = m_state->keepSourceNetlists;
     Source *const sources[] = {&m_state->elaborated, &m_state->postMap};
     for (Source *source : sources) {

@@ -4,7 +4,7 @@
 
 namespace kvr::netlistdb {
 
-// The imports work on a copy, so the restored netlist goes as soon as they return. When one throws, the restored
+// The imports work on a copy, so the restored netlist is deleted as soon as they return. When one throws, the restored
 // netlist stays in the netlist database's libset.
 
 bool DesignDatabase::parseElaboratedNetlistFromFile(const std::string &path)

@@ -19,7 +19,7 @@ IVDBLineInfo *sourcePosition(const Verific::DesignObj &object)
     if (file == nullptr) {
         return nullptr;
     }
-    // The line goes through 32 unsigned bits, whatever integer the netlist database answers with.
+    // The line goes through 32 unsigned bits, whatever integer type the netlist database returns.
     return new VDBLineInfo(file, static_cast<std::uint32_t>(Verific::LineFile::GetLineNo(handle)));
 }
 

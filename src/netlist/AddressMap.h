@@ -17,12 +17,12 @@ class AddressMap {
   public:
     using Address = std::uintptr_t;
 
-    /// Adds @p key with @p value; answers false and changes nothing when the key is there.
+    /// Adds @p key with @p value; returns false and changes nothing when the key is there.
     bool insertIfAbsent(Address key, Address value);
-    /// Where the value of @p key stands, or null. Good until the map changes; the value may be overwritten there.
+    /// Pointer to the value of @p key, or null. Valid until the map changes; the value may be overwritten.
     Address *find(Address key);
     const Address *find(Address key) const { return const_cast<AddressMap *>(this)->find(key); }
-    /// Removes @p key; answers false when it was not there.
+    /// Removes @p key; returns false when it was not there.
     bool erase(Address key);
     /// Removes everything and frees the storage.
     void clear();

@@ -39,7 +39,7 @@ VDBObjectPool::VDBObjectPool(bool record) : m_record(record) {}
 
 VDBObjectPool::~VDBObjectPool() = default;
 
-// The way from the item goes in first: through it, whatever a failing registration left is found and removed.
+// The entry of the item is made first: through it, what a failing registration left is found and removed.
 
 void VDBObjectPool::registerNetlist(const Verific::Netlist *netlist, const IVDBNetlist *item)
 {

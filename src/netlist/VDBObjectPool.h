@@ -19,7 +19,7 @@ class IVDBPort;
 /// Leads from built items to the netlist objects they were made from, and back.
 ///
 /// Owns neither. A registration never overwrites: the first item made from a netlist object stays the one found from
-/// it. A pool that does not record answers null to every look-up. Look-ups take constant time.
+/// it. A pool that does not record returns null for every look-up. Look-ups take constant time.
 class VDBObjectPool {
   public:
     explicit VDBObjectPool(bool record);
@@ -35,7 +35,7 @@ class VDBObjectPool {
     /// one netlist instance.
     void registerOccurrence(const Verific::Instance *instance, const IVDBInstance *item);
 
-    // All answer null when nothing is registered.
+    // All return null when nothing is registered.
 
     IVDBNetlist *find(const Verific::Netlist *netlist) const;
     Verific::Netlist *find(const IVDBNetlist *item) const;

@@ -14,13 +14,13 @@ class PortBus;
 
 namespace kvr::netlistdb::verific_queries {
 
-/// Number of bits of a net: 1, or the bits of the whole memory that the net stands for.
+/// Number of bits of a net: 1, or the bits of the whole memory that the net represents.
 std::uint32_t widthOf(const Verific::Net &net);
 
 /// Number of bits of a port bus, those included that no port was made for.
 std::uint32_t widthOf(const Verific::PortBus &portBus);
 
-/// True for a net that must not be offered to an on-chip debugger: one that stands for a whole memory, which is no wire
+/// True for a net that must not be offered to an on-chip debugger: one that represents a whole memory, which is no wire
 /// that a probe could sample.
 bool mustNotBeProbed(const Verific::Net &net);
 
