@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -62,13 +63,17 @@ class Climb {
         const Verific::Net *net;
     };
     using Pins = std::unordered_map<const Verific::Port *, Place>;
+    using PinsOfInstances = std::unordered_map<const Verific::Instance *, Pins>;
 
     /// The nets on those pins of @p source that belong to @p ports and are no outputs, in the order of the pins. Walks
     /// all pins the first time that an instance is asked about, and remembers them the second time: many nets of one
     /// instance may have several ports.
     std::vector<const Verific::Net *> netsThrough(const Verific::Instance &source, const Verific::Set &ports)
     {
-        const auto [pins, isFirst] = m_pins.try_emplace(&source);
+        if (m_pins == nullptr) {
+            m_pins = std::make_unique<PinsOfInstances>();
+        }
+        const auto [pins, isFirst] = m_pins->try_emplace(&source);
         if (!isFirst && pins->second.empty()) {
             remember(source, pins->second);
         }
@@ -119,7 +124,7 @@ class Climb {
     }
 
     const ItemLookup &m_items;
-    std::unordered_map<const Verific::Instance *, Pins> m_pins;
+    std::unique_ptr<PinsOfInstances> m_pins; ///< made on demand: most climbs need none
 };
 
 } // namespace kvr::netlistdb

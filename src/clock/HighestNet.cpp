@@ -12,7 +12,7 @@ InstanceNet HighestNet::of(const InstanceNet &start)
     InstanceNet highest = start;
     InstanceNet net = start;
     for (;;) {
-        const std::vector<InstanceNet> next = above(net);
+        const std::vector<InstanceNet> &next = above(net);
         if (next.empty()) {
             return highest;
         }
@@ -33,14 +33,14 @@ InstanceNet HighestNet::ofOneOfMany(const InstanceNet &start)
     return highest.levels != 0 ? highest.net : start;
 }
 
-std::vector<InstanceNet> HighestNet::above(const InstanceNet &net)
+const std::vector<InstanceNet> &HighestNet::above(const InstanceNet &net)
 {
-    std::vector<InstanceNet> nets;
+    m_above.clear();
     if (net.first != m_stop) {
         m_climb.above(net.first, m_items.find(net.second),
-                      [&nets](const InstanceNet &upper) { nets.push_back(upper); });
+                      [this](const InstanceNet &upper) { m_above.push_back(upper); });
     }
-    return nets;
+    return m_above;
 }
 
 bool HighestNet::isInUserModule(const InstanceNet &net) const

@@ -41,7 +41,8 @@ class HighestNet {
         bool isKnown = false; ///< from an earlier climb
     };
 
-    std::vector<InstanceNet> above(const InstanceNet &net);
+    /// The nets directly above @p net, valid until the next call.
+    const std::vector<InstanceNet> &above(const InstanceNet &net);
     bool isInUserModule(const InstanceNet &net) const;
     Highest climbFrom(const InstanceNet &start, bool remember);
     Highest highestAbove(const Node &node, const std::vector<Node> &nodes, const std::vector<std::size_t> &edges) const;
@@ -49,6 +50,7 @@ class HighestNet {
     const ItemLookup &m_items;
     Climb m_climb;
     const IVDBInstance *m_stop;
+    std::vector<InstanceNet> m_above;
     std::unordered_map<InstanceNet, Highest, InstanceNetHash> m_known;
 };
 

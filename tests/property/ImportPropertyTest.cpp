@@ -109,13 +109,13 @@ class Session {
 
     void check()
     {
-        const VDBObjectPool *pool = m_database.objectPool();
         for (const auto type : {IDesignDatabase::SOURCE_ELABORATED, IDesignDatabase::SOURCE_POST_MAP}) {
             ASSERT_EQ(m_database.isSourceLoaded(type), m_expected[type].has_value());
             ASSERT_EQ(m_database.getRoot(type) != nullptr, m_expected[type].has_value());
             if (!m_expected[type].has_value()) {
                 continue;
             }
+            const VDBObjectPool *pool = m_database.objectPool(type);
             ASSERT_EQ(m_database.getRoot(type)->getModule(), m_database.getTopModule(type));
             ASSERT_EQ(
                 firstDifference(actualTree(*m_database.getRoot(type), m_keep ? pool : nullptr), *m_expected[type]), "");
