@@ -9,12 +9,12 @@ namespace kvr::netlistdb {
 
 class IDesignDatabase;
 class IVDBInstance;
-class IVDBNetlist;
 class PendingItems;
 
 /// Walks the instance tree below a start instance level by level, listing with each instance its buses, nets and
-/// ports. Lazy: a child or member is looked at when the cursor gets there, so that a step costs the same below an
-/// instance with one child as below one with a million.
+/// ports. Lazy: the sub-instances of an instance are those that it has when the cursor steps past it, but each is
+/// looked at when the cursor gets there, so that the step costs the same whether there is one or a million (with
+/// classes of the caller's own, whose list is copied: in proportion to their number).
 class NETLISTDB_EXPORT BFSItemIterator : public TreeIterator {
   public:
     /// Copies @p param. @p database is kept and not consulted; may be null.
@@ -39,7 +39,7 @@ class NETLISTDB_EXPORT BFSItemIterator : public TreeIterator {
     friend class WalkCursor;
 
     void stepOn();
-    void appendChildren(IVDBInstance &instance, const IVDBNetlist *module);
+    void appendChildren(const IVDBInstance &instance);
 
     VDBSearchParam m_param;
     [[maybe_unused]] IDesignDatabase *m_database;

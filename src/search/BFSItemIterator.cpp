@@ -33,8 +33,7 @@ void BFSItemIterator::next()
 void BFSItemIterator::stepOn()
 {
     if (IVDBInstance *instance = m_pending->frontInstance()) {
-        const IVDBNetlist *module = m_pending->frontModule();
-        appendChildren(*instance, module != nullptr ? module : instance->getModule());
+        appendChildren(*instance);
     }
     m_pending->pop();
 }
@@ -57,17 +56,17 @@ void BFSItemIterator::setContext(IVDBItem *item)
 void BFSItemIterator::fetchMoreItem(IVDBItem *item)
 {
     if (auto *instance = dynamic_cast<IVDBInstance *>(item)) {
-        appendChildren(*instance, instance->getModule());
+        appendChildren(*instance);
     }
 }
 
-void BFSItemIterator::appendChildren(IVDBInstance &instance, const IVDBNetlist *module)
+void BFSItemIterator::appendChildren(const IVDBInstance &instance)
 {
-    if (module == nullptr) {
+    if (instance.getModule() == nullptr) {
         throw std::runtime_error("Unknown item");
     }
-    if ((m_param.itemTypes & ITEM_INSTANCE) != 0 && !instance.getSubInstances().empty()) {
-        m_pending->appendChildren(&instance);
+    if ((m_param.itemTypes & ITEM_INSTANCE) != 0) {
+        m_pending->appendChildren(instance);
     }
 }
 

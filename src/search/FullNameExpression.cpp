@@ -9,11 +9,6 @@ void FullNameExpression::enter(const IVDBInstance &instance)
     m_instance = &instance;
 }
 
-// Left to itself GCC calls the copying of sub-matches, once for every character of a name. Flattening is for release
-// builds: it takes seconds to compile there, and minutes with sanitizers.
-#if defined(NDEBUG)
-[[gnu::flatten]]
-#endif
 bool FullNameExpression::operator()(const std::string &name)
 {
     if (m_instance != nullptr) {
@@ -27,8 +22,7 @@ bool FullNameExpression::operator()(const std::string &name)
         m_buffer += name;
         fullName = &m_buffer;
     }
-    const char *begin = fullName->data();
-    return std::regex_search(begin, begin + fullName->size(), m_match, m_expression, std::regex_constants::match_any);
+    return m_expression.isFoundIn(*fullName);
 }
 
 } // namespace kvr::netlistdb

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "search/BoundedExpression.h"
+
 #include <cstddef>
 #include <regex>
 #include <string>
@@ -21,11 +23,10 @@ class FullNameExpression {
     bool operator()(const std::string &name);
 
   private:
-    const std::regex &m_expression;
+    BoundedExpression m_expression;
     const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
     std::string m_buffer;
     std::size_t m_prefixSize = 0;
-    std::cmatch m_match;
 };
 
 } // namespace kvr::netlistdb

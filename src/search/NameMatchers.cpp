@@ -2,6 +2,8 @@
 
 #include <netlistdb/VDBHelper.h>
 
+#include "search/BoundedExpression.h"
+
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNetlist.h>
 #include <netlistdb/IVDBPort.h>
@@ -35,9 +37,8 @@ template <typename Kind> bool matchPart(TreeIterator &iterator, const std::strin
 
 template <typename Kind> bool matchWhole(TreeIterator &iterator, const std::regex &expression)
 {
-    std::smatch match;
-    return matchName<Kind>(
-        iterator, [&expression, &match](const std::string &name) { return std::regex_match(name, match, expression); });
+    BoundedExpression bounded(expression);
+    return matchName<Kind>(iterator, [&bounded](const std::string &name) { return bounded.matches(name); });
 }
 
 } // namespace

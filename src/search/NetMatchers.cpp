@@ -2,6 +2,7 @@
 
 #include <netlistdb/VDBHelper.h>
 
+#include "search/BoundedExpression.h"
 #include "search/FullNameExpression.h"
 #include "search/FullNameText.h"
 #include "search/KindCheck.h"
@@ -137,7 +138,8 @@ class ScreenedExpression {
 
 bool matchPattern(TreeIterator &iterator, const std::string &pattern, bool ignoreCase)
 {
-    const std::regex expression(pattern, ignoreCase ? std::regex_constants::icase : std::regex_constants::ECMAScript);
+    const std::regex expression =
+        compileBounded(pattern, ignoreCase ? std::regex_constants::icase : std::regex_constants::ECMAScript);
     const std::string text = requiredText(pattern);
     if (text.empty()) {
         return VDBHelper::matchNetRegex(&iterator, expression);

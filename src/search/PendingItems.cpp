@@ -1,5 +1,7 @@
 #include "search/PendingItems.h"
 
+#include <utility>
+
 namespace kvr::netlistdb {
 
 void PendingItems::appendStart(IVDBInstance *instance)
@@ -10,15 +12,23 @@ void PendingItems::appendStart(IVDBInstance *instance)
     }
 }
 
-bool PendingItems::enterNextParent()
+void PendingItems::appendChildren(const IVDBInstance &parent)
 {
-    const bool hasParent = !m_parents.empty();
-    if (hasParent) {
-        m_children = &m_parents.front()->getSubInstances();
-        m_nextChild = 0;
-        m_parents.pop_front();
+    SubInstances children(parent);
+    if (children.count() != 0) {
+        m_families.push_back(std::move(children));
     }
-    return hasParent;
+}
+
+bool PendingItems::enterNextFamily()
+{
+    const bool hasNext = !m_families.empty();
+    if (hasNext) {
+        m_children = std::move(m_families.front());
+        m_nextChild = 0;
+        m_families.pop_front();
+    }
+    return hasNext;
 }
 
 bool PendingItems::isBelowCollapsed(const IVDBInstance &instance)

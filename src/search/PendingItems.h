@@ -4,18 +4,41 @@
 #include "search/KnownModules.h"
 #include "search/Prefetch.h"
 
-#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/VDBInstance.h>
 #include <netlistdb/VDBSearchParam.h>
 
 #include <cstddef>
 #include <deque>
+#include <typeinfo>
 #include <vector>
 
 namespace kvr::netlistdb {
 
-/// The items that a breadth-first walk has still to visit, as a queue that fills itself on demand: it keeps only the
-/// instances whose children are to come, and looks at a child or a member when the front gets there. To step past an
-/// instance therefore costs the same whether it has one child or a million.
+/// The sub-instances that an instance had at one moment.
+class SubInstances {
+  public:
+    SubInstances() = default;
+    /// Our own class only ever appends to its list, so the list and its length say the same as a copy.
+    explicit SubInstances(const IVDBInstance &instance) : m_list(&instance.getSubInstances()), m_count(m_list->size())
+    {
+        if (typeid(instance) != typeid(VDBInstance)) {
+            m_copy = *m_list;
+            m_list = nullptr;
+        }
+    }
+
+    std::size_t count() const { return m_count; }
+    const std::vector<IVDBInstance *> &list() const { return m_list != nullptr ? *m_list : m_copy; }
+
+  private:
+    const std::vector<IVDBInstance *> *m_list = nullptr; ///< null: m_copy
+    std::vector<IVDBInstance *> m_copy;
+    std::size_t m_count = 0;
+};
+
+/// The items that a breadth-first walk has still to visit, as a queue that fills itself on demand: it keeps the
+/// sub-instances of those that the walk has stepped past, and looks at one or at a member when the front gets there. To
+/// step past an instance of our own class therefore costs the same whether it has one child or a million.
 ///
 /// The item behind one that is removed is looked for when somebody asks, so that whoever has no use for ports never
 /// comes to them. What every instance of a walk goes through stands in this header: a call costs more than the work.
@@ -30,14 +53,12 @@ class PendingItems {
     IVDBItem *front() const { return m_front; }
     /// The item at the front of a settled queue if it was queued as an instance, otherwise null.
     IVDBInstance *frontInstance() const { return m_frontInstance; }
-    /// The module that this instance had when it came to the front; may be null.
-    const IVDBNetlist *frontModule() const { return m_frontModule->netlist; }
     /// Removes the item at the front of a settled queue.
     void pop() { m_isSettled = false; }
     /// Fills an empty queue with an instance and its members.
     void appendStart(IVDBInstance *instance);
-    /// Appends the children of @p parent, each with its members.
-    void appendChildren(IVDBInstance *parent) { m_parents.push_back(parent); }
+    /// Appends the sub-instances that @p parent has at the moment, each with its members.
+    void appendChildren(const IVDBInstance &parent);
 
   private:
     bool findFront(PlainPorts plainPorts);
@@ -46,7 +67,7 @@ class PendingItems {
     /// Puts a child at the front, or its members in line, as the record asks; true when it stands at the front.
     bool visit(IVDBInstance *instance);
     void list(IVDBInstance *instance, KnownModule &module);
-    bool enterNextParent();
+    bool enterNextFamily();
     bool isBelowCollapsed(const IVDBInstance &instance);
     void openMembers(KnownModule &module);
 
@@ -56,10 +77,10 @@ class PendingItems {
     IVDBItem *m_front = nullptr;
     IVDBInstance *m_frontInstance = nullptr;
     KnownModule *m_frontModule = nullptr;
-    InstanceMembers m_members;                               ///< the rest of the members that follow the front
-    const std::vector<IVDBInstance *> *m_children = nullptr; ///< these follow the members, from m_nextChild on
+    InstanceMembers m_members; ///< the rest of the members that follow the front
+    SubInstances m_children;   ///< these follow the members, from m_nextChild on
     std::size_t m_nextChild = 0;
-    std::deque<IVDBInstance *> m_parents; ///< whose children follow those
+    std::deque<SubInstances> m_families; ///< these follow those
     KnownModules m_modules;
 };
 
@@ -75,13 +96,13 @@ inline void PendingItems::list(IVDBInstance *instance, KnownModule &module)
 inline IVDBInstance *PendingItems::findChild()
 {
     do {
-        for (; m_children != nullptr && m_nextChild < m_children->size(); ++m_nextChild) {
-            prefetchAhead(*m_children, m_nextChild);
-            if (IVDBInstance *child = (*m_children)[m_nextChild]) {
+        for (; m_nextChild < m_children.count(); ++m_nextChild) {
+            prefetchAhead(m_children.list(), m_nextChild);
+            if (IVDBInstance *child = m_children.list()[m_nextChild]) {
                 return child;
             }
         }
-    } while (enterNextParent());
+    } while (enterNextFamily());
     return nullptr;
 }
 

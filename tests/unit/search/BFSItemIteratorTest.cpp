@@ -1,4 +1,5 @@
 #include <netlistdb/BFSItemIterator.h>
+#include <netlistdb/VDBInstance.h>
 
 #include "WalkText.h"
 #include "tests/support/MockItems.h"
@@ -226,6 +227,74 @@ TEST_F(BFSItemIteratorTest, ThrowsWhenItStepsPastAnInstanceWithoutModuleAndStays
     }
     u1.module = &leafModule;
     EXPECT_EQ(walkText(iterator), "@u1 @u2 n1 @c1 n2 @c2 n2");
+}
+
+TEST_F(BFSItemIteratorTest, AsksForTheModuleWhenItStepsPastTheInstance)
+{
+    param.itemTypes = ITEM_INSTANCE;
+    BFSItemIterator iterator(nullptr, param);
+    iterator.next();
+    ASSERT_EQ(iterator.getCurrent(), &u1);
+    u1.module = nullptr;
+    EXPECT_EQ(messageOf<std::runtime_error>([&] { iterator.next(); }), "Unknown item");
+    EXPECT_EQ(iterator.getCurrent(), &u1);
+}
+
+TEST_F(BFSItemIteratorTest, WalksTheSubInstancesThatAnInstanceHasWhenItStepsPastIt)
+{
+    param.itemTypes = ITEM_INSTANCE;
+    BFSItemIterator iterator(nullptr, param);
+    MockInstance &before = tree.instance("before", &leafModule, &top);
+    iterator.next();
+    tree.instance("after", &leafModule, &top);
+    iterator.fetchMoreItem(&before);
+    tree.instance("below", &leafModule, &before);
+    EXPECT_EQ(walkText(iterator), "@u1 @u2 @before @c1 @c2 @below");
+}
+
+TEST_F(BFSItemIteratorTest, WalksTheSubInstancesOfOurOwnClassThatWereThereWhenItSteppedPast)
+{
+    VDBInstance root(&topModule, nullptr);
+    const auto grow = [&](unsigned count) {
+        for (; count > 0; --count) {
+            root.addSubInstance(new VDBInstance(&cellModule, &root));
+        }
+    };
+    grow(3);
+    param.startItem = &root;
+    param.itemTypes = ITEM_INSTANCE;
+    BFSItemIterator iterator(nullptr, param);
+    iterator.next();
+    grow(1000);
+    EXPECT_EQ(walkText(iterator), "@ @ @");
+    EXPECT_EQ(root.getSubInstances().size(), 1003U);
+}
+
+TEST_F(BFSItemIteratorTest, WalksTheRightSubInstancesWhenInstancesShareOneList)
+{
+    /// Fills one list for whoever is asked.
+    class SharingInstance : public MockInstance {
+      public:
+        SharingInstance(const std::string &name, MockNetlist *itsModule, MockInstance *parent,
+                        std::vector<IVDBInstance *> &list)
+            : MockInstance(name, itsModule, parent), m_list(list)
+        {
+        }
+        const std::vector<IVDBInstance *> &getSubInstances() const override { return m_list = children; }
+
+      private:
+        std::vector<IVDBInstance *> &m_list;
+    };
+    std::vector<IVDBInstance *> list;
+    SharingInstance root("root", &topModule, nullptr, list);
+    SharingInstance left("left", &topModule, &root, list);
+    SharingInstance right("right", &topModule, &root, list);
+    root.children = {&left, &right};
+    left.children = {&u1, &c1};
+    right.children = {&u2};
+    param.startItem = &root;
+    param.itemTypes = ITEM_INSTANCE;
+    EXPECT_EQ(walk(), "@root @left @right @u1 @c1 @u2 @c1 @c2");
 }
 
 TEST_F(BFSItemIteratorTest, LooksForTheModuleBeforeTheInstanceBit)
