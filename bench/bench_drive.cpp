@@ -155,10 +155,10 @@ class Driver {
         param.filterByName = true;
         param.pattern = argument(2);
         param.startItem = database.getRoot(sourceOf(shape));
-        const std::unique_ptr<IVDBResultSet> results(database.search(param));
+        SearchResults results(database.search(param));
         std::size_t hits = 0;
-        for (results->next(); results->status() == RESULT_MATCH; results->next()) {
-            hits += results->getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+        while (results.next()) {
+            hits += results.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
         }
         phase("search");
         fmt::print("hits {}\n", hits);

@@ -85,10 +85,10 @@ std::string plainPatternInOtherCase(const Searched &on)
 /// Number of nets and buses found.
 std::size_t searchAll(const Searched &on, const VDBSearchParam &param)
 {
-    const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
+    SearchResults results(on.database->search(param));
     std::size_t hits = 0;
-    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
-        hits += results->getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+    while (results.next()) {
+        hits += results.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
     }
     return hits;
 }
@@ -220,15 +220,15 @@ BENCHMARK(regexBesideBareStrings)->Apply(sizesAndShapes)->UseManualTime();
 /// The full name of the first net or bus that a search finds; empty when there is none.
 std::string firstFound(const Searched &on, const VDBSearchParam &param)
 {
-    const std::unique_ptr<IVDBResultSet> results(on.database->search(param));
+    SearchResults results(on.database->search(param));
     do {
-        results->next();
-    } while (results->status() == RESULT_MATCH && results->getCurrent()->getItemType() == ITEM_INSTANCE);
-    if (results->status() != RESULT_MATCH) {
+        results.next();
+    } while (results.status() == RESULT_MATCH && results.getCurrent()->getItemType() == ITEM_INSTANCE);
+    if (results.status() != RESULT_MATCH) {
         return {};
     }
-    const std::string path = static_cast<IVDBInstance *>(results->getContext())->getPath();
-    return (path.empty() ? "" : path + "/") + results->getCurrent()->getName();
+    const std::string path = static_cast<IVDBInstance *>(results.getContext())->getPath();
+    return (path.empty() ? "" : path + "/") + results.getCurrent()->getName();
 }
 
 /// From the call of search until the full name of the first net or bus is there. @p expression finds the same names.

@@ -91,14 +91,14 @@ void printMatches(DesignDatabase &database, const std::string &pattern)
 
     std::cout << "Nets and buses with \"" << pattern << "\" in their names\n";
     // The result set is the caller's and has to go before the items it walks. Nothing is visited before next().
-    const std::unique_ptr<IVDBResultSet> results(database.search(param));
-    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
-        IVDBItem *item = results->getCurrent();
+    SearchResults results(database.search(param));
+    while (results.next()) {
+        IVDBItem *item = results.getCurrent();
         if (item->getItemType() == ITEM_INSTANCE) {
             continue; // told in passing: the nets that follow lie in this instance
         }
         auto *net = dynamic_cast<IVDBNetBase *>(item);
-        auto *instance = dynamic_cast<IVDBInstance *>(results->getContext());
+        auto *instance = dynamic_cast<IVDBInstance *>(results.getContext());
         std::cout << "  " << VDBHelper::getNetFullName(net, instance) << ", " << net->getWidth()
                   << (net->getWidth() == 1 ? " bit" : " bits");
 

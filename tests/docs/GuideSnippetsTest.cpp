@@ -224,17 +224,17 @@ TEST_F(Guide, SearchesByNameAndCancels)
     param.pattern = "shift_q";
     param.userNetsOnly = true;
 
-    std::unique_ptr<IVDBResultSet> results(database.search(param)); // nothing is visited yet
-    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
-        IVDBItem *item = results->getCurrent();
+    SearchResults results(database.search(param)); // nothing is visited yet
+    while (results.next()) {
+        IVDBItem *item = results.getCurrent();
         if (item->getItemType() == ITEM_INSTANCE) {
             continue; // reported so that getContext() is known for the nets that follow
         }
         auto *net = dynamic_cast<IVDBNetBase *>(item);
-        auto *context = dynamic_cast<IVDBInstance *>(results->getContext());
+        auto *context = dynamic_cast<IVDBInstance *>(results.getContext());
         found.push_back(VDBHelper::getNetFullName(net, context));
         if (userGaveUp) {
-            results->cancel(); // may also come from another thread
+            results.cancel(); // may also come from another thread
         }
     }
     // [end]
@@ -254,10 +254,9 @@ TEST_F(Guide, SearchesWithOneCompiledExpression)
     param.startItem = database.getRoot(IDesignDatabase::SOURCE_ELABORATED);
     const std::regex expression("u_[rt]x/.*_q$");
 
-    auto *walk = new BFSItemIterator(&database, param);
-    VDBResultSet results(walk, [&] { return VDBHelper::matchNetRegex(walk, expression); }); // takes over the walk
-    for (results.next(); results.status() == RESULT_MATCH; results.next()) {
-        hits += results.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
+    BFSItemIterator walk(&database, param);
+    for (; VDBHelper::matchNetRegex(&walk, expression); walk.next()) {
+        hits += walk.getCurrent()->getItemType() != ITEM_INSTANCE ? 1 : 0;
     }
     // [end]
     EXPECT_GT(hits, 0u);

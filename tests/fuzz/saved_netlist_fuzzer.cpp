@@ -76,15 +76,15 @@ std::size_t searchAll(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE typ
     param.startItem = database.getRoot(type);
     param.sortItems = true;
     param.nameOrder = SORT_ASCENDING;
-    const std::unique_ptr<IVDBResultSet> results(database.search(param));
+    SearchResults results(database.search(param));
     std::size_t instances = 0;
-    for (results->next(); results->status() == RESULT_MATCH; results->next()) {
-        IVDBItem *item = results->getCurrent();
+    while (results.next()) {
+        IVDBItem *item = results.getCurrent();
         if (auto *instance = dynamic_cast<IVDBInstance *>(item)) {
             static_cast<void>(instance->getPath());
             ++instances;
         } else if (auto *net = dynamic_cast<IVDBNetBase *>(item)) {
-            expect(!VDBHelper::getNetFullName(net, static_cast<IVDBInstance *>(results->getContext())).empty() ||
+            expect(!VDBHelper::getNetFullName(net, static_cast<IVDBInstance *>(results.getContext())).empty() ||
                    net->getName().empty());
             expect(net->isBus() == (dynamic_cast<IVDBNetBus *>(item) != nullptr) || net->getWidth() != 1);
             if (IVDBLineInfo *position = net->getLineInfo()) {

@@ -50,26 +50,27 @@ class ProbesCommand : public DesignCommand {
         writer->begin(head);
         VDBSearchParam param;
         param.startItem = &design->root();
+        param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
         param.userNetsOnly = !m_all;
-        const std::unique_ptr<IVDBResultSet> result(design->database().search(param));
-        const Ending ending = walk(*design, *result, *writer, session);
+        SearchResults results(design->database().search(param));
+        const Ending ending = walk(*design, results, *writer, session);
         session.stats.end();
         return session.finish(*writer, m_found, ending);
     }
 
   private:
-    Ending walk(Design &design, IVDBResultSet &result, ResultWriter &writer, Session &session)
+    Ending walk(Design &design, SearchResults &results, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [&result] { result.cancel(); });
-        for (result.next(); result.status() == RESULT_MATCH; result.next()) {
-            IVDBItem &item = *result.getCurrent();
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
+        while (results.next()) {
+            IVDBItem &item = *results.getCurrent();
             if (item.getItemType() == ITEM_INSTANCE) {
                 auto &instance = static_cast<IVDBInstance &>(item);
                 m_inside = !design.isBlackBox(*instance.getModule());
                 m_path = instance.getPath();
                 m_path += m_path.empty() ? "" : "/";
             } else if (m_inside) {
-                meet(design, static_cast<IVDBInstance &>(*result.getContext()), static_cast<IVDBNetBase &>(item),
+                meet(design, static_cast<IVDBInstance &>(*results.getContext()), static_cast<IVDBNetBase &>(item),
                      writer);
             }
             writer.tick();
