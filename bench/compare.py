@@ -384,7 +384,6 @@ class Comparison:
         self.growth()
         self.memory()
         self.deep()
-        self.longest_name()
         self.largest()
         self.say("What grows with what it is asked for: a full name takes the time of its length, a search that of the "
                  "names it passes and of their lengths (the 20,000 levels above), `reset` that of the items it frees.")
@@ -459,25 +458,6 @@ class Comparison:
         self.say(f"{thousands(DEPTH)} levels of one instance each, with a net at the bottom whose full name has "
                  f"{thousands(len(hits[0].split(',')[2]))} characters:\n")
         self.say(page.table(("command", "median, s", "peak, MiB"), rows))
-
-    def longest_name(self):
-        """The longest full name that an expression is tried on."""
-        def accepts(length):
-            with open("long.json", "w", encoding="utf-8") as out:
-                json.dump({"creator": "compare", "modules": {"top": self.module({}, ["a" * length])}}, out)
-            command = ["netlistdb", "search", "long.json", "a.*a$", "--regex", "-o", "long.out"]
-            code = subprocess.run(command, check=False, stderr=subprocess.DEVNULL).returncode
-            if code not in (0, 3):
-                raise SystemExit(f"{' '.join(command)}: exit {code} for a name of {length} characters")
-            return code == 0
-        low, high = 100, 1 << 20
-        if not accepts(low) or accepts(high):
-            raise SystemExit(f"the longest name for --regex is not between {low} and {high}")
-        while high - low > 1:
-            middle = (low + high) // 2
-            low, high = (middle, high) if accepts(middle) else (low, middle)
-        self.say(f"Longest full name for `--regex` and `--glob`: {thousands(low)} characters; the search refuses "
-                 "longer ones with a message. Plain patterns have no such limit.\n")
 
     def largest(self):
         size = self.large * 10

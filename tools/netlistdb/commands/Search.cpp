@@ -4,12 +4,10 @@
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/Design.h"
-#include "design/ExpressionWalk.h"
 #include "design/NamePattern.h"
 #include "design/PathResolver.h"
 #include "design/SourceText.h"
 
-#include <exception>
 #include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
@@ -17,35 +15,6 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 enum class Sort { None, Name, Width };
-
-/// Starts the walk. @p pattern must outlive the result. A search by expression that fails ends there and leaves the
-/// reason in @p fault, which must outlive the result as well: a step that throws would keep its lock.
-std::unique_ptr<IVDBResultSet> startSearch(Design &design, VDBSearchParam &param, const NamePattern &pattern,
-                                           std::exception_ptr &fault)
-{
-    DesignDatabase &database = design.database();
-    if (pattern.expression() == nullptr) {
-        param.filterByName = true;
-        param.pattern = pattern.text();
-        param.ignoreCase = pattern.ignoreCase();
-        return std::unique_ptr<IVDBResultSet>(database.search(param));
-    }
-    // A search by expression would compile it anew for every hit.
-    auto iterator = std::make_unique<ExpressionWalk>(&database, param, design.name());
-    TreeIterator *walk = iterator.get();
-    const std::regex *expression = pattern.expression();
-    auto predicate = [walk, expression, &fault] {
-        try {
-            return VDBHelper::matchNetRegex(walk, *expression);
-        } catch (...) {
-            fault = std::current_exception();
-            return false;
-        }
-    };
-    auto result = std::make_unique<VDBResultSet>(walk, std::move(predicate));
-    static_cast<void>(iterator.release());
-    return result;
-}
 
 class SearchCommand : public DesignCommand {
   public:
@@ -67,7 +36,7 @@ class SearchCommand : public DesignCommand {
 
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
-        CLI::Option *regex = app.add_flag("--regex", m_regex, "PATTERN is a regular expression (ECMAScript)");
+        CLI::Option *regex = app.add_flag("--regex", m_regex, "PATTERN is a regular expression");
         app.add_flag("--glob", m_glob, "PATTERN has wildcards: * and ? within a level, ** across levels")
             ->excludes(regex);
         app.add_flag("-i,--ignore-case", m_ignoreCase, "Upper and lower case are the same");
@@ -91,6 +60,7 @@ class SearchCommand : public DesignCommand {
                                   m_own.front(), m_ignoreCase);
         const auto design = loadDesign(m_design, Clocks::No, session.reading());
         m_param.startItem = &findStart(*design);
+        m_param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
         m_param.sortItems = m_sort != Sort::None;
         m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;
         m_param.widthOrder = m_sort == Sort::Width ? SORT_ASCENDING : SORT_NONE;
@@ -107,8 +77,8 @@ class SearchCommand : public DesignCommand {
                         {"file", nullptr},
                         {"line", nullptr}};
         writer->begin(head);
-        const auto result = startSearch(*design, m_param, pattern, m_fault);
-        const Ending ending = walk(*result, pattern, *writer, session);
+        SearchResults results(design->database().search(m_param));
+        const Ending ending = walk(results, pattern, *writer, session);
         session.stats.end();
         return session.finish(*writer, m_found > 0, ending);
     }
@@ -122,50 +92,47 @@ class SearchCommand : public DesignCommand {
         return m_from.empty() ? design.root() : PathResolver(design).instance(m_from);
     }
 
-    Ending walk(IVDBResultSet &result, const NamePattern &pattern, ResultWriter &writer, Session &session)
+    Ending walk(SearchResults &results, const NamePattern &pattern, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [&result] { result.cancel(); });
-        for (;;) {
-            result.next();
-            if (m_fault != nullptr) {
-                std::rethrow_exception(m_fault);
-            }
-            if (result.status() != RESULT_MATCH) {
-                return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
-            }
-            meet(*result.getCurrent(), pattern, writer);
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
+        while (results.next()) {
+            meet(*results.getCurrent(), pattern, writer);
             if (m_found == m_limit) {
                 return Ending::Limit;
             }
             writer.tick();
         }
+        return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
     }
 
-    /// Instances come along as the context of their nets, whether they match or not.
     void meet(IVDBItem &item, const NamePattern &pattern, ResultWriter &writer)
     {
         if (item.getItemType() == ITEM_INSTANCE) {
             auto &instance = static_cast<IVDBInstance &>(item);
-            m_path = instance.getPath();
-            if (!m_path.empty() && pattern.matches(m_path)) {
-                write(writer, "instance", {}, m_path, std::string_view(instance.getModule()->getName()),
+            m_name = instance.getPath();
+            m_pathLength = m_name.empty() ? 0 : m_name.size() + 1;
+            if (!m_name.empty() && pattern.matches(m_name)) {
+                write(writer, "instance", {}, std::string_view(instance.getModule()->getName()),
                       instance.getModule()->isUserDeclared(), instance.getModule()->getLineInfo());
             }
+            m_name += m_name.empty() ? "" : "/";
             return;
         }
         auto &net = static_cast<IVDBNetBase &>(item);
-        m_fullName = m_path;
-        m_fullName += m_path.empty() ? "" : "/";
-        m_fullName += net.getName();
-        write(writer, item.getItemType() == ITEM_NET_BUS ? "bus" : "net", std::uint64_t(net.getWidth()), m_fullName, {},
-              net.isUserDeclared(), net.getLineInfo());
+        m_name.resize(m_pathLength);
+        m_name += net.getName();
+        if (pattern.matches(m_name)) {
+            write(writer, item.getItemType() == ITEM_NET_BUS ? "bus" : "net", std::uint64_t(net.getWidth()), {},
+                  net.isUserDeclared(), net.getLineInfo());
+        }
     }
 
-    void write(ResultWriter &writer, const char *kind, Value width, std::string_view path, Value module,
-               bool userDeclared, const IVDBLineInfo *source)
+    void write(ResultWriter &writer, const char *kind, Value width, Value module, bool userDeclared,
+               const IVDBLineInfo *source)
     {
         ++m_found;
-        writer.row({std::string_view(kind), width, path, module, userDeclared, fileOf(source), lineOf(source)});
+        writer.row({std::string_view(kind), width, std::string_view(m_name), module, userDeclared, fileOf(source),
+                    lineOf(source)});
     }
 
     bool m_regex = false;
@@ -177,9 +144,8 @@ class SearchCommand : public DesignCommand {
     VDBSearchParam m_param;
 
     std::uint64_t m_found = 0;
-    std::exception_ptr m_fault; ///< why the walk ended early
-    std::string m_path;         ///< of the instance whose nets follow
-    std::string m_fullName;
+    std::string m_name;           ///< full name of the item at hand, in one buffer for all
+    std::size_t m_pathLength = 0; ///< of the start of m_name that the nets of an instance share
 };
 
 } // namespace

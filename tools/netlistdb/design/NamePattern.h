@@ -1,35 +1,41 @@
 #pragma once
 
-#include <optional>
-#include <regex>
+#include <memory>
 #include <string>
+#include <string_view>
+
+namespace re2 {
+class RE2;
+}
 
 namespace kvr::netlistdb::tool {
 
-/// What full names are matched against.
+/// What full names are matched against. Takes time in proportion to the name, whatever the pattern.
 class NamePattern {
   public:
-    enum class Kind { Plain, Regex, Glob };
+    enum class Kind {
+        Plain, ///< lies anywhere in the name
+        Regex, ///< is found anywhere in the name
+        Glob,  ///< matches the whole name
+    };
 
     /// @throws Failure for a bad regular expression, saying what is wrong with it.
     NamePattern(Kind kind, const std::string &text, bool ignoreCase);
+    ~NamePattern();
+    NamePattern(const NamePattern &) = delete;
+    NamePattern &operator=(const NamePattern &) = delete;
 
-    /// The compiled expression; null for plain text.
-    const std::regex *expression() const { return m_expression ? &*m_expression : nullptr; }
-    const std::string &text() const { return m_text; }
-    bool ignoreCase() const { return m_ignoreCase; }
-    /// The test that a search makes on nets, for other names.
-    bool matches(const std::string &fullName) const;
+    bool matches(std::string_view fullName) const;
 
   private:
-    std::string m_text;
-    std::string m_folded;
-    bool m_ignoreCase;
-    std::optional<std::regex> m_expression;
+    std::string m_text; ///< looked for as it stands when there is no expression
+    bool m_isWhole;
+    std::unique_ptr<const re2::RE2> m_characters; ///< for names in UTF-8; null when the pattern itself is not
+    std::unique_ptr<const re2::RE2> m_bytes;      ///< for other names; null for plain text
 };
 
 /// The regular expression that matches what the wildcard @p glob does: `*` and `?` within one level of the hierarchy,
-/// `**` across levels, everything else itself (after a backslash the wildcards, too). Matches whole names only.
+/// `**` across levels, everything else itself (after a backslash the wildcards, too).
 std::string regexOfGlob(const std::string &glob);
 
 } // namespace kvr::netlistdb::tool
