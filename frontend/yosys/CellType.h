@@ -1,14 +1,41 @@
 #pragma once
 
 #include "Bits.h"
+#include "LooseDesign.h"
 #include "netlist_building.h"
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace kvr::netlistdb::yosys {
+
+struct CellDescription;
+
+/// The ports of a whole memory (`$mem`, `$mem_v2`).
+struct MemoryPorts {
+    unsigned reads = 0;
+    unsigned writes = 0;
+    std::string clockedReads;  ///< '1' for every read port with a clock, the last port first
+    std::string clockedWrites; ///< the same for write ports
+};
+
+/// A clock pin of a cell type and the output pins that it clocks; all are places in CellType::pins().
+struct ClockPin {
+    unsigned pin = 0;
+    std::vector<unsigned> outputs;
+    const struct CellClock *conditions = nullptr; ///< null: always
+};
+
+/// The pins of a cell type that matter to clocks.
+struct ClockPins {
+    std::size_t pinsSeen = 0; ///< pins that the type had when this was found out
+    std::vector<ClockPin> clocks;
+    std::vector<char> isRead; ///< by pin: inputs that an output without a clock depends on first
+};
 
 /// What instances of one netlist connect to: its ports, found by the names that the file gives them.
 class CellType {
@@ -54,6 +81,16 @@ class CellType {
         return search(raw, position);
     }
     Group *findByName(std::string_view name);
+
+    /// The library that the netlist stands in.
+    Home home = Home::Work;
+    /// What is known of the device cell that the type is; null when it is none, or a cell that nobody knows.
+    const CellDescription *device = nullptr;
+    /// Set for whole memories.
+    std::optional<MemoryPorts> memory;
+    ClockPins clockPins;
+    /// Instances of the type depend on their connections and parameters: they are made when all of these are known.
+    bool isPlanned = false;
 
   private:
     Group *search(std::string_view raw, unsigned position);

@@ -64,6 +64,7 @@ void ModuleReader::read(Module &module)
     if (module.cells) {
         readCells(*module.cells);
     }
+    m_parts.endModule(*m_netlist);
     addConstantDrivers();
     m_fault.leaveModule();
 }
@@ -317,7 +318,7 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
     std::string_view rawType;
     CellType *type = nullptr;
     Verific::Instance *inst = nullptr;
-    CellParts later;
+    FileParts later;
     unsigned met = 0;
     const auto once = [&](unsigned part, std::string_view key) {
         if ((met & part) != 0) {
@@ -332,7 +333,8 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
             once(1, key);
             json::object part = m_text.object(field, "\"connections\"");
             if (inst != nullptr) {
-                readConnections(part, *inst, *type);
+                readConnections(part, *type);
+                connect(*inst, *type);
             } else {
                 later.connections = part;
             }
@@ -361,7 +363,7 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
             once(16, key);
             rawType = m_text.rawString(field, "\"type\"");
             type = m_modules.find(rawType);
-            if (type != nullptr) {
+            if (type != nullptr && !type->isPlanned) {
                 inst = addCell(name, *type);
             }
         } else if (key == "hide_name") {
@@ -378,6 +380,11 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
         if (type == nullptr) {
             type = &m_others.find(rawType, later.parameters, later.directions, later.connections);
         }
+    }
+    if (type->isPlanned) {
+        inst = addPlannedCell(name, *type, later, generated);
+        later = {};
+    } else if (inst == nullptr) {
         inst = addCell(name, *type);
     }
     if (later.attributes) {
@@ -390,21 +397,70 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
     }
     if (later.connections) {
         check(later.connections->reset().error());
-        readConnections(*later.connections, *inst, *type);
+        readConnections(*later.connections, *type);
+        connect(*inst, *type);
+    }
+    if (type->device != nullptr) {
+        m_parts.nameCell(*inst, *type);
     }
     if (hidden && !generated) {
         setPosition(*inst, 0);
     }
 }
 
-Verific::Instance *ModuleReader::addCell(std::string_view name, const CellType &type)
+void ModuleReader::noteUse(const CellType &type)
 {
     if (type.module() != CellType::NO_MODULE && m_usedBy[type.module()] != m_module->type.module()) {
         m_usedBy[type.module()] = m_module->type.module();
         m_module->uses.push_back(type.module());
         m_modules.modules()[type.module()].instantiated = true;
     }
+}
+
+Verific::Instance *ModuleReader::addCell(std::string_view name, const CellType &type)
+{
+    noteUse(type);
     return addInstance(*m_netlist, m_scratch.of(name), type.netlist());
+}
+
+Verific::Instance *ModuleReader::addPlannedCell(std::string_view name, CellType &type, FileParts &file, bool generated)
+{
+    noteUse(type);
+    m_parameters.clear();
+    if (file.parameters) {
+        check(file.parameters->reset().error());
+        m_attributes.eachParameter(*file.parameters, [&](std::string_view key, std::string_view value) {
+            m_parameters.emplace_back(key, value);
+        });
+    }
+    if (file.connections) {
+        check(file.connections->reset().error());
+        readConnections(*file.connections, type);
+    }
+    m_pinNets.resize(std::max(m_pinNets.size(), type.pins().size()), nullptr);
+    const CellPlan &plan = m_planner.plan(type, m_pinNets, [this](std::string_view key) -> std::string_view {
+        for (const auto &[each, value] : m_parameters) {
+            if (each == key) {
+                return value;
+            }
+        }
+        return {};
+    });
+    Verific::Instance *inst = m_parts.add(*m_netlist, m_scratch.of(name), type, plan);
+    if (file.attributes) {
+        check(file.attributes->reset().error());
+        m_attributes.apply(*file.attributes, *inst, generated);
+    }
+    if (file.parameters) {
+        check(file.parameters->reset().error());
+        m_attributes.applyParameters(*file.parameters, *inst);
+    }
+    m_parts.connect(*inst, type, plan, m_pinNets);
+    for (const auto &[pin, net] : m_constantOutputs) {
+        m_latePins.push_back({inst, m_parts.portOf(pin), net});
+    }
+    std::fill(m_pinNets.begin(), m_pinNets.end(), nullptr);
+    return inst;
 }
 
 CellType::Group &ModuleReader::groupOf(CellType &type, std::string_view raw, unsigned position)
@@ -422,9 +478,10 @@ CellType::Group &ModuleReader::groupOf(CellType &type, std::string_view raw, uns
     return *group;
 }
 
-void ModuleReader::readConnections(json::object &connections, Verific::Instance &inst, CellType &type)
+void ModuleReader::readConnections(json::object &connections, CellType &type)
 {
     unsigned position = 0;
+    m_constantOutputs.clear();
     eachField(connections, [&](std::string_view raw, json::value &value) {
         CellType::Group &group = groupOf(type, raw, position++);
         m_fault.enterPort(group.name);
@@ -453,13 +510,20 @@ void ModuleReader::readConnections(json::object &connections, Verific::Instance 
         for (std::size_t at = 0; at < m_pinBits.size(); ++at) {
             Verific::Net *net = netOf(m_pinBits[at]);
             if (isConstant(m_pinBits[at]) && group.direction == Verific::DIR_OUT) {
-                m_latePins.push_back({&inst, type.pins()[group.firstPin + at], net});
+                m_constantOutputs.emplace_back(group.firstPin + static_cast<unsigned>(at), net);
             } else {
                 m_pinNets[group.firstPin + at] = net;
             }
         }
     });
     m_fault.leavePort();
+}
+
+void ModuleReader::connect(Verific::Instance &inst, const CellType &type)
+{
+    for (const auto &[pin, net] : m_constantOutputs) {
+        m_latePins.push_back({&inst, type.pins()[pin], net});
+    }
     // In the order of the ports, whatever the order in the file: look-up by port is quickest then.
     const std::vector<Verific::Port *> &pins = type.pins();
     const std::size_t count = std::min(pins.size(), m_pinNets.size());

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "CellParts.h"
 #include "ModuleTable.h"
 #include "NetNames.h"
 #include "OtherCellTypes.h"
 #include "Progress.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -19,9 +21,11 @@ namespace kvr::netlistdb::yosys {
 class ModuleReader {
   public:
     ModuleReader(JsonText &text, ReadFault &fault, AttributeReader &attributes, ModuleTable &modules,
-                 OtherCellTypes &others, Progress &progress)
-        : m_text(text), m_fault(fault), m_attributes(attributes), m_modules(modules), m_others(others),
-          m_progress(progress)
+                 OtherCellTypes &others, CellParts &parts, Progress &progress)
+        : m_text(text), m_fault(fault), m_attributes(attributes), m_modules(modules), m_others(others), m_parts(parts),
+          m_progress(progress), m_planner([this](const Verific::Net *net) {
+              return std::find(m_constantNets.begin(), m_constantNets.end(), net) != m_constantNets.end();
+          })
     {
     }
 
@@ -29,7 +33,7 @@ class ModuleReader {
 
   private:
     /// The parts of a cell that were met before it was known what the cell is.
-    struct CellParts {
+    struct FileParts {
         std::optional<json::object> parameters;
         std::optional<json::object> attributes;
         std::optional<json::object> directions;
@@ -54,8 +58,13 @@ class ModuleReader {
 
     void readCells(json::object &cells);
     void readCell(std::string_view raw, json::value &value);
+    void noteUse(const CellType &type);
     Verific::Instance *addCell(std::string_view name, const CellType &type);
-    void readConnections(json::object &connections, Verific::Instance &inst, CellType &type);
+    /// Makes the instances of a cell whose type is planned.
+    Verific::Instance *addPlannedCell(std::string_view name, CellType &type, FileParts &file, bool generated);
+    void readConnections(json::object &connections, CellType &type);
+    /// Connects the pins that readConnections() found.
+    void connect(Verific::Instance &inst, const CellType &type);
     CellType::Group &groupOf(CellType &type, std::string_view raw, unsigned position);
     void addConstantDrivers();
 
@@ -75,7 +84,9 @@ class ModuleReader {
     AttributeReader &m_attributes;
     ModuleTable &m_modules;
     OtherCellTypes &m_others;
+    CellParts &m_parts;
     Progress &m_progress;
+    CellPlanner m_planner;
     CText m_scratch;
     TextBuffer m_nameBuffer;
     TextBuffer m_portBuffer;
@@ -95,6 +106,8 @@ class ModuleReader {
     // Of the cell that is being read.
     std::vector<Verific::Net *> m_pinNets;
     std::vector<Bit> m_pinBits;
+    std::vector<std::pair<unsigned, Verific::Net *>> m_constantOutputs; ///< pins that are tied to a constant
+    std::vector<std::pair<std::string_view, std::string_view>> m_parameters;
     std::uint64_t m_cellNumber = 0;
 };
 

@@ -36,7 +36,8 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     if (m_byName.count(name) != 0) {
         m_fault.fail("the module stands in the file twice");
     }
-    Verific::Netlist *netlist = m_design.add(Home::Work, name);
+    const CellDescription *device = m_devices.knows(name) ? deviceCell(name, object) : nullptr;
+    Verific::Netlist *netlist = m_design.add(device != nullptr ? DeviceCells::homeOf(*device) : Home::Work, name);
     Module &module = m_modules.emplace_back(name, netlist, static_cast<unsigned>(m_modules.size()));
     m_byRaw.emplace(raw, &module.type);
     m_byName.emplace(name, &module.type);
@@ -79,7 +80,35 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     if (module.blackBox) {
         netlist->MakeBlackBox();
     }
+    if (device != nullptr) {
+        m_devices.adopt(module.type, *device);
+    }
     m_fault.leaveModule();
+}
+
+const CellDescription *ModuleTable::deviceCell(std::string_view name, json::object &module)
+{
+    bool isBlackBox = false;
+    std::vector<std::string_view> ports;
+    eachField(module, [&](std::string_view key, json::value &field) {
+        if (key == "attributes") {
+            json::object attributes = m_text.object(field, "\"attributes\"");
+            eachField(attributes, [&](std::string_view attribute, json::value &value) {
+                const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "an attribute");
+                isBlackBox |= (attribute == "blackbox" || attribute == "whitebox") && isNonZero(text);
+            });
+        } else if (key == "ports") {
+            json::object object = m_text.object(field, "\"ports\"");
+            eachField(object, [&](std::string_view raw, json::value &value) {
+                ports.push_back(m_text.text(raw));
+                m_text.passOver(value);
+            });
+        } else {
+            m_text.passOver(field);
+        }
+    });
+    check(module.reset().error());
+    return isBlackBox ? m_devices.find(name, ports) : nullptr;
 }
 
 void ModuleTable::readPorts(Module &module, json::object &ports)

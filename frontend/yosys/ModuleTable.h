@@ -2,6 +2,7 @@
 
 #include "Attributes.h"
 #include "CellType.h"
+#include "DeviceCells.h"
 #include "LooseDesign.h"
 
 #include <deque>
@@ -31,8 +32,9 @@ struct Module {
 /// The modules of one file.
 class ModuleTable {
   public:
-    ModuleTable(JsonText &text, ReadFault &fault, AttributeReader &attributes, LooseDesign &design)
-        : m_text(text), m_fault(fault), m_attributes(attributes), m_design(design)
+    ModuleTable(JsonText &text, ReadFault &fault, AttributeReader &attributes, LooseDesign &design,
+                DeviceCells &devices)
+        : m_text(text), m_fault(fault), m_attributes(attributes), m_design(design), m_devices(devices)
     {
     }
 
@@ -51,12 +53,16 @@ class ModuleTable {
   private:
     void readModule(std::string_view raw, json::value &value);
     void readPorts(Module &module, json::object &ports);
+    /// The device cell that the module is a black box of, or null.
+    const CellDescription *deviceCell(std::string_view name, json::object &module);
 
     JsonText &m_text;
     ReadFault &m_fault;
     AttributeReader &m_attributes;
     LooseDesign &m_design;
+    DeviceCells &m_devices;
     CText m_scratch;
+    TextBuffer m_valueBuffer;
     std::deque<Module> m_modules;
     std::unordered_map<std::string_view, CellType *> m_byRaw;
     std::unordered_map<std::string_view, CellType *> m_byName;

@@ -29,8 +29,9 @@ class Reading {
   public:
     Reading(const json::parser &parser, std::size_t size, ReadFault &fault, const ReadOptions &options)
         : m_fault(fault), m_options(options), m_progress(options, size), m_text(parser, fault), m_attributes(m_text),
-          m_modules(m_text, fault, m_attributes, m_design), m_others(m_text, fault, m_attributes, m_design),
-          m_reader(m_text, fault, m_attributes, m_modules, m_others, m_progress)
+          m_devices(options.cellTables), m_modules(m_text, fault, m_attributes, m_design, m_devices),
+          m_others(m_text, fault, m_attributes, m_design, m_devices), m_parts(m_design),
+          m_reader(m_text, fault, m_attributes, m_modules, m_others, m_parts, m_progress)
     {
     }
 
@@ -43,6 +44,8 @@ class Reading {
         refuseRecursion(m_modules.modules(), m_fault);
         Verific::Netlist *top = chooseTop(m_modules.modules(), m_options.top, m_fault).type.netlist();
         m_others.finish();
+        m_devices.finish();
+        m_parts.finish();
         m_progress.finish();
         m_design.attach();
         return top;
@@ -57,8 +60,10 @@ class Reading {
     JsonText m_text;
     AttributeReader m_attributes;
     LooseDesign m_design;
+    DeviceCells m_devices;
     ModuleTable m_modules;
     OtherCellTypes m_others;
+    CellParts m_parts;
     ModuleReader m_reader;
 };
 

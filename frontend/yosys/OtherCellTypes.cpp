@@ -80,7 +80,13 @@ CellType &OtherCellTypes::makeInternal(Family &family,
         return {};
     });
     CellType &type = m_types.emplace_back(family.name, m_design.add(meaning.home, family.name));
-    m_internals.push_back({&type, meaning});
+    type.home = meaning.home;
+    if (meaning.memory) {
+        type.memory = meaning.memory;
+        type.isPlanned = true;
+    } else {
+        m_internals.push_back({&type, meaning});
+    }
     if (directions) {
         addDirections(type, *directions);
     } else if (connections) {
@@ -115,12 +121,29 @@ CellType &OtherCellTypes::blackBox(std::string_view raw, std::optional<json::obj
     }
     CellType *&sameName = m_blackBoxNames[name];
     if (sameName == nullptr) {
-        sameName = &m_types.emplace_back(name, m_design.add(Home::Work, name));
-        sameName->netlist()->MakeBlackBox();
+        sameName = &makeBlackBox(name, *directions);
     }
     addDirections(*sameName, *directions);
     sameText = sameName;
     return *sameText;
+}
+
+CellType &OtherCellTypes::makeBlackBox(std::string_view name, json::object &directions)
+{
+    const CellDescription *device = nullptr;
+    if (m_devices.knows(name)) {
+        m_portNames.clear();
+        check(directions.reset().error());
+        eachField(directions, [&](std::string_view raw, json::value &) { m_portNames.push_back(m_text.text(raw)); });
+        device = m_devices.find(name, m_portNames);
+    }
+    const Home home = device != nullptr ? DeviceCells::homeOf(*device) : Home::Work;
+    CellType &type = m_types.emplace_back(name, m_design.add(home, name));
+    type.netlist()->MakeBlackBox();
+    if (device != nullptr) {
+        m_devices.adopt(type, *device);
+    }
+    return type;
 }
 
 void OtherCellTypes::addDirections(CellType &type, json::object &directions)

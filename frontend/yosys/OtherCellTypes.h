@@ -2,6 +2,7 @@
 
 #include "Attributes.h"
 #include "CellType.h"
+#include "DeviceCells.h"
 #include "LooseDesign.h"
 #include "WordCells.h"
 
@@ -20,8 +21,9 @@ namespace kvr::netlistdb::yosys {
 /// their uses alone, and the constants.
 class OtherCellTypes {
   public:
-    OtherCellTypes(JsonText &text, ReadFault &fault, AttributeReader &attributes, LooseDesign &design)
-        : m_text(text), m_fault(fault), m_attributes(attributes), m_design(design)
+    OtherCellTypes(JsonText &text, ReadFault &fault, AttributeReader &attributes, LooseDesign &design,
+                   DeviceCells &devices)
+        : m_text(text), m_fault(fault), m_attributes(attributes), m_design(design), m_devices(devices)
     {
     }
 
@@ -54,6 +56,7 @@ class OtherCellTypes {
     CellType &internal(std::string_view raw, std::optional<json::object> &parameters,
                        std::optional<json::object> &directions, std::optional<json::object> &connections);
     CellType &blackBox(std::string_view raw, std::optional<json::object> &directions);
+    CellType &makeBlackBox(std::string_view name, json::object &directions);
     CellType &makeInternal(Family &family, const std::vector<std::pair<std::string_view, std::string>> &parameters,
                            std::optional<json::object> &directions, std::optional<json::object> &connections);
 
@@ -61,7 +64,9 @@ class OtherCellTypes {
     ReadFault &m_fault;
     AttributeReader &m_attributes;
     LooseDesign &m_design;
+    DeviceCells &m_devices;
     CText m_scratch;
+    std::vector<std::string_view> m_portNames;
     std::deque<CellType> m_types;
     std::unordered_map<std::string_view, Family> m_families; ///< by type as it stands between the quotes
     std::vector<Internal> m_internals;

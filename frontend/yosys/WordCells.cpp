@@ -54,18 +54,32 @@ std::uint64_t numberOf(std::string_view value)
     return number;
 }
 
-bool allReadPortsClocked(const ParameterLookup &parameter)
+/// The last @p ports bits of @p enables, '1' for every port with a clock, the last port first.
+std::string clockedPorts(std::string_view enables, std::uint64_t ports)
 {
-    const std::uint64_t ports = numberOf(parameter("RD_PORTS"));
-    const std::string_view enables = parameter("RD_CLK_ENABLE");
-    if (ports == 0) {
-        return false;
+    if (enables.size() >= ports) {
+        return std::string(enables.substr(enables.size() - ports));
     }
-    if (enables.size() < ports) {
-        return ports == 1 && isNonZero(enables);
+    // A decimal number: of one port alone it says something.
+    return ports == 1 && isNonZero(enables) ? "1" : "";
+}
+
+std::optional<MemoryPorts> memoryPorts(const ParameterLookup &parameter)
+{
+    constexpr std::uint64_t most = 0xFFFF;
+    const std::uint64_t reads = numberOf(parameter("RD_PORTS"));
+    const std::uint64_t writes = numberOf(parameter("WR_PORTS"));
+    if (reads > most || writes > most) {
+        return std::nullopt;
     }
-    const std::string_view ofPorts = enables.substr(enables.size() - ports);
-    return ofPorts.find_first_not_of('1') == std::string_view::npos;
+    MemoryPorts ports;
+    ports.reads = static_cast<unsigned>(reads);
+    ports.writes = static_cast<unsigned>(writes);
+    ports.clockedReads = clockedPorts(parameter("RD_CLK_ENABLE"), reads);
+    ports.clockedWrites = clockedPorts(parameter("WR_CLK_ENABLE"), writes);
+    const bool isClocked =
+        ports.clockedReads.find('1') != std::string::npos || ports.clockedWrites.find('1') != std::string::npos;
+    return isClocked ? std::optional<MemoryPorts>(std::move(ports)) : std::nullopt;
 }
 
 unsigned gateCode(std::string_view type)
@@ -146,7 +160,7 @@ CellMeaning meaningOf(std::string_view type, const ParameterLookup &parameter)
     } else if (isOneOf(type, {"$memrd", "$memrd_v2", "$memwr", "$memwr_v2"})) {
         meaning.clock = isNonZero(parameter("CLK_ENABLE")) ? "CLK" : "";
     } else if (isOneOf(type, {"$mem", "$mem_v2"})) {
-        meaning.clock = allReadPortsClocked(parameter) ? "RD_CLK" : "";
+        meaning.memory = memoryPorts(parameter);
     }
     return meaning;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "CellType.h"
 #include "LooseDesign.h"
 
 #include <functional>
+#include <optional>
 #include <string_view>
 
 /// What is known of the cells that yosys defines itself: word-level ones (`$add`, `$dff`, …) and one-bit gates
@@ -18,8 +20,10 @@ struct CellMeaning {
     unsigned primitive = 0;
     /// The input that a buffer or inverter passes on; empty otherwise.
     std::string_view input;
-    /// The port that clocks a register, empty when the cell is none. In a vector, bit 0 of it.
+    /// The port that clocks a register, empty when the cell is none.
     std::string_view clock;
+    /// Set for whole memories of which some port is clocked.
+    std::optional<MemoryPorts> memory;
 };
 
 /// True for the names of cells that yosys defines itself.
@@ -35,8 +39,8 @@ inline bool isInternalCell(std::string_view type)
 /// - Flip-flops of every kind, `$fsm`, and memory ports that are clocked are registers. Latches are not: a latch is
 ///   transparent while it is enabled, and its enable is no clock. Flip-flops on the global clock (`$ff`, `$_FF_`) have
 ///   no clock port and are not registers either.
-/// - `$mem` and `$mem_v2` are registers when all of their read ports are clocked, with the clock of the first one;
-///   otherwise their outputs depend on the addresses at any time and they are plain operators.
+/// - Of `$mem` and `$mem_v2` each clocked read port is a register of its own (CellMeaning::memory); the outputs of a
+///   read port without a clock depend on its address at any time, as those of an operator do.
 CellMeaning meaningOf(std::string_view type, const ParameterLookup &parameter);
 
 /// The direction of port @p port of internal cell @p type (port_direction), for files that do not tell; DIR_NONE when

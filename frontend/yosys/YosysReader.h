@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace Verific {
 class Netlist;
@@ -34,6 +35,8 @@ struct ReadOptions {
     /// Told at the start, at the end, and after about every hundredth of the file how many of how many bytes are read;
     /// `done` never falls. Answering false stops the reading. May be empty; what it throws passes.
     std::function<bool(std::uint64_t done, std::uint64_t total)> progress;
+    /// Files with tables of device cells, which count before the built-in ones; their form is that of `families/`.
+    std::vector<std::string> cellTables;
 };
 
 /// Reads a netlist that yosys wrote with `write_json` (0.23 or later) into the global libset and answers the top

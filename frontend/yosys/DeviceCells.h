@@ -1,0 +1,37 @@
+#pragma once
+
+#include "CellTable.h"
+#include "CellType.h"
+#include "ReadFault.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvr::netlistdb::yosys {
+
+/// Recognises device cells among the black boxes of a file.
+class DeviceCells {
+  public:
+    /// @p tables: files with further tables, which count before the built-in ones.
+    /// @throws ReadError when one cannot be read or is no table.
+    explicit DeviceCells(const std::vector<std::string> &tables);
+
+    /// True when some device cell has this name.
+    bool knows(std::string_view name) const;
+    /// The device cell @p name whose ports are called @p ports; null when there is none.
+    const CellDescription *find(std::string_view name, const std::vector<std::string_view> &ports) const;
+    /// The library that a cell of this kind belongs to: what analyses look through stands with the primitives.
+    static Home homeOf(const CellDescription &cell);
+
+    /// Makes @p type, an empty black box, the device cell @p cell.
+    void adopt(CellType &type, const CellDescription &cell);
+    /// Marks the clock ports of cells whose files describe them themselves and leave that out.
+    void finish();
+
+  private:
+    CellTable m_own;
+    std::vector<CellType *> m_selfDescribing;
+};
+
+} // namespace kvr::netlistdb::yosys
