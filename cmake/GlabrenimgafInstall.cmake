@@ -24,6 +24,10 @@ if(TARGET netlistdb)
     set_target_properties(netlistdb PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
     install(TARGETS netlistdb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
     install(FILES docs/netlistdb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+    # Verilog models of cells become tables with these; the program looks for them from where it stands.
+    install(PROGRAMS families/derive.py DESTINATION ${CMAKE_INSTALL_DATADIR}/netlistdb/families COMPONENT program)
+    install(FILES families/model_clocks.py families/models.py
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/netlistdb/families COMPONENT program)
 
     target_include_directories(yosys_reader INTERFACE $<INSTALL_INTERFACE:${glabrenimgaf_headers_dir}>)
     install(TARGETS yosys_reader EXPORT glabrenimgafYosysReaderTargets

@@ -54,19 +54,22 @@ bool DeviceCells::knows(std::string_view name) const
     return m_own.find(name) != nullptr || builtInCells().find(name) != nullptr;
 }
 
-const CellDescription *DeviceCells::find(std::string_view name, const std::vector<std::string_view> &ports) const
+DeviceMatch DeviceCells::find(std::string_view name, const std::vector<std::string_view> &ports) const
 {
+    DeviceMatch match;
     for (const CellTable *table : {&m_own, &builtInCells()}) {
         const std::vector<const CellDescription *> *known = table->find(name);
-        if (known != nullptr) {
-            const auto fitting = std::find_if(known->begin(), known->end(),
-                                              [&](const CellDescription *cell) { return fits(*cell, ports); });
-            if (fitting != known->end()) {
-                return *fitting;
+        if (known == nullptr) {
+            continue;
+        }
+        for (const CellDescription *cell : *known) {
+            if (fits(*cell, ports)) {
+                match.cell = match.cell != nullptr ? match.cell : cell;
+                match.families += (match.families.empty() ? "" : " ") + cell->family;
             }
         }
     }
-    return nullptr;
+    return match;
 }
 
 Home DeviceCells::homeOf(const CellDescription &cell)
@@ -82,14 +85,15 @@ Home DeviceCells::homeOf(const CellDescription &cell)
     }
 }
 
-void DeviceCells::adopt(CellType &type, const CellDescription &cell)
+void DeviceCells::adopt(CellType &type, const DeviceMatch &match)
 {
+    const CellDescription &cell = *match.cell;
     type.device = &cell;
     type.home = homeOf(cell);
     if (type.home == Home::Primitives) {
         makePrimitive(*type.netlist(), Verific::PRIM_OTHER, nullptr);
     }
-    addAttribute(*type.netlist(), "NETLISTDB_CELL_FAMILY", cell.family.c_str());
+    addAttribute(*type.netlist(), "NETLISTDB_CELL_FAMILY", match.families.c_str());
     addAttribute(*type.netlist(), "NETLISTDB_CELL_KIND", nameOf(cell.kind));
     if (cell.selfDescribing) {
         m_selfDescribing.push_back(&type);

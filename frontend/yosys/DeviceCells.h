@@ -10,6 +10,13 @@
 
 namespace kvr::netlistdb::yosys {
 
+/// A device cell that a black box is.
+struct DeviceMatch {
+    const CellDescription *cell = nullptr;
+    std::string families; ///< every family with such a cell, the one of the description first, blanks between them
+    explicit operator bool() const { return cell != nullptr; }
+};
+
 /// Recognises device cells among the black boxes of a file.
 class DeviceCells {
   public:
@@ -19,13 +26,13 @@ class DeviceCells {
 
     /// True when some device cell has this name.
     bool knows(std::string_view name) const;
-    /// The device cell @p name whose ports are called @p ports; null when there is none.
-    const CellDescription *find(std::string_view name, const std::vector<std::string_view> &ports) const;
+    /// The device cell @p name whose ports are called @p ports.
+    DeviceMatch find(std::string_view name, const std::vector<std::string_view> &ports) const;
     /// The library that a cell of this kind belongs to: what analyses look through stands with the primitives.
     static Home homeOf(const CellDescription &cell);
 
-    /// Makes @p type, an empty black box, the device cell @p cell.
-    void adopt(CellType &type, const CellDescription &cell);
+    /// Makes @p type, an empty black box, the device cell that was found.
+    void adopt(CellType &type, const DeviceMatch &match);
     /// Marks the clock ports of cells whose files describe them themselves and leave that out.
     void finish();
 

@@ -36,8 +36,8 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     if (m_byName.count(name) != 0) {
         m_fault.fail("the module stands in the file twice");
     }
-    const CellDescription *device = m_devices.knows(name) ? deviceCell(name, object) : nullptr;
-    Verific::Netlist *netlist = m_design.add(device != nullptr ? DeviceCells::homeOf(*device) : Home::Work, name);
+    const DeviceMatch device = m_devices.knows(name) ? deviceCell(name, object) : DeviceMatch();
+    Verific::Netlist *netlist = m_design.add(device ? DeviceCells::homeOf(*device.cell) : Home::Work, name);
     Module &module = m_modules.emplace_back(name, netlist, static_cast<unsigned>(m_modules.size()));
     m_byRaw.emplace(raw, &module.type);
     m_byName.emplace(name, &module.type);
@@ -80,13 +80,13 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     if (module.blackBox) {
         netlist->MakeBlackBox();
     }
-    if (device != nullptr) {
-        m_devices.adopt(module.type, *device);
+    if (device) {
+        m_devices.adopt(module.type, device);
     }
     m_fault.leaveModule();
 }
 
-const CellDescription *ModuleTable::deviceCell(std::string_view name, json::object &module)
+DeviceMatch ModuleTable::deviceCell(std::string_view name, json::object &module)
 {
     bool isBlackBox = false;
     std::vector<std::string_view> ports;
@@ -108,7 +108,7 @@ const CellDescription *ModuleTable::deviceCell(std::string_view name, json::obje
         }
     });
     check(module.reset().error());
-    return isBlackBox ? m_devices.find(name, ports) : nullptr;
+    return isBlackBox ? m_devices.find(name, ports) : DeviceMatch();
 }
 
 void ModuleTable::readPorts(Module &module, json::object &ports)

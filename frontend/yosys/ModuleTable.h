@@ -53,8 +53,8 @@ class ModuleTable {
   private:
     void readModule(std::string_view raw, json::value &value);
     void readPorts(Module &module, json::object &ports);
-    /// The device cell that the module is a black box of, or null.
-    const CellDescription *deviceCell(std::string_view name, json::object &module);
+    /// The device cell that the module is a black box of.
+    DeviceMatch deviceCell(std::string_view name, json::object &module);
 
     JsonText &m_text;
     ReadFault &m_fault;

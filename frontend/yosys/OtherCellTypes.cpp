@@ -130,18 +130,18 @@ CellType &OtherCellTypes::blackBox(std::string_view raw, std::optional<json::obj
 
 CellType &OtherCellTypes::makeBlackBox(std::string_view name, json::object &directions)
 {
-    const CellDescription *device = nullptr;
+    DeviceMatch device;
     if (m_devices.knows(name)) {
         m_portNames.clear();
         check(directions.reset().error());
         eachField(directions, [&](std::string_view raw, json::value &) { m_portNames.push_back(m_text.text(raw)); });
         device = m_devices.find(name, m_portNames);
     }
-    const Home home = device != nullptr ? DeviceCells::homeOf(*device) : Home::Work;
+    const Home home = device ? DeviceCells::homeOf(*device.cell) : Home::Work;
     CellType &type = m_types.emplace_back(name, m_design.add(home, name));
     type.netlist()->MakeBlackBox();
-    if (device != nullptr) {
-        m_devices.adopt(type, *device);
+    if (device) {
+        m_devices.adopt(type, device);
     }
     return type;
 }

@@ -36,7 +36,7 @@ struct ReadOptions {
     /// `done` never falls. Answering false stops the reading. May be empty; what it throws passes.
     std::function<bool(std::uint64_t done, std::uint64_t total)> progress;
     /// Files with tables of device cells, which count before the built-in ones; their form is that of `families/`.
-    std::vector<std::string> cellTables;
+    std::vector<std::string> cellTables = {};
 };
 
 /// Reads a netlist that yosys wrote with `write_json` (0.23 or later) into the global libset and answers the top

@@ -14,6 +14,12 @@ void addDesignOptions(CLI::App &command, CommonOptions &options)
     command.add_option("--top", options.top, "Top module (default: the one marked as top, or that none instantiates)")
         ->type_name("NAME")
         ->group("Design");
+    command
+        .add_option("--cells", options.cells,
+                    "What further device cells are: a table, or Verilog models (*.v); may be repeated")
+        ->type_name("FILE")
+        ->group("Design")
+        ->allow_extra_args(false);
 }
 
 void addOutputOptions(CLI::App &command, CommonOptions &options)

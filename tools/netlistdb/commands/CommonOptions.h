@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -17,6 +18,7 @@ namespace kvr::netlistdb::tool {
 struct CommonOptions {
     std::optional<Form> form;
     std::string top;
+    std::vector<std::string> cells;
     Format format = Format::Table;
     std::string outputFile; ///< empty: standard output
     When progress = When::Auto;

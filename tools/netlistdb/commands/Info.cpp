@@ -30,6 +30,7 @@ class InfoCommand : public DesignCommand {
         InfoReport report;
         report.top = design->top().getName();
         report.form = design->form();
+        report.devices = design->devices();
         report.census = takeCensus(design->root(), session.interrupt);
         report.clockDomains = design->clockDomains().size();
         report.write(session.options.format, session.output, session.color);

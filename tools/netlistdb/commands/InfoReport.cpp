@@ -46,10 +46,20 @@ std::string withShare(const Count &count)
     return fmt::format("{} ({} user-declared)", count.total, count.userDeclared);
 }
 
-/// Modules that a designer wrote or that the device offers, as opposed to operators and primitives.
+/// Modules that a designer wrote or that the device offers, as opposed to the cells that yosys defines.
 bool isDesignUnit(const ModuleCensus &module)
 {
-    return module.library != "Operators" && module.library != "Primitives";
+    const bool isInternal = module.name.compare(0, 1, "$") == 0;
+    return module.library != "Operators" && (module.library != "Primitives" || !isInternal);
+}
+
+Json toJson(const std::vector<std::pair<std::string, std::uint64_t>> &counts, const char *name)
+{
+    Json list = Json::array();
+    for (const auto &[what, cells] : counts) {
+        list.push_back({{name, what}, {"cells", cells}});
+    }
+    return list;
 }
 
 } // namespace
@@ -75,6 +85,9 @@ void InfoReport::writeJson(OutputStream &stream, bool lines) const
     Json document = jsonHead("info");
     document["top"] = top;
     document["form"] = nameOf(form);
+    document["family"] = devices.family.empty() ? Json(nullptr) : Json(devices.family);
+    document["device_cells"] = toJson(devices.kinds, "kind");
+    document["unknown_cells"] = toJson(devices.unknown, "type");
     document["modules"] = toJson(census.definitions);
     document["instances"] = toJson(census.instances);
     document["nets"] = toJson(census.defined.nets);
@@ -155,6 +168,9 @@ void InfoReport::writeTables(OutputStream &stream, bool color) const
     };
     line("Top", top);
     line("Form", nameOf(form));
+    if (!devices.family.empty()) {
+        line("Family", devices.family);
+    }
     line("Modules", withShare(census.definitions));
     line("Nets", withShare(census.defined.nets));
     line("Buses", withShare(census.defined.buses));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "design/Census.h"
+#include "design/DeviceCensus.h"
 #include "design/Form.h"
 #include "output/ResultWriter.h"
 
@@ -10,6 +11,7 @@ namespace kvr::netlistdb::tool {
 struct InfoReport {
     std::string top;
     Form form = Form::Elaborated;
+    DeviceCensus devices;
     Census census;
     std::uint64_t clockDomains = 0;
 

@@ -42,7 +42,7 @@ int Session::finish(bool found)
 void Session::note(const std::string &message)
 {
     progress.clear();
-    fmt::print(stderr, "netlistdb: {}\n", printable(message));
+    writeNote(message);
 }
 
 } // namespace kvr::netlistdb::tool

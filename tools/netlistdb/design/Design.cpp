@@ -3,6 +3,7 @@
 #include "base/Interrupt.h"
 #include "base/Progress.h"
 #include "base/Stats.h"
+#include "base/Terminal.h"
 
 #include <DataBase.h>
 #include <netlistdb/netlistdb.h>
@@ -33,8 +34,9 @@ std::set<std::pair<std::string, std::string>> blackBoxesOf(const Verific::Netlis
 
 } // namespace
 
-Design::Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes)
-    : m_name(std::move(name)), m_form(form), m_blackBoxes(std::move(blackBoxes)),
+Design::Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes,
+               DeviceCensus devices)
+    : m_name(std::move(name)), m_form(form), m_blackBoxes(std::move(blackBoxes)), m_devices(std::move(devices)),
       m_database(std::make_unique<DesignDatabase>(clocks == Clocks::Yes))
 {
 }
@@ -75,7 +77,8 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     const SourceNetlist source = readNetlist(files, reading);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
-    auto design = std::make_unique<Design>(source.name, source.form, clocks, blackBoxesOf(*source.netlist));
+    auto design = std::make_unique<Design>(source.name, source.form, clocks, blackBoxesOf(*source.netlist),
+                                           takeDeviceCensus(*source.netlist, source.form));
     bool whole = false;
     try {
         whole = source.form == Form::PostMap ? design->database().parsePostMapNetlist(source.netlist)
@@ -88,6 +91,11 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     reading.interrupt.check();
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
+    }
+    const std::string warning = design->devices().warning(source.form);
+    if (clocks == Clocks::Yes && !warning.empty()) {
+        reading.progress.clear();
+        writeNote(warning);
     }
     // The database works on a copy of its own.
     delete source.netlist;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Failure.h"
+#include "design/DeviceCensus.h"
 #include "design/Form.h"
 #include "design/Reading.h"
 
@@ -27,13 +28,15 @@ enum class Clocks { No, Yes };
 class Design {
   public:
     /// @p blackBoxes holds library and name of each.
-    Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes);
+    Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes,
+           DeviceCensus devices);
     ~Design();
     Design(const Design &) = delete;
     Design &operator=(const Design &) = delete;
 
     const std::string &name() const { return m_name; }
     Form form() const { return m_form; }
+    const DeviceCensus &devices() const { return m_devices; }
     DesignDatabase &database() { return *m_database; }
     IVDBNetlist &top();
     IVDBInstance &root();
@@ -49,6 +52,7 @@ class Design {
     std::string m_name;
     Form m_form;
     std::set<std::pair<std::string, std::string>> m_blackBoxes;
+    DeviceCensus m_devices;
     std::unique_ptr<DesignDatabase> m_database;
 };
 
@@ -56,7 +60,7 @@ class Design {
 /// @throws Failure, Interrupted
 SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading);
 
-/// Reads @p files and imports them.
+/// Reads @p files and imports them. Says on standard error which cells nobody knows when clocks are asked about.
 /// @throws Failure, Interrupted
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
 

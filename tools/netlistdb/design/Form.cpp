@@ -20,32 +20,69 @@ bool isConstant(const Verific::Instance &instance)
     }
 }
 
-bool isDeviceCell(const Verific::Instance &instance)
+bool isIn(const Verific::Netlist &netlist, const char *library)
+{
+    const Verific::Cell *cell = netlist.Owner();
+    const char *name = cell != nullptr && cell->Owner() != nullptr ? cell->Owner()->Name() : nullptr;
+    return name != nullptr && std::strcmp(name, library) == 0;
+}
+
+/// What an instance says about the form of the netlist that it stands in.
+enum class Hint { Nothing, Mapped, LooksMapped, LooksElaborated, Elaborated };
+
+Hint hintOf(const Verific::Instance &instance)
 {
     const Verific::Netlist *view = instance.View();
     const char *name = view != nullptr ? view->CellBaseName() : nullptr;
-    return name != nullptr && std::strncmp(name, "KVR_", 4) == 0;
+    if (name == nullptr) {
+        return Hint::LooksElaborated;
+    }
+    const bool isInternal = name[0] == '$';
+    if (instance.GetAtt("KVR_ATTRIBUTE_CELL_NAME") != nullptr) {
+        return isIn(*view, "Primitives") ? Hint::LooksMapped : Hint::Mapped;
+    }
+    if (isConstant(instance)) {
+        return Hint::Nothing;
+    }
+    if (isInternal && view->IsRegister() != 0) {
+        return Hint::Elaborated;
+    }
+    if (std::strncmp(name, "KVR_", 4) == 0 || (!isInternal && isIn(*view, "Primitives"))) {
+        return Hint::LooksMapped;
+    }
+    if (view->IsBlackBox() == 0 && view->GetInsts()->Size() > 0) {
+        return Hint::Elaborated;
+    }
+    return Hint::LooksElaborated;
 }
 
 } // namespace
 
 Form detectForm(const Verific::Netlist &netlist)
 {
-    bool deviceCells = false;
-    bool others = false;
+    bool hasNamedCells = false;
+    bool looksMapped = false;
+    bool looksElaborated = false;
     Verific::MapIter mi;
     Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (&netlist, mi, instance) {
-        if (instance->GetAtt("KVR_ATTRIBUTE_CELL_NAME") != nullptr) {
+        switch (hintOf(*instance)) {
+        case Hint::Mapped:
             return Form::PostMap;
-        }
-        if (isDeviceCell(*instance)) {
-            deviceCells = true;
-        } else if (!isConstant(*instance)) {
-            others = true;
+        case Hint::Elaborated:
+            return Form::Elaborated;
+        case Hint::LooksMapped:
+            looksMapped = true;
+            hasNamedCells |= instance->GetAtt("KVR_ATTRIBUTE_CELL_NAME") != nullptr;
+            break;
+        case Hint::LooksElaborated:
+            looksElaborated = true;
+            break;
+        case Hint::Nothing:
+            break;
         }
     }
-    return deviceCells && !others ? Form::PostMap : Form::Elaborated;
+    return hasNamedCells || (looksMapped && !looksElaborated) ? Form::PostMap : Form::Elaborated;
 }
 
 } // namespace kvr::netlistdb::tool

@@ -16,8 +16,11 @@ inline const char *nameOf(Form form)
     return form == Form::PostMap ? "post-map" : "elaborated";
 }
 
-/// The form of @p netlist: post-map when some instance in it carries the attribute KVR_ATTRIBUTE_CELL_NAME, or when it
-/// has instances and all of them, constants aside, are of cells named KVR_…; elaborated otherwise.
+/// The form of @p netlist. Its instances are looked at in their order, and the first that is certain decides: post-map
+/// for a cell outside the library of primitives with the attribute KVR_ATTRIBUTE_CELL_NAME, elaborated for a register
+/// that yosys defines and for a module with instances of its own, since post-map netlists are flat. Otherwise it is
+/// post-map when some device cell is a register or clock buffer, or when all instances, constants aside, are device
+/// cells.
 Form detectForm(const Verific::Netlist &netlist);
 
 } // namespace kvr::netlistdb::tool

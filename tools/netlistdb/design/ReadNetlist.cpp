@@ -69,6 +69,7 @@ Verific::Netlist *readJson(const std::string &file, const std::string &top, cons
 {
     yosys::ReadOptions options;
     options.top = top;
+    options.cellTables = reading.cellTables;
     options.progress = [&reading](std::uint64_t done, std::uint64_t total) {
         reading.progress.update(done, total);
         return !reading.interrupt.requested();
@@ -155,8 +156,20 @@ bool isVerilogName(const std::string &file)
     return endsWith(file, ".v") || endsWith(file, ".sv");
 }
 
-SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading)
+SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &asked)
 {
+    Reading reading = asked;
+    const TemporaryDirectory tables;
+    for (std::size_t number = 0; number < reading.cellTables.size(); ++number) {
+        std::string &file = reading.cellTables[number];
+        checkReadable(file);
+        if (isVerilogName(file)) {
+            const std::string table = tables.file(("cells_" + std::to_string(number) + ".json").c_str());
+            reading.progress.begin("deriving the cells of " + file + " with yosys");
+            deriveCellTable(file, table, reading.interrupt);
+            file = table;
+        }
+    }
     for (const std::string &file : files) {
         checkReadable(file);
     }

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvr::netlistdb::tool {
 
@@ -13,8 +14,9 @@ class Stats;
 
 /// How to read a design, and whom to tell how far it is.
 struct Reading {
-    std::optional<Form> form; ///< found out from the netlist when not given
-    std::string top;          ///< empty: found out from the netlist
+    std::optional<Form> form;            ///< found out from the netlist when not given
+    std::string top;                     ///< empty: found out from the netlist
+    std::vector<std::string> cellTables; ///< tables of cells, or Verilog models to derive them from
     Progress &progress;
     Stats &stats;
     Interrupt &interrupt;

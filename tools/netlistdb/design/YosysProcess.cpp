@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <spawn.h>
 #include <string_view>
 #include <sys/wait.h>
@@ -64,7 +65,7 @@ int start(pid_t &child, const std::vector<std::string> &words, int errors)
     posix_spawnattr_setsigdefault(&attributes, &signals);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
-    const int error = posix_spawnp(&child, "yosys", &actions, &attributes, arguments.data(), environ);
+    const int error = posix_spawnp(&child, words.front().c_str(), &actions, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return error;
@@ -102,26 +103,28 @@ std::string faultIn(std::string_view log)
     return std::string(fault);
 }
 
-} // namespace
+/// What a program that has ended says.
+struct Ended {
+    int startError = 0; ///< why it could not be started; 0 when it could
+    bool succeeded = false;
+    std::string fault;
+};
 
-void elaborateWithYosys(const std::vector<std::string> &sources, const std::string &top, const std::string &json,
-                        Interrupt &interrupt)
+/// Runs @p words to the end.
+/// @throws Failure when there are no pipes left; Interrupted.
+Ended run(const std::vector<std::string> &words, const std::string &blamed, Interrupt &interrupt)
 {
-    if (!isSafeInScript(top)) {
-        throw wrongUsage("--top: '" + top + "' is no module name that yosys takes");
-    }
     std::array<int, 2> errors{};
     if (pipe2(errors.data(), O_CLOEXEC) != 0) {
-        throw refused(sources.front(), std::string("cannot start yosys: ") + std::strerror(errno));
+        throw refused(blamed, "cannot start " + words.front() + ": " + std::strerror(errno));
     }
     pid_t child = 0;
-    const int error = start(child, commandLine(sources, top, json), errors[1]);
+    Ended ended;
+    ended.startError = start(child, words, errors[1]);
     close(errors[1]);
-    if (error != 0) {
+    if (ended.startError != 0) {
         close(errors[0]);
-        throw refused(sources.front(), error == ENOENT
-                                           ? "Verilog is read with yosys, which is not installed (Debian package yosys)"
-                                           : std::string("cannot start yosys: ") + std::strerror(error));
+        return ended;
     }
     std::string log;
     int status = 0;
@@ -137,9 +140,59 @@ void elaborateWithYosys(const std::vector<std::string> &sources, const std::stri
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     interrupt.check();
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        const std::string fault = faultIn(log);
-        throw refused(sources.front(), "yosys: " + (fault.empty() ? "stopped without saying why" : fault));
+    ended.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    ended.fault = faultIn(log);
+    return ended;
+}
+
+/// The script that makes tables of cells from models: beside the program in a build, under share/ when installed.
+std::string derivingScript()
+{
+    std::error_code ignored;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+    for (const char *place : {"families/derive.py", "../share/netlistdb/families/derive.py"}) {
+        const std::filesystem::path script = program / place;
+        if (std::filesystem::exists(script, ignored)) {
+            return script.string();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+void elaborateWithYosys(const std::vector<std::string> &sources, const std::string &top, const std::string &json,
+                        Interrupt &interrupt)
+{
+    if (!isSafeInScript(top)) {
+        throw wrongUsage("--top: '" + top + "' is no module name that yosys takes");
+    }
+    const Ended ended = run(commandLine(sources, top, json), sources.front(), interrupt);
+    if (ended.startError != 0) {
+        throw refused(sources.front(), ended.startError == ENOENT
+                                           ? "Verilog is read with yosys, which is not installed (Debian package yosys)"
+                                           : std::string("cannot start yosys: ") + std::strerror(ended.startError));
+    }
+    if (!ended.succeeded) {
+        throw refused(sources.front(), "yosys: " + (ended.fault.empty() ? "stopped without saying why" : ended.fault));
+    }
+}
+
+void deriveCellTable(const std::string &models, const std::string &table, Interrupt &interrupt)
+{
+    const std::string script = derivingScript();
+    if (script.empty()) {
+        throw refused(models, "cell models need families/derive.py, which is not installed beside the program");
+    }
+    const std::string file = models.front() == '-' ? "./" + models : models;
+    const Ended ended = run({"python3", "-B", script, "--models", table, file}, models, interrupt);
+    if (ended.startError != 0) {
+        throw refused(models, ended.startError == ENOENT
+                                  ? "cell models are read with python3, which is not installed (Debian package python3)"
+                                  : std::string("cannot start python3: ") + std::strerror(ended.startError));
+    }
+    if (!ended.succeeded) {
+        throw refused(models, ended.fault.empty() ? "its cells cannot be derived" : ended.fault);
     }
 }
 

@@ -13,4 +13,8 @@ class Interrupt;
 void elaborateWithYosys(const std::vector<std::string> &sources, const std::string &top, const std::string &json,
                         Interrupt &interrupt);
 
+/// Derives a table of cells from a Verilog file with their models, and writes it to @p table.
+/// @throws Failure when python3 or yosys is not installed or the models cannot be read; Interrupted.
+void deriveCellTable(const std::string &models, const std::string &table, Interrupt &interrupt);
+
 } // namespace kvr::netlistdb::tool
