@@ -1,5 +1,6 @@
 import csv
 import os
+import json
 import unittest
 
 from program import DESIGNS, ELABORATED, POST_MAP, REPOSITORY, ProgramTest, bit_module, net, netlist, run, rows_of_csv
@@ -88,9 +89,46 @@ class Clocks(ProgramTest):
 
     def test_says_how_many_nets_no_clock_drives(self):
         document = self.json("clocks", ELABORATED)
-        note = run("clocks", ELABORATED).stderr
-        self.assertEqual(note, f"netlistdb: {document['nets_without_clock']} of {document['nets']} nets are driven by no clock\n")
-        self.assertEqual(run("clocks", ELABORATED, "--format", "csv").stderr, "")
+        notes = run("clocks", ELABORATED).stderr.splitlines()
+        self.assertIn(f"netlistdb: {document['nets_without_clock']} of {document['nets']} nets are driven by no clock", notes)
+        self.assertNotIn("driven by no clock", run("clocks", ELABORATED, "--format", "csv").stderr)
+
+    def test_cells_that_nobody_knows_are_counted(self):
+        for design, end in ((ELABORATED, "no clock is followed further back"), (POST_MAP, "taken for combinational")):
+            for command in (["info"], ["clocks"], ["clock-of", "--", "rst_ni"], ["probes"]):
+                note = run(command[0], design, *command[1:]).stderr
+                self.assertIn(f"netlistdb: 1 cell of the unknown type analog_pll: {end}; --cells adds it\n", note)
+        self.assertEqual(run("search", ELABORATED, "rst_ni").stderr, "")
+
+    def test_own_cells_are_told_by_a_table_or_by_models(self):
+        netlist = self.netlist_of_own_cells()
+        self.assertIn("3 cells of 2 unknown types, MY_FF first: taken for combinational; --cells adds them",
+                      run("clocks", netlist, "--form", "post-map").stderr)
+        table = self.file("mine.json", json.dumps({"format": "netlistdb-cells", "version": 1, "family": "Mine", "cells": {
+            "MY_FF": {"kind": "flip-flop", "clocks": [{"pin": "CK", "outputs": "Q"}]},
+            "MY_INV": {"kind": "logic"}}}))
+        models = self.file("mine.v", "module MY_FF(input CK, D, output reg Q); always @(posedge CK) Q <= D; endmodule\n"
+                                     "module MY_INV(input A, output Y); assign Y = ~A; endmodule\n")
+        for cells in (table, models):
+            result = run("clock-of", netlist, "q", "--cells", cells, "--format", "csv")
+            self.assertEqual((result.stdout, result.stderr), ("net,clock\nq,clk\n", ""))
+        self.assertEqual(json.loads(run("info", netlist, "--cells", table, "--format", "json").stdout)["family"], "Mine")
+
+    def test_broken_tables_and_models_are_refused(self):
+        netlist = self.netlist_of_own_cells()
+        for name, content, fault in (("none.json", "{", "not valid JSON"), ("none.v", "module (", "ERROR"),
+                                     ("kind.json", '{"format": "netlistdb-cells"}', '"version" must be 1')):
+            self.assertIn(fault, self.fail_with(3, "clocks", netlist, "--cells", self.file(name, content)))
+
+    def netlist_of_own_cells(self):
+        def cell(kind, **pins):
+            return {"type": kind, "port_directions": {pin: "output" if pin in "QY" else "input" for pin in pins},
+                    "connections": {pin: [bit] for pin, bit in pins.items()}}
+
+        return self.file("own.json", json.dumps({"modules": {"top": {
+            "ports": {"clk": {"direction": "input", "bits": [2]}, "q": {"direction": "output", "bits": [5]}},
+            "cells": {"a": cell("MY_FF", CK=2, D=5, Q=3), "b": cell("MY_FF", CK=2, D=3, Q=4),
+                      "c": cell("MY_INV", A=4, Y=5)}}}}))
 
 
 if __name__ == "__main__":

@@ -119,7 +119,7 @@ TEST_F(YosysCells, ThatAreMemoryPortsAreRegistersWhenTheyAreClocked)
     EXPECT_EQ(kindOf("$meminit_v2", "", R"("DATA": "input")", R"("DATA": [3])"), "Operators/$meminit_v2 operator");
 }
 
-TEST_F(YosysCells, ThatAreWholeMemoriesAreRegistersWhenEveryReadPortIsClocked)
+TEST_F(YosysCells, ThatAreWholeMemoriesAreRegistersOnTheClocksThatTheyReadWith)
 {
     const std::string directions = R"("RD_CLK": "input", "RD_DATA": "output")";
     const std::string two = R"("RD_CLK": [2, 3], "RD_DATA": [4, 5])";
@@ -127,6 +127,8 @@ TEST_F(YosysCells, ThatAreWholeMemoriesAreRegistersWhenEveryReadPortIsClocked)
     EXPECT_EQ(kindOf("$mem_v2", R"("RD_PORTS": 2, "RD_CLK_ENABLE": "11")", directions, two),
               "Operators/$mem_v2 operator clock=RD_CLK[0]");
     EXPECT_EQ(kindOf("$mem_v2", R"("RD_PORTS": 2, "RD_CLK_ENABLE": "01")", directions, two),
+              "Operators/$mem_v2 operator clock=RD_CLK[0]");
+    EXPECT_EQ(kindOf("$mem_v2", R"("RD_PORTS": 2, "RD_CLK_ENABLE": "00")", directions, two),
               "Operators/$mem_v2 operator");
     EXPECT_EQ(kindOf("$mem", R"("RD_PORTS": "00000000000000000000000000000001", "RD_CLK_ENABLE": 1)", directions, one),
               "Operators/$mem operator clock=RD_CLK");

@@ -56,9 +56,4 @@ std::string printable(const std::string &text)
     return result;
 }
 
-void writeNote(const std::string &message)
-{
-    fmt::print(stderr, "netlistdb: {}\n", printable(message));
-}
-
 } // namespace kvr::netlistdb::tool

@@ -17,7 +17,4 @@ bool useColor(When when, int descriptor);
 /// @p text as a terminal may show it: control characters become escapes such as `\n` and `\x1b`.
 std::string printable(const std::string &text);
 
-/// Writes a line of the program's own to standard error.
-void writeNote(const std::string &message);
-
 } // namespace kvr::netlistdb::tool

@@ -26,6 +26,7 @@ int Session::finish(ResultWriter &writer, bool found, Ending ending, const std::
     writer.end(ending, facts);
     output.close();
     if (ending == Ending::Interrupted) {
+        writeNotes();
         note("interrupted: the result is partial");
         return EXIT_BY_SIGNAL + interrupt.signal();
     }
@@ -36,13 +37,22 @@ int Session::finish(bool found)
 {
     progress.clear();
     output.close();
+    writeNotes();
     return found ? EXIT_FOUND : EXIT_NOTHING_FOUND;
+}
+
+void Session::writeNotes()
+{
+    for (const std::string &each : m_notes) {
+        note(each);
+    }
+    m_notes.clear();
 }
 
 void Session::note(const std::string &message)
 {
     progress.clear();
-    writeNote(message);
+    fmt::print(stderr, "netlistdb: {}\n", printable(message));
 }
 
 } // namespace kvr::netlistdb::tool

@@ -26,7 +26,7 @@ class Session {
     bool color; ///< in tables
 
     /// How the design is to be read, as the options have it. Uses this session.
-    Reading reading() { return {options.form, options.top, options.cells, progress, stats, interrupt}; }
+    Reading reading() { return {options.form, options.top, options.cells, progress, stats, interrupt, m_notes}; }
     std::unique_ptr<ResultWriter> makeWriter();
     /// Ends the result: hands everything on, and answers the exit code. Says so on standard error when the result is
     /// partial.
@@ -35,6 +35,11 @@ class Session {
     int finish(bool found);
     /// Writes a line to standard error.
     void note(const std::string &message);
+
+  private:
+    void writeNotes();
+
+    std::vector<std::string> m_notes; ///< what reading has to say
 };
 
 } // namespace kvr::netlistdb::tool

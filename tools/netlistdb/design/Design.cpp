@@ -3,7 +3,6 @@
 #include "base/Interrupt.h"
 #include "base/Progress.h"
 #include "base/Stats.h"
-#include "base/Terminal.h"
 
 #include <DataBase.h>
 #include <netlistdb/netlistdb.h>
@@ -94,8 +93,7 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     }
     const std::string warning = design->devices().warning(source.form);
     if (clocks == Clocks::Yes && !warning.empty()) {
-        reading.progress.clear();
-        writeNote(warning);
+        reading.notes.push_back(warning);
     }
     // The database works on a copy of its own.
     delete source.netlist;

@@ -60,7 +60,7 @@ class Design {
 /// @throws Failure, Interrupted
 SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading);
 
-/// Reads @p files and imports them. Says on standard error which cells nobody knows when clocks are asked about.
+/// Reads @p files and imports them. Notes which cells nobody knows when clocks are asked about.
 /// @throws Failure, Interrupted
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
 

@@ -50,7 +50,7 @@ std::string DeviceCensus::warning(Form form) const
                                   ? fmt::format("of the unknown type {}", unknown.front().first)
                                   : fmt::format("of {} unknown types, {} first", unknown.size(), unknown.front().first);
     return fmt::format("{} cell{} {}: {}; --cells adds {}", cells, cells == 1 ? "" : "s", types,
-                       form == Form::PostMap ? "taken for combinational" : "no clock is followed through them",
+                       form == Form::PostMap ? "taken for combinational" : "no clock is followed further back",
                        unknown.size() == 1 ? "it" : "them");
 }
 

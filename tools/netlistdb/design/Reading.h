@@ -20,6 +20,7 @@ struct Reading {
     Progress &progress;
     Stats &stats;
     Interrupt &interrupt;
+    std::vector<std::string> &notes; ///< lines for standard error, to be written behind the result
 };
 
 } // namespace kvr::netlistdb::tool
