@@ -88,8 +88,8 @@ void CellParts::connect(Verific::Instance &inst, CellType &type, const CellPlan 
         }
     };
     const auto eachRead = [&](auto &&visit) {
-        for (unsigned pin = 0; pin < type.clockPins.isRead.size(); ++pin) {
-            if (type.clockPins.isRead[pin] != 0 && nets[pin] != nullptr) {
+        for (const unsigned pin : type.clockPins.reads) {
+            if (nets[pin] != nullptr) {
                 visit(pin);
             }
         }

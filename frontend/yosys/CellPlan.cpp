@@ -51,9 +51,12 @@ void findPinsOfDevice(CellType &type, ClockPins &found)
         }
         found.clocks.push_back(std::move(pin));
     }
-    for (const CellType::Group &group : type.groups()) {
-        if (isMade(&group) && type.device->read.match(group.name)) {
-            std::fill_n(found.isRead.begin() + group.firstPin, group.range.width, char{1});
+    const PinPatterns &read = type.device->read;
+    for (std::size_t place = 0; place < read.size(); ++place) {
+        for (const CellType::Group &group : type.groups()) {
+            if (isMade(&group) && read.place(group.name) == place) {
+                addPins(group, found.reads);
+            }
         }
     }
 }
@@ -74,7 +77,7 @@ void findPinsOfMemory(CellType &type, ClockPins &found)
     for (unsigned port = 0; port < ports.reads; ++port) {
         if (!isClocked(ports.clockedReads, port)) {
             for (unsigned bit = 0; bit < addressWidth; ++bit) {
-                found.isRead[address->firstPin + port * addressWidth + bit] = 1;
+                found.reads.push_back(address->firstPin + port * addressWidth + bit);
             }
         } else if (isMade(readClock) && port < readClock->range.width) {
             ClockPin pin;
@@ -103,7 +106,6 @@ void findClockPins(CellType &type)
     }
     type.clockPins = {};
     type.clockPins.pinsSeen = type.pins().size();
-    type.clockPins.isRead.assign(type.pins().size(), 0);
     if (type.memory) {
         findPinsOfMemory(type, type.clockPins);
     } else {

@@ -282,10 +282,11 @@ PinPatterns::PinPatterns(std::string_view text)
     }
 }
 
-bool PinPatterns::match(std::string_view pin) const
+std::size_t PinPatterns::place(std::string_view pin) const
 {
-    return std::any_of(m_patterns.begin(), m_patterns.end(),
-                       [&](const std::string &pattern) { return fits(pin, pattern); });
+    const auto fitting = std::find_if(m_patterns.begin(), m_patterns.end(),
+                                      [&](const std::string &pattern) { return fits(pin, pattern); });
+    return static_cast<std::size_t>(fitting - m_patterns.begin());
 }
 
 bool sameValue(std::string_view value, std::string_view wanted)

@@ -43,7 +43,10 @@ class PinPatterns {
     PinPatterns() = default;
     /// @p text holds the patterns, with blanks between them.
     explicit PinPatterns(std::string_view text);
-    bool match(std::string_view pin) const;
+    bool match(std::string_view pin) const { return place(pin) < m_patterns.size(); }
+    /// Place of the first pattern that fits @p pin; size() when none does.
+    std::size_t place(std::string_view pin) const;
+    std::size_t size() const { return m_patterns.size(); }
     bool empty() const { return m_patterns.empty(); }
 
   private:

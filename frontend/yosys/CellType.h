@@ -34,7 +34,7 @@ struct ClockPin {
 struct ClockPins {
     std::size_t pinsSeen = 0; ///< pins that the type had when this was found out
     std::vector<ClockPin> clocks;
-    std::vector<char> isRead; ///< by pin: inputs that an output without a clock depends on first
+    std::vector<unsigned> reads; ///< inputs that an output without a clock depends on first, in that order
 };
 
 /// What instances of one netlist connect to: its ports, found by the names that the file gives them.

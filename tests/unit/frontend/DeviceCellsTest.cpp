@@ -87,7 +87,7 @@ TEST_F(DeviceCells, AMemoryOnTwoClocksIsOneInstanceForEach)
     EXPECT_EQ(linesOf(top, "u"),
               "u: Primitives/DP16KD (CLKA=$bit$2, ADA0=$bit$6, CLKB=$bit$3, DOA0=$bit$4) "
               "{KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n"
-              "u:CLKB: Primitives/DP16KD (CLKB=$bit$3, DOB0=$bit$5) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
+              "u:CLKB: Primitives/DP16KD:netlist_2 (CLKB=$bit$3, DOB0=$bit$5) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
 }
 
 TEST_F(DeviceCells, AMemoryOnOneClockStaysWhole)
@@ -103,9 +103,10 @@ TEST_F(DeviceCells, TheClockOfTheOutputsInUseStandsFirst)
     const Verific::Netlist *top =
         readCell(cell("SB_RAM40_4K", "", R"("RCLK": [2], "RADDR": [3], "WCLK": [4])", R"("RDATA": [5])"));
     // What clocks only writes has an instance of its own when it clocks nothing else.
-    EXPECT_EQ(linesOf(top, "u"), "u: Primitives/SB_RAM40_4K (RCLK=$bit$2, RADDR=$bit$3, WCLK=$bit$4, RDATA=$bit$5) "
-                                 "{KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n"
-                                 "u:WCLK: Primitives/SB_RAM40_4K (WCLK=$bit$4) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
+    EXPECT_EQ(linesOf(top, "u"),
+              "u: Primitives/SB_RAM40_4K (RCLK=$bit$2, RADDR=$bit$3, WCLK=$bit$4, RDATA=$bit$5) "
+              "{KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n"
+              "u:WCLK: Primitives/SB_RAM40_4K:netlist_2 (WCLK=$bit$4) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
 }
 
 TEST_F(DeviceCells, AClockThatOnlyWritesNeedsNoInstanceBesideARegister)
@@ -130,8 +131,8 @@ TEST_F(DeviceCells, AMemoryThatReadsAtOnceIsLookedThroughItsReadAddressFirst)
     const Verific::Netlist *top =
         readCell(cell("RAM32X1D", "", R"("A0": [2], "D": [3], "DPRA0": [4], "WCLK": [5], "WE": [6])", R"("DPO": [7])"));
     EXPECT_EQ(linesOf(top, "u"),
-              "u: Primitives/RAM32X1D (A0=$bit$2, DPRA0=$bit$4, D=$bit$3, WCLK=$bit$5, WE=$bit$6, DPO=$bit$7)\n"
-              "u:WCLK: Primitives/RAM32X1D (WCLK=$bit$5) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
+              "u: Primitives/RAM32X1D (DPRA0=$bit$4, A0=$bit$2, D=$bit$3, WCLK=$bit$5, WE=$bit$6, DPO=$bit$7)\n"
+              "u:WCLK: Primitives/RAM32X1D:netlist_2 (WCLK=$bit$5) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
 }
 
 TEST_F(DeviceCells, ParametersSayWhichOutputsAreRegistered)
@@ -140,9 +141,9 @@ TEST_F(DeviceCells, ParametersSayWhichOutputsAreRegistered)
     EXPECT_EQ(linesOf(readCell(cell("ICESTORM_LC", R"("DFF_ENABLE": "0")", inputs, R"("O": [4])")), "u"),
               "u: Primitives/ICESTORM_LC (CLK=$bit$2, I0=$bit$3, O=$bit$4) #DFF_ENABLE=0\n");
     EXPECT_EQ(linesOf(readCell(cell("ICESTORM_LC", R"("DFF_ENABLE": "1")", inputs, R"("COUT": [5], "O": [4])")), "u"),
-              "u: Primitives/ICESTORM_LC (CLK=$bit$2, I0=$bit$3, O=$bit$4) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF} "
-              "#DFF_ENABLE=1\n"
-              "u:comb: Primitives/ICESTORM_LC (I0=$bit$3, COUT=$bit$5)\n");
+              "u: Primitives/ICESTORM_LC:netlist_2 (CLK=$bit$2, I0=$bit$3, O=$bit$4) #DFF_ENABLE=1 "
+              "{KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n"
+              "u:comb: Primitives/ICESTORM_LC:netlist_3 (I0=$bit$3, COUT=$bit$5)\n");
 }
 
 TEST_F(DeviceCells, ABufferWithAnotherInputGetsOnePortMore)
