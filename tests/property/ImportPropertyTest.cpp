@@ -123,7 +123,9 @@ class Session {
                 expectPoolToLeadBack(*pool, *m_database.getRoot(type));
             }
         }
-        ASSERT_TRUE(m_keep || pool->empty());
+        for (const auto type : {IDesignDatabase::SOURCE_ELABORATED, IDesignDatabase::SOURCE_POST_MAP}) {
+            ASSERT_TRUE(m_keep || m_database.objectPool(type)->empty());
+        }
     }
 
   private:
