@@ -26,7 +26,8 @@ class NETLISTDB_EXPORT IVDBResultSet {
     /// @throws std::system_error when the lock fails.
     virtual void cancel() = 0;
     /// Walks on to the next result; costs what lies between the two. What the walk throws passes through, and the set
-    /// stays locked: next, cancel and deletion would then wait forever, so it is abandoned as it is.
+    /// stays locked: next, cancel and deletion then wait forever, so the caller abandons it as it is. SearchResults
+    /// does.
     /// @throws std::runtime_error for an inconsistent item, std::regex_error, std::bad_function_call for a set without
     ///         predicate, std::system_error when the lock fails.
     virtual void next() = 0;

@@ -9,7 +9,7 @@ namespace kvr::netlistdb {
 
 /// Owns a result set, and lets go of it when a step throws.
 ///
-/// A result set whose step threw stays locked for good: whoever deletes or cancels it waits forever. This handle
+/// A result set whose step threw stays locked for good: deleting or cancelling it waits forever. This handle
 /// abandons such a set, without deleting it: what the set holds (its walk, some kilobytes, more where the search has
 /// gone wide) is never freed. From then on the handle is at its end. Header only; one thread pulls, any may cancel.
 ///

@@ -23,7 +23,7 @@ class NETLISTDB_EXPORT TreeIterator {
 
   protected:
     /// @{
-    /// For derived classes alone, so that no object is cut down to its interface.
+    /// For derived classes alone: assigning through the interface would slice.
     TreeIterator() = default;
     TreeIterator(const TreeIterator &) = default;
     TreeIterator &operator=(const TreeIterator &) = default;

@@ -15,10 +15,13 @@ class VDBSearchParam;
 /// Static functions: matchers that move an iterator on to the next item that passes a test, names, and the checksum of
 /// a file.
 ///
-/// No iterator may be null, and none is owned. Every matcher but matchAll tests the current item first, and answers
+/// No iterator may be null, and none is owned. Every matcher but matchAll tests the current item first, and returns
 /// true with the iterator on the item found, or false with it at the end; after an exception it stands on the item. The
-/// net matchers report every instance they pass, whatever the test, and store it as the iterator's context, so that the
-/// caller knows whose nets follow.
+/// net matchers report every instance that they pass, whatever the test, and store it as the iterator's context, so
+/// that the caller knows whose nets follow.
+///
+/// Matching an expression takes stack in proportion to the length of a name, and compiling one in proportion to the
+/// pattern. Before the stack of the calling thread ends, std::regex_error is thrown with the code error_stack.
 class NETLISTDB_EXPORT VDBHelper {
   public:
     VDBHelper() = delete;
@@ -34,8 +37,7 @@ class NETLISTDB_EXPORT VDBHelper {
     /// @throws std::runtime_error "Unknown item iterated"; "Unknown item saved in context" for a net before any
     ///         instance.
     static bool matchNet(TreeIterator *iterator, const std::string &pattern, bool ignoreCase);
-    /// Instances, and nets and buses in whose full name std::regex_search finds @p expression, which takes stack in
-    /// proportion to the length of the name.
+    /// Instances, and nets and buses in whose full name std::regex_search finds @p expression.
     /// @throws as matchNet, and std::regex_error.
     static bool matchNetRegex(TreeIterator *iterator, const std::regex &expression);
     /// The current item, whatever it is; never moves.
@@ -54,7 +56,7 @@ class NETLISTDB_EXPORT VDBHelper {
 
     /// @{
     /// The instance, netlist or port whose whole own name matches @p expression.
-    /// @throws std::runtime_error "Unknown item iterated" for an item of another kind.
+    /// @throws std::runtime_error "Unknown item iterated" for an item of another kind, and std::regex_error.
     static bool matchInstanceRegex(TreeIterator *iterator, const std::regex &expression);
     static bool matchNetlistRegex(TreeIterator *iterator, const std::regex &expression);
     static bool matchPortRegex(TreeIterator *iterator, const std::regex &expression);

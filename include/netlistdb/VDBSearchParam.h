@@ -17,7 +17,7 @@ enum SortOrder : std::uint32_t {
 };
 
 /// What to search: where the walk starts, which kinds of item it visits, what it leaves out, and the text that nets
-/// are matched against. Copied by whoever receives it; the start item is not owned and must outlive the search.
+/// are matched against. Copied by its receivers; the start item is not owned and must outlive the search.
 class NETLISTDB_EXPORT VDBSearchParam {
   public:
     /// Without a start item: an empty search.

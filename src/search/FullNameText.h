@@ -13,7 +13,7 @@ class IVDBInstance;
 
 /// Looks for one text in the full names of nets without building them. A hit lies in the net's own name, in the prefix
 /// that all nets of the instance share, or across the two; what concerns the prefix is worked out once per instance,
-/// and only when a net's own name does not answer already.
+/// and only when a net's own name does not hold the text already.
 class FullNameText {
   public:
     /// With @p fold both sides are folded.

@@ -25,7 +25,7 @@ std::vector<std::string> allTexts(const std::string &letters, std::size_t longes
     return texts;
 }
 
-TEST(FullNameText, AnswersWhatTheWrittenOutNameWouldForAllShortTexts)
+TEST(FullNameText, AgreesWithTheWrittenOutNameForAllShortTexts)
 {
     MockTree tree;
     const std::vector<std::string> netNames = allTexts("ab", 3);

@@ -125,7 +125,7 @@ TEST_P(NameMatchersTest, ThrowOnAnItemOfAnotherKindOrNullAndStayThere)
     }
 }
 
-TEST_P(NameMatchersTest, AnswerFalseAtTheEnd)
+TEST_P(NameMatchersTest, ReturnFalseAtTheEnd)
 {
     ListIterator iterator({});
     EXPECT_FALSE(GetParam().plain(&iterator, "", false));

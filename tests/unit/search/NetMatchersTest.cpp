@@ -178,7 +178,7 @@ TEST_F(NetMatchersTest, AcceptsMatchesOfLengthZero)
     EXPECT_EQ(matchExpression(std::regex("")), everything);
 }
 
-TEST_F(NetMatchersTest, AsksForThePathOncePerCallAndNotAtAllWhenTheNameAnswers)
+TEST_F(NetMatchersTest, AsksForThePathOncePerCallAndNotAtAllWhenTheNameHoldsThePattern)
 {
     for (int i = 0; i < 100; ++i) {
         tree.net(emptyModule, "n");

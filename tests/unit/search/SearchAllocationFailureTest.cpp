@@ -71,7 +71,7 @@ TEST_P(InterruptedSearch, OfAWalkLeavesNothingBehind)
     Outcome outcome = Outcome::THREW;
     for (long number = 0; outcome != Outcome::NOT_REACHED; ++number) {
         std::string found;
-        // The text of the answer is kept out of it: only the search may run out of memory.
+        // The text of the result is kept out of it: only the search may run out of memory.
         found.reserve(4096);
         outcome = failAllocation(number, [&] {
             BFSItemIterator walk(&m_database, m_param);
@@ -98,19 +98,15 @@ TEST_P(InterruptedSearch, OfAResultSetThatIsMadeOrStepsPassesTheFailureOn)
     int failures = 0;
     Outcome outcome = Outcome::THREW;
     for (long number = 0; outcome != Outcome::NOT_REACHED; ++number) {
-        IVDBResultSet *results = nullptr;
+        // An abandoned set is never freed: here the leak check sees it.
+        static auto *const all = new std::vector<IVDBResultSet *>;
+        all->reserve(all->size() + 1);
         outcome = failAllocation(number, [&] {
-            results = m_database.search(m_param);
-            for (results->next(); results->status() == RESULT_MATCH; results->next()) {
+            all->push_back(m_database.search(m_param));
+            SearchResults results(all->back());
+            while (results.next()) {
             }
         });
-        if (outcome != Outcome::THREW || results == nullptr) {
-            delete results;
-        } else {
-            // A set whose step threw stays locked for good and is abandoned; here where the leak check sees it.
-            static auto *const abandoned = new std::vector<IVDBResultSet *>;
-            abandoned->push_back(results);
-        }
         failures += outcome == Outcome::THREW ? 1 : 0;
     }
     EXPECT_GT(failures, 8);

@@ -34,16 +34,16 @@ IVDBResultSet *remembered(IVDBResultSet *results)
 
 class SearchResultsTest : public testing::Test {
   protected:
-    SearchResultsTest() : items(new ListIterator({&a, &b})) {}
-
+    /// A new set over both ports.
     IVDBResultSet *set()
     {
+        items = new ListIterator({&a, &b});
         return remembered(new VDBResultSet(items, [this] { return step(); }));
     }
 
     MockPort a{"a"};
     MockPort b{"b"};
-    ListIterator *items;
+    ListIterator *items = nullptr; ///< of the set made last
     std::function<bool()> step = [this] { return !items->isEnd(); };
 };
 
@@ -78,7 +78,7 @@ TEST_F(SearchResultsTest, EndsAfterACancel)
     EXPECT_FALSE(results.next());
 }
 
-TEST_F(SearchResultsTest, IsAtItsEndWithoutASet)
+TEST(SearchResults, IsAtItsEndWithoutASet)
 {
     SearchResults results(nullptr);
     EXPECT_EQ(results.status(), RESULT_NONE);
@@ -92,7 +92,6 @@ TEST_F(SearchResultsTest, LetsGoOfASetWhoseStepThrew)
 {
     step = []() -> bool { throw std::runtime_error("step"); };
     for (const bool byCurrent : {false, true}) {
-        items = new ListIterator({&a, &b});
         SearchResults results(set());
         EXPECT_EQ(messageOf<std::runtime_error>([&] {
                       if (byCurrent) {
@@ -134,9 +133,8 @@ TEST_F(SearchResultsTest, CanBeCancelledWhileAStepThrows)
     EXPECT_FALSE(results.next());
 }
 
-TEST_F(SearchResultsTest, SurvivesABadExpression)
+TEST(SearchResults, SurvivesABadExpression)
 {
-    delete items;
     testsupport::MockTree tree;
     DesignDatabase database(false);
     VDBSearchParam param;

@@ -49,7 +49,7 @@ void expectLocked(VDBResultSet &results)
     lockOf(results).unlock();
 }
 
-/// A set over three ports whose predicate counts its runs and answers what the test says.
+/// A set over three ports whose predicate counts its runs and returns what the test says.
 class VDBResultSetTest : public testing::Test {
   protected:
     VDBResultSetTest()

@@ -28,7 +28,7 @@ class Session {
     /// How the design is to be read, as the options have it. Uses this session.
     Reading reading() { return {options.form, options.top, options.cells, progress, stats, interrupt, m_notes}; }
     std::unique_ptr<ResultWriter> makeWriter();
-    /// Ends the result: hands everything on, and answers the exit code. Says so on standard error when the result is
+    /// Ends the result: hands everything on, and returns the exit code. Says so on standard error when the result is
     /// partial.
     int finish(ResultWriter &writer, bool found, Ending ending, const std::vector<Fact> &facts = {});
     /// The same for a result that was written without a writer.
