@@ -23,7 +23,8 @@ def options_of_program(text):
             heading = options.setdefault(line[:-1], set())
         elif line.startswith("  -") and heading is not None:
             declaration = re.split(r" Excludes:|  +", line.strip())[0]
-            heading.add(tuple(re.split(r"[ ,|]", declaration.lower())))
+            words = re.split(r"[ ,|]", declaration)
+            heading.add(tuple(word if word.startswith("-") else word.lower() for word in words))
     return options
 
 
@@ -40,7 +41,7 @@ def options_of_section(text):
     options = set()
     for words in re.findall(r"(?m)^\.It Fl (.*)$", text):
         dashed = re.sub(r"(^|Fl )(?=[\w-])", r"\1-", words)
-        options.add(tuple(word for word in dashed.split() if word not in (",", "|", "Fl", "Cm", "Ar")))
+        options.add(tuple(word for word in re.split(r"[ ,]", dashed) if word not in ("", "|", "Fl", "Cm", "Ar")))
     return options
 
 

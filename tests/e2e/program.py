@@ -27,10 +27,14 @@ def environment(**changes):
     return result
 
 
-def run(*arguments, stdin=None, env=None, cwd=REPOSITORY, text=True):
-    """Runs the program with source positions and designs relative to the repository."""
+#: Puts a user in front of whom file modes hold: root is let through by its capabilities.
+UNPRIVILEGED = ("setpriv", "--bounding-set=-all", "--inh-caps=-all") if os.geteuid() == 0 else ()
+
+
+def run(*arguments, stdin=None, env=None, cwd=REPOSITORY, text=True, through=()):
+    """Runs the program with source positions and designs relative to the repository; through are words that start it."""
     return subprocess.run(
-        [PROGRAM, *arguments],
+        [*through, PROGRAM, *arguments],
         input=stdin,
         stdin=subprocess.DEVNULL if stdin is None else None,
         capture_output=True,

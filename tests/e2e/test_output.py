@@ -47,18 +47,28 @@ class Output(ProgramTest):
         ):
             self.assertEqual(self.fail_with(3, "tree", self.path("no.json"), "-o", path), f"{path}: {fault}")
 
-    def test_a_device_is_written_in_place(self):
-        self.succeed("tree", ELABORATED, "-o", "/dev/null")
-        self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
-
     def test_a_full_device_is_an_error(self):
         with open("/dev/full", "w") as full:
             result = subprocess.run([PROGRAM, "tree", ELABORATED], stdout=full, stderr=subprocess.PIPE, text=True,
                                     cwd=REPOSITORY)
-        self.assertEqual(result.returncode, 3)
-        self.assertEqual(result.stderr, "netlistdb: standard output: No space left on device\n")
-        message = self.fail_with(3, "tree", ELABORATED, "-o", "/dev/full")
-        self.assertEqual(message, "/dev/full: No space left on device")
+            helped = subprocess.run([PROGRAM, "tree", "--help"], stdout=full, stderr=subprocess.PIPE, text=True)
+        for failed in (result, helped):
+            self.assertEqual(failed.returncode, 3)
+            self.assertEqual(failed.stderr, "netlistdb: standard output: No space left on device\n")
+
+    def test_a_standard_error_that_fails_changes_no_exit_code(self):
+        for arguments, code in (
+            (("info", ELABORATED, "--stats"), 0),
+            (("search", ELABORATED, "qqqqqqqq"), 1),
+            (("serach",), 2),
+            ((), 2),
+            (("info", self.path("missing.json")), 3),
+        ):
+            for stream in ("2>/dev/full", "2>&-", "2</dev/null"):
+                with self.subTest(arguments, stream=stream):
+                    result = subprocess.run(["/bin/sh", "-c", f'"$0" "$@" {stream}', PROGRAM, *arguments],
+                                            stdout=subprocess.DEVNULL, cwd=REPOSITORY)
+                    self.assertEqual(result.returncode, code)
 
     def test_a_reader_that_goes_away_is_no_error(self):
         design = self.file("large.json", large_netlist(20000))

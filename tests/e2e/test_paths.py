@@ -28,6 +28,45 @@ class Paths(ProgramTest):
                 message = self.message(path)
                 self.assertTrue(message.startswith(f"{ELABORATED}: no net or bus '{path}'" + expected), message)
 
+    def test_other_ways_to_write_a_path_name_the_one_that_is_taken(self):
+        tx_ready = "g_uart[0].u_uart/tx_ready"
+        for path, expected in (
+            ("u_clocks.clk_div_o", "u_clocks/clk_div_o"),
+            ("soc_top.u_clocks.clk_div_o", "u_clocks/clk_div_o"),
+            ("soc_top.clk_div", "clk_div"),
+            ("g_uart[0].u_uart.tx_ready", tx_ready),
+            ("soc_top.g_uart[0].u_uart.tx_ready", tx_ready),
+            (r"\g_uart[0].u_uart /tx_ready", tx_ready),
+            (r"\g_uart[0].u_uart .tx_ready", tx_ready),
+            (r"soc_top.\g_uart[0].u_uart .\tx_ready ", tx_ready),
+            (r"\u_clocks /\clk_div_o ", "u_clocks/clk_div_o"),
+            ("u_dsp.u_fir.y_o[3]", "u_dsp/u_fir/y_o[3]"),
+        ):
+            with self.subTest(path):
+                message = self.message(path)
+                self.assertEqual(message, f"{ELABORATED}: no net or bus '{path}'; did you mean '{expected}'?")
+                self.assertNotEqual(run("clock-of", ELABORATED, expected).returncode, 2)
+        message = self.fail_with(2, "tree", ELABORATED, "--from", "soc_top.g_uart[0].u_uart.u_tx")
+        self.assertTrue(message.endswith("; did you mean 'g_uart[0].u_uart/u_tx'?"), message)
+
+    def test_a_path_of_a_hundred_dots_is_answered(self):
+        self.assertIn("no net or bus", self.message(".".join("x" * 101)))
+
+    def test_a_wildcard_names_the_command_that_takes_it(self):
+        message = self.message("u_spi/clk_*")
+        self.assertEqual(message, f"{ELABORATED}: no net or bus 'u_spi/clk_*'; wildcards are for netlistdb search DESIGN "
+                                  "'u_spi/clk_*' --glob --paths, which lists paths")
+        result = run("search", ELABORATED, "u_spi/clk_*")
+        self.assertEqual((result.returncode, result.stderr), (1, "netlistdb: no full name holds 'u_spi/clk_*'; --glob "
+                                                                 "takes * and ? for wildcards\n"))
+        for arguments in (("u_spi/clk_*", "--glob"), ("u_spi/clk_.*", "--regex")):
+            self.assertEqual(run("search", ELABORATED, *arguments).stderr, "")
+        message = run("search", ELABORATED, "clk_shift*", "--glob").stderr
+        self.assertEqual(message, "netlistdb: no full name matches 'clk_shift*'; --glob matches whole names, and '**' any "
+                                  "number of levels\n")
+        message = run("search", ELABORATED, "u_spi.clk").stderr
+        self.assertEqual(message, "netlistdb: no full name holds 'u_spi.clk'; levels are separated by '/'\n")
+
     def test_a_path_like_no_other_gets_no_proposal(self):
         self.assertEqual(self.message("qqqqqqqq"), f"{ELABORATED}: no net or bus 'qqqqqqqq'")
 

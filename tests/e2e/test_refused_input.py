@@ -1,7 +1,8 @@
 import os
+import socket
 import unittest
 
-from program import ELABORATED, REPOSITORY, ProgramTest, bit_module, net, netlist, run
+from program import ELABORATED, REPOSITORY, UNPRIVILEGED, ProgramTest, bit_module, net, netlist, run
 
 
 class RefusedInput(ProgramTest):
@@ -18,11 +19,18 @@ class RefusedInput(ProgramTest):
     def test_a_directory(self):
         self.assertEqual(self.refused(self.directory), "Is a directory")
 
-    def test_what_is_no_file(self):
-        self.assertEqual(self.refused("/dev/null"), "is no regular file")
-        fifo = self.path("fifo.json")
-        os.mkfifo(fifo)
-        self.assertEqual(self.refused(fifo), "is no regular file")
+    def test_what_is_neither_a_file_nor_a_pipe(self):
+        path = self.path("socket.json")
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(path)
+            self.assertEqual(self.refused(path), "is neither a regular file nor a pipe")
+
+    def test_a_file_that_may_not_be_read(self):
+        for name in ("secret.json", "secret.netlist", "secret.v"):
+            path = self.file(name, "secret")
+            os.chmod(path, 0)
+            message = self.fail_with(3, "info", path, through=UNPRIVILEGED)
+            self.assertEqual(message, f"{path}: Permission denied")
 
     def test_an_empty_file(self):
         for name in ("empty.json", "empty.netlist", "empty.v"):
@@ -76,7 +84,8 @@ class RefusedInput(ProgramTest):
                 self.refused(self.file("damaged", bytes(damaged)))
 
     def test_a_top_that_is_not_there(self):
-        self.assertIn("'nothing'", self.refused(ELABORATED, "--top", "nothing"))
+        self.assertIn("'qqqqqqqq'", self.refused(ELABORATED, "--top", "qqqqqqqq"))
+        self.assertRegex(self.refused(ELABORATED, "--top", "uart_xr"), "'uart_xr'.*; did you mean 'uart_[rt]x'")
 
     def test_a_subscript_that_no_bus_can_have(self):
         path = self.file("wide.json", netlist(top=bit_module({}, {"a[99999999999]": net(2)})))

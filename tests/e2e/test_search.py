@@ -146,7 +146,10 @@ class Search(ProgramTest):
 
     def test_answers_nothing_found_by_its_exit_code(self):
         result = run("search", ELABORATED, "no such thing")
-        self.assertEqual((result.returncode, result.stdout, result.stderr), (1, "", ""))
+        self.assertEqual((result.returncode, result.stdout), (1, ""))
+        self.assertEqual(result.stderr, "netlistdb: no full name holds 'no such thing'\n")
+        result = run("search", ELABORATED, "u_spi", "--kind", "net", "--from", "u_dsp")
+        self.assertEqual(result.stderr, "netlistdb: no full name of that kind holds 'u_spi'\n")
         result = run("search", ELABORATED, "no such thing", "--format", "json")
         self.assertEqual(result.returncode, 1)
         self.assertEqual(json.loads(result.stdout)["results"], [])

@@ -1,13 +1,12 @@
 #include "app/CommandLine.h"
 #include "base/Failure.h"
+#include "base/StandardError.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <new>
 #include <unistd.h>
 
@@ -26,16 +25,16 @@ void openStandardStreams()
     }
 }
 
-int complain(int exitCode, const std::string &message)
+int fail(int exitCode, const std::string &message)
 {
-    const bool color = useColor(When::Auto, STDERR_FILENO);
-    fmt::print(stderr, "{}netlistdb:{} {}\n", color ? "\x1b[1;31m" : "", color ? "\x1b[0m" : "", printable(message));
+    complain(message);
     return exitCode;
 }
 
-int runCommand(const Request &request, Interrupt &interrupt)
+int runCommand(Request &request, Interrupt &interrupt)
 {
-    Session session(request.options, interrupt);
+    const std::vector<std::string> inputs = request.command->prepare(request.options);
+    Session session(request.options, inputs, interrupt);
     const int exitCode = request.command->run(session);
     if (request.options.stats) {
         session.stats.end();
@@ -49,20 +48,22 @@ int run(int argc, const char *const *argv)
 {
     // A reader that goes away is noticed where the output is written.
     std::signal(SIGPIPE, SIG_IGN);
+    // So is a limit on the size of files, which would else end the process on the spot.
+    std::signal(SIGXFSZ, SIG_IGN);
     Interrupt interrupt;
     try {
         const auto request = parseCommandLine(argc, argv);
         return request->command ? runCommand(*request, interrupt) : request->exitCode;
     } catch (const Failure &failure) {
-        return complain(failure.exitCode(), failure.what());
+        return fail(failure.exitCode(), failure.what());
     } catch (const Interrupted &) {
-        return complain(EXIT_BY_SIGNAL + interrupt.signal(), "interrupted");
+        return fail(EXIT_BY_SIGNAL + interrupt.signal(), "interrupted");
     } catch (const OutputClosed &) {
         return EXIT_FOUND;
     } catch (const std::bad_alloc &) {
-        return complain(EXIT_REFUSED, "not enough memory");
+        return fail(EXIT_REFUSED, "not enough memory");
     } catch (const std::exception &fault) {
-        return complain(EXIT_REFUSED, fault.what());
+        return fail(EXIT_REFUSED, fault.what());
     }
 }
 
@@ -77,6 +78,6 @@ int main(int argc, char **argv)
     try {
         return run(argc, argv);
     } catch (const std::exception &fault) {
-        return complain(EXIT_REFUSED, fault.what());
+        return fail(EXIT_REFUSED, fault.what());
     }
 }

@@ -1,12 +1,15 @@
 #include "app/CommandLine.h"
 
 #include "base/Failure.h"
+#include "base/StandardError.h"
+#include "base/TemporaryPaths.h"
 #include "commands/Command.h"
 #include "design/NearestNames.h"
+#include "output/OutputStream.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <fmt/format.h>
+#include <sstream>
 
 namespace kvr::netlistdb::tool {
 
@@ -60,6 +63,18 @@ std::unique_ptr<Command> takeCommand(Commands &commands, const std::string &name
     throw wrongUsage("unknown command '" + name + "'" + didYouMean(nearest.best()) + " (netlistdb --help lists them)");
 }
 
+/// Prints the help or version that @p request asks for.
+int show(const CLI::App &app, const CLI::ParseError &request)
+{
+    std::ostringstream text;
+    const int exitCode = app.exit(request, text, text);
+    TemporaryPaths none;
+    OutputStream output("", {}, none);
+    output.write(text.str());
+    output.close();
+    return exitCode;
+}
+
 /// Takes the options of the program itself: help and version.
 int parseProgramOptions(Arguments arguments, const Commands &commands)
 {
@@ -71,7 +86,7 @@ int parseProgramOptions(Arguments arguments, const Commands &commands)
         app.add_subcommand(command->name(), command->summary());
     }
     if (arguments.empty()) {
-        fmt::print(stderr, "{}", app.help());
+        say(app.help());
         return EXIT_WRONG_USAGE;
     }
     try {
@@ -79,7 +94,7 @@ int parseProgramOptions(Arguments arguments, const Commands &commands)
         app.parse(arguments);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) {
-            return app.exit(error);
+            return show(app, error);
         }
         throw wrongUsage(oneLine(error.what()));
     }
@@ -136,10 +151,10 @@ std::unique_ptr<Request> parseCommandLine(int argc, const char *const *argv)
     app.footer(std::string("\n") + command->more() + "\n");
     command->addOptions(app, request->options);
     try {
-        command->takeArguments(parseOptions(app, std::move(arguments)));
+        command->takeArguments(parseOptions(app, std::move(arguments)), request->options);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) {
-            request->exitCode = app.exit(error);
+            request->exitCode = show(app, error);
             return request;
         }
         throw wrongUsage(name + ": " + oneLine(error.what()));

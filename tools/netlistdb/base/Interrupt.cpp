@@ -1,6 +1,7 @@
 #include "base/Interrupt.h"
 
 #include "base/Failure.h"
+#include "base/StandardError.h"
 
 #include <array>
 #include <cerrno>
@@ -31,8 +32,13 @@ Interrupt::Interrupt()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        // A blocked signal would arrive even where the caller, nohup for one, wants it ignored.
+        struct sigaction before {};
+        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+            sigaddset(&signals, number);
+        }
+    }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     m_signals = checked(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK), "signalfd");
     m_stop = checked(eventfd(0, EFD_CLOEXEC), "eventfd");
@@ -45,6 +51,9 @@ Interrupt::~Interrupt()
     while (write(m_stop, &one, sizeof one) < 0 && errno == EINTR) {
     }
     m_watcher.join();
+    if (m_actor.joinable()) {
+        m_actor.join();
+    }
     close(m_stop);
     close(m_signals);
 }
@@ -67,27 +76,40 @@ void Interrupt::watch()
             return;
         }
         signalfd_siginfo info;
-        if (read(m_signals, &info, sizeof info) != static_cast<ssize_t>(sizeof info)) {
-            continue;
+        if (read(m_signals, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+            heed(static_cast<int>(info.ssi_signo));
         }
-        const int number = static_cast<int>(info.ssi_signo);
-        int none = 0;
-        if (!m_signal.compare_exchange_strong(none, number)) {
-            _exit(EXIT_BY_SIGNAL + number);
+    }
+}
+
+void Interrupt::heed(int number)
+{
+    if (requested()) {
+        leave(number, "");
+    }
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        if (!m_action) {
+            leave(number, "interrupted");
         }
-        // The action may wait for a step of the main thread; a second signal must still get through, so the default
-        // action takes over from here.
-        std::signal(number, SIG_DFL);
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, number);
-        pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+        m_signal = number;
+    }
+    // The action may wait for a step of the main thread; a second signal must still be heeded here.
+    m_actor = std::thread([this] {
         const std::lock_guard<std::mutex> guard(m_lock);
         if (m_action) {
             m_action();
-            m_action = nullptr;
         }
+    });
+}
+
+void Interrupt::leave(int number, const char *message)
+{
+    m_temporaries.removeForGood();
+    if (*message != '\0') {
+        sayLastWords(message);
     }
+    _exit(EXIT_BY_SIGNAL + number);
 }
 
 Interrupt::Action::Action(Interrupt &interrupt, std::function<void()> action) : m_interrupt(interrupt)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/TemporaryPaths.h"
+
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -7,8 +9,11 @@
 
 namespace kvr::netlistdb::tool {
 
-/// Turns Ctrl-C (and a request to terminate) into a flag and a call, handled on a thread of its own so that no code
-/// runs inside a signal handler. A second signal ends the process at once.
+/// Heeds Ctrl-C, a request to terminate and a terminal that goes away, on a thread of its own so that no code runs
+/// inside a signal handler. Signals that were ignored when the program started stay ignored.
+///
+/// A signal ends the process at once, whatever the main thread is in the middle of: nothing is freed, but temporary
+/// files go. Only while an Action lives it is the main thread that ends the work, and a second signal ends the process.
 ///
 /// Make it before any other thread: those inherit the blocked signals.
 class Interrupt {
@@ -23,12 +28,15 @@ class Interrupt {
     int signal() const { return m_signal.load(); }
     /// @throws Interrupted when a signal has asked to stop.
     void check() const;
+    /// What goes when a signal ends the process.
+    TemporaryPaths &temporaries() { return m_temporaries; }
 
-    /// While it lives, an interrupt also calls @p action, once, on the watching thread; at once when the interrupt
+    /// While it lives, a signal sets requested() and calls @p action, once, on another thread; at once when the signal
     /// came before. Only one at a time.
     class Action {
       public:
-        Action(Interrupt &interrupt, std::function<void()> action);
+        explicit Action(
+            Interrupt &interrupt, std::function<void()> action = [] {});
         /// Waits for a running action.
         ~Action();
         Action(const Action &) = delete;
@@ -40,12 +48,16 @@ class Interrupt {
 
   private:
     void watch();
+    void heed(int number);
+    [[noreturn]] void leave(int number, const char *message);
 
+    TemporaryPaths m_temporaries;
     std::atomic<int> m_signal{0};
     std::mutex m_lock; ///< guards m_action
     std::function<void()> m_action;
     int m_signals = -1; ///< signalfd
     int m_stop = -1;    ///< eventfd that ends the watching thread
+    std::thread m_actor;
     std::thread m_watcher;
 };
 

@@ -6,10 +6,10 @@
 
 namespace kvr::netlistdb::tool {
 
-void addNumber(CLI::App &command, const std::string &flags, std::uint64_t &target, std::uint64_t least,
-               const std::string &help)
+CLI::Option *addNumber(CLI::App &command, const std::string &flags, std::uint64_t &target, std::uint64_t least,
+                       const std::string &help)
 {
-    command
+    return command
         .add_option_function<std::string>(
             flags,
             [&target, flags, least](const std::string &text) {

@@ -1,6 +1,7 @@
 #include "base/Progress.h"
 
-#include <cstdio>
+#include "base/StandardError.h"
+
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -38,16 +39,14 @@ void Progress::update(std::uint64_t done, std::uint64_t total)
 void Progress::clear()
 {
     if (m_shown) {
-        std::fputs("\r\x1b[K", stderr);
-        std::fflush(stderr);
+        say("\r\x1b[K");
         m_shown = false;
     }
 }
 
 void Progress::show(const std::string &line)
 {
-    fmt::print(stderr, "\r{}\x1b[K", line);
-    std::fflush(stderr);
+    say("\r" + line + "\x1b[K");
     m_shown = true;
     m_last = std::chrono::steady_clock::now();
 }

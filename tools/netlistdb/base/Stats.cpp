@@ -1,6 +1,7 @@
 #include "base/Stats.h"
 
-#include <cstdio>
+#include "base/StandardError.h"
+
 #include <fmt/format.h>
 #include <fstream>
 
@@ -44,7 +45,7 @@ void Stats::end()
 void Stats::print() const
 {
     const auto line = [](const std::string &name, double seconds, std::uint64_t kibibytes) {
-        fmt::print(stderr, "{:<10}{:>10.3f} s{:>12.1f} MiB\n", name, seconds, static_cast<double>(kibibytes) / 1024);
+        say(fmt::format("{:<10}{:>10.3f} s{:>12.1f} MiB\n", name, seconds, static_cast<double>(kibibytes) / 1024));
     };
     double seconds = 0;
     for (const Phase &phase : m_phases) {

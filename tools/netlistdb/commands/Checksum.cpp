@@ -50,7 +50,7 @@ class ChecksumCommand : public Command {
         addReportOptions(app, common);
     }
 
-    void takeArguments(std::vector<std::string> arguments) override
+    void takeArguments(std::vector<std::string> arguments, const CommonOptions & /*common*/) override
     {
         if (arguments.empty()) {
             throw wrongUsage("no file given; usage: netlistdb checksum FILE...");
@@ -58,13 +58,14 @@ class ChecksumCommand : public Command {
         m_files = std::move(arguments);
     }
 
+    std::vector<std::string> prepare(CommonOptions & /*common*/) override { return m_files; }
+
     int run(Session &session) override
     {
         session.stats.begin("read");
         if (session.options.format == Format::Table) {
             for (const std::string &file : m_files) {
                 session.output.write(checksumOf(file) + "  " + printable(file) + "\n");
-                session.interrupt.check();
             }
             return session.finish(true);
         }
@@ -76,7 +77,6 @@ class ChecksumCommand : public Command {
         for (const std::string &file : m_files) {
             const std::string checksum = checksumOf(file);
             writer->row({std::string_view(file), std::string_view(checksum)});
-            session.interrupt.check();
         }
         return session.finish(*writer, true, Ending::Complete);
     }

@@ -1,8 +1,11 @@
+#include "base/Failure.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/Design.h"
 #include "design/PathResolver.h"
 
+#include <algorithm>
+#include <fmt/format.h>
 #include <iostream>
 #include <netlistdb/netlistdb.h>
 
@@ -10,18 +13,23 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
+struct Path {
+    std::string text;
+    bool fromList; ///< of standard input
+};
+
 /// @p arguments, with what standard input holds, line by line, in the place of "-".
-std::vector<std::string> pathsOf(const std::vector<std::string> &arguments)
+std::vector<Path> pathsOf(const std::vector<std::string> &arguments)
 {
-    std::vector<std::string> paths;
+    std::vector<Path> paths;
     for (const std::string &argument : arguments) {
         if (argument != "-") {
-            paths.push_back(argument);
+            paths.push_back({argument, false});
             continue;
         }
         for (std::string line; std::getline(std::cin, line);) {
             if (!line.empty()) {
-                paths.push_back(line);
+                paths.push_back({line, true});
             }
         }
     }
@@ -40,31 +48,54 @@ class ClockOfCommand : public DesignCommand {
                "met on the way back from it. Nothing is answered when one of the paths does not exist.\n\n"
                "Examples:\n"
                "  netlistdb clock-of soc.json u_uart/tx_shift_q 'u_uart/count_q[3]'\n"
-               "  netlistdb search soc.json fifo --format jsonl | jq -r '.path // empty' |\n"
-               "    netlistdb clock-of soc.json -";
+               "  netlistdb search soc.json fifo --paths | netlistdb clock-of soc.json -";
+    }
+
+    std::vector<std::string> prepare(CommonOptions &common) override
+    {
+        const auto reads = [](const std::vector<std::string> &names) {
+            return std::find(names.begin(), names.end(), "-") != names.end();
+        };
+        if (reads(m_design) && reads(m_own)) {
+            throw wrongUsage("clock-of: '-' is the design; it cannot give the paths, too");
+        }
+        return DesignCommand::prepare(common);
     }
 
     int run(Session &session) override
     {
-        const std::vector<std::string> paths = pathsOf(m_own);
+        const std::vector<Path> paths = pathsOf(m_own);
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("trace");
         PathResolver resolver(*design);
         std::vector<PathResolver::Bit> bits;
-        for (const std::string &path : paths) {
-            session.interrupt.check();
+        std::size_t instances = 0;
+        for (const auto &[path, fromList] : paths) {
+            // A list of everything that a search found has instances among the nets.
+            if (fromList && resolver.isInstanceOnly(path)) {
+                ++instances;
+                continue;
+            }
             const std::vector<PathResolver::Bit> found = resolver.nets(path);
             bits.insert(bits.end(), found.begin(), found.end());
         }
+        const std::vector<const IClockDomain *> domains = trace(*design, bits);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clock-of";
         head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
         head.columns = {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
         writer->begin(head);
-        const Ending ending = trace(*design, bits, *writer, session);
+        for (std::size_t at = 0; at < bits.size(); ++at) {
+            write(*writer, bits[at], domains[at]);
+        }
         session.stats.end();
-        return session.finish(*writer, m_found, ending);
+        const int exitCode = session.finish(*writer, m_found, Ending::Complete);
+        if (instances > 0) {
+            session.note(
+                fmt::format("{} of {} paths are instances, which have no clock: left out", instances, paths.size()));
+        }
+        return exitCode;
     }
 
   protected:
@@ -72,7 +103,7 @@ class ClockOfCommand : public DesignCommand {
     std::size_t mostOwnArguments() const override { return SIZE_MAX / 2; }
 
   private:
-    Ending trace(Design &design, const std::vector<PathResolver::Bit> &bits, ResultWriter &writer, Session &session)
+    static std::vector<const IClockDomain *> trace(Design &design, const std::vector<PathResolver::Bit> &bits)
     {
         std::vector<const IClockDomain *> domains(bits.size());
         // A database remembers what its traces met. Those that start on a pin of a black box meet nets of the design,
@@ -81,17 +112,11 @@ class ClockOfCommand : public DesignCommand {
             for (std::size_t at = 0; at < bits.size(); ++at) {
                 const auto &[instance, net] = bits[at];
                 if (design.isBlackBox(*instance->getModule()) == onBlackBoxes) {
-                    if (session.interrupt.requested()) {
-                        return Ending::Interrupted;
-                    }
                     domains[at] = design.clockOf(*instance, *net);
                 }
             }
         }
-        for (std::size_t at = 0; at < bits.size(); ++at) {
-            write(writer, bits[at], domains[at]);
-        }
-        return Ending::Complete;
+        return domains;
     }
 
     void write(ResultWriter &writer, const PathResolver::Bit &bit, const IClockDomain *domain)

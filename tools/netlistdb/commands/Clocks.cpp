@@ -33,7 +33,7 @@ class ClocksCommand : public DesignCommand {
         const std::vector<IClockDomain *> domains = clocksInOrder(*design);
         session.progress.begin("tracing nets");
         session.stats.begin("trace");
-        const Ending ending = countNets(*design, session);
+        countNets(*design, session.progress);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clocks";
@@ -55,9 +55,9 @@ class ClocksCommand : public DesignCommand {
                          std::string_view(instance), fileOf(source), lineOf(source)});
         }
         session.stats.end();
-        const int exitCode = session.finish(*writer, !domains.empty(), ending,
+        const int exitCode = session.finish(*writer, !domains.empty(), Ending::Complete,
                                             {{"nets", m_total}, {"nets_without_clock", m_nets[nullptr]}});
-        if (writer->isTable() && ending == Ending::Complete) {
+        if (writer->isTable()) {
             session.note(fmt::format("{} of {} nets are driven by no clock", m_nets[nullptr], m_total));
         }
         return exitCode;
@@ -76,7 +76,7 @@ class ClocksCommand : public DesignCommand {
         return nets->second;
     }
 
-    Ending countNets(Design &design, Session &session)
+    void countNets(Design &design, Progress &progress)
     {
         std::uint64_t all = 0;
         for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
@@ -86,14 +86,10 @@ class ClocksCommand : public DesignCommand {
             for (IVDBNet *net : netsOf(design, walk.instance()->getModule())) {
                 ++m_nets[design.clockOf(*walk.instance(), *net)];
                 if (++m_total % 1024 == 0) {
-                    session.progress.update(m_total, all);
-                    if (session.interrupt.requested()) {
-                        return Ending::Interrupted;
-                    }
+                    progress.update(m_total, all);
                 }
             }
         }
-        return Ending::Complete;
     }
 
     std::unordered_map<IVDBNetlist *, std::vector<IVDBNet *>> m_netsOfModules;

@@ -16,17 +16,17 @@ void DesignCommand::addOptions(CLI::App &app, CommonOptions &common)
     addReportOptions(app, common);
 }
 
-void DesignCommand::takeArguments(std::vector<std::string> arguments)
+void DesignCommand::takeArguments(std::vector<std::string> arguments, const CommonOptions &common)
 {
     const auto usage = [this] { return fmt::format("usage: netlistdb {} {}", name(), this->arguments()); };
     const std::size_t least = leastOwnArguments();
-    if (arguments.size() < 1 + least) {
-        throw wrongUsage(
-            fmt::format("{}; {}", arguments.empty() ? "no design given" : "an argument is missing", usage()));
+    std::size_t designFiles = common.verilog.fileLists.empty() ? 1 : 0;
+    if (arguments.size() < designFiles + least) {
+        const bool nothing = arguments.empty() && designFiles > 0;
+        throw wrongUsage(fmt::format("{}; {}", nothing ? "no design given" : "an argument is missing", usage()));
     }
     // Arguments of the command itself may look like Verilog sources, too: the last ones are always its own.
-    std::size_t designFiles = 1;
-    while (isVerilogName(arguments.front()) && designFiles + least < arguments.size() &&
+    while ((designFiles == 0 || isVerilogName(arguments.front())) && designFiles + least < arguments.size() &&
            isVerilogName(arguments[designFiles])) {
         ++designFiles;
     }
@@ -37,6 +37,22 @@ void DesignCommand::takeArguments(std::vector<std::string> arguments)
     const auto border = arguments.begin() + static_cast<std::ptrdiff_t>(designFiles);
     m_design.assign(arguments.begin(), border);
     m_own.assign(border, arguments.end());
+    if (common.verilog.given() && !m_design.empty() && !isVerilogName(m_design.front())) {
+        throw wrongUsage(fmt::format("-I, -D and -f go with Verilog sources, which '{}' is not", m_design.front()));
+    }
+}
+
+std::vector<std::string> DesignCommand::prepare(CommonOptions &common)
+{
+    std::vector<std::string> sources;
+    for (const std::string &list : common.verilog.fileLists) {
+        readFileList(list, sources, common.verilog);
+    }
+    m_design.insert(m_design.begin(), sources.begin(), sources.end());
+    if (m_design.empty()) {
+        throw refused(common.verilog.fileLists.front(), "names no source");
+    }
+    return m_design;
 }
 
 std::vector<std::unique_ptr<Command>> makeCommands()

@@ -24,20 +24,24 @@ class Command {
     virtual const char *more() const = 0;
     /// Adds options of its own and those it shares to @p app.
     virtual void addOptions(CLI::App &app, CommonOptions &common) = 0;
-    /// Takes the arguments that are no options.
+    /// Takes the arguments that are no options; those are known by now.
     /// @throws Failure
-    virtual void takeArguments(std::vector<std::string> arguments) = 0;
+    virtual void takeArguments(std::vector<std::string> arguments, const CommonOptions &common) = 0;
+    /// Gets ready to run once options and arguments are known; answers the files that will be read.
+    /// @throws Failure
+    virtual std::vector<std::string> prepare(CommonOptions &common) = 0;
     /// Does it; answers an exit code.
     virtual int run(Session &session) = 0;
 };
 
-/// A command whose first argument is the design: several Verilog sources, or one file. Unless it says otherwise it
-/// takes nothing else, and the options of design, output and report.
+/// A command whose first argument is the design: several Verilog sources, or one file; none where a file list names the
+/// sources. Unless it says otherwise it takes nothing else, and the options of design, output and report.
 class DesignCommand : public Command {
   public:
     const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     void addOptions(CLI::App &app, CommonOptions &common) override;
-    void takeArguments(std::vector<std::string> arguments) override;
+    void takeArguments(std::vector<std::string> arguments, const CommonOptions &common) override;
+    std::vector<std::string> prepare(CommonOptions &common) override;
 
   protected:
     /// Bounds of the number of arguments behind the design.

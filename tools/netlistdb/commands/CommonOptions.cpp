@@ -1,6 +1,7 @@
 #include "commands/CommonOptions.h"
 
 #include "base/Choice.h"
+#include "base/NumberOption.h"
 
 namespace kvr::netlistdb::tool {
 
@@ -11,8 +12,9 @@ void addDesignOptions(CLI::App &command, CommonOptions &options)
     addChoice(command, "--form", options.form, "Form of the netlist (default: found out from it)",
               "elaborated|post-map", FORMS)
         ->group("Design");
-    command.add_option("--top", options.top, "Top module (default: the one marked as top, or that none instantiates)")
-        ->type_name("NAME")
+    addSourceOptions(command, options);
+    addNumber(command, "--max-instances", options.maxInstances, 1,
+              "Refuse a design that unfolds to more than N instances (default: 50 million)")
         ->group("Design");
     command
         .add_option("--cells", options.cells,
@@ -20,6 +22,21 @@ void addDesignOptions(CLI::App &command, CommonOptions &options)
         ->type_name("FILE")
         ->group("Design")
         ->allow_extra_args(false);
+}
+
+void addSourceOptions(CLI::App &command, CommonOptions &options)
+{
+    const auto add = [&command](const char *flags, auto &target, const char *type, const char *help) {
+        command.add_option(flags, target, help)->type_name(type)->group("Design");
+    };
+    const auto addList = [&command](const char *flags, std::vector<std::string> &target, const char *type,
+                                    const char *help) {
+        command.add_option(flags, target, help)->type_name(type)->group("Design")->allow_extra_args(false);
+    };
+    add("--top", options.top, "NAME", "Top module (default: the one marked as top, or that none instantiates)");
+    addList("-I", options.verilog.includeDirectories, "DIR", "Look for included Verilog files in DIR");
+    addList("-D", options.verilog.defines, "NAME=VALUE", "Define a Verilog macro");
+    addList("-f", options.verilog.fileLists, "LIST", "Take Verilog sources and options from the file list LIST");
 }
 
 void addOutputOptions(CLI::App &command, CommonOptions &options)
@@ -36,6 +53,13 @@ void addOutputOptions(CLI::App &command, CommonOptions &options)
         ->group("Output");
     addChoice(command, "--color", options.color, "Colours in tables (default: auto, when a terminal shows them)",
               "auto|always|never", COLORS)
+        ->group("Output");
+}
+
+void addPathsOption(CLI::App &command, CommonOptions &options)
+{
+    command.add_flag("--paths", options.paths, "Print full names alone, one a line")
+        ->excludes(command.get_option("--format"))
         ->group("Output");
 }
 

@@ -1,7 +1,9 @@
 #include "commands/Command.h"
+#include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
 #include "design/NetClocks.h"
+#include "design/PathResolver.h"
 #include "design/SourceText.h"
 
 #include <CLI/CLI.hpp>
@@ -28,13 +30,20 @@ class ProbesCommand : public DesignCommand {
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
         app.add_flag("--all", m_all, "Show nets and buses without source position, too");
+        app.add_option("--from", m_from, "Show what is in the instance PATH and below it only")->type_name("PATH");
+        addKinds(app, m_kinds, "net,bus");
         DesignCommand::addOptions(app, common);
+        addPathsOption(app, common);
     }
 
     int run(Session &session) override
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("trace");
+        VDBSearchParam param;
+        param.startItem = &PathResolver(*design).startOf(m_from);
+        param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
+        param.userNetsOnly = !m_all;
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "probes";
@@ -48,11 +57,8 @@ class ProbesCommand : public DesignCommand {
                         {"file", nullptr},
                         {"line", nullptr}};
         writer->begin(head);
-        VDBSearchParam param;
-        param.startItem = &design->root();
-        param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
-        param.userNetsOnly = !m_all;
         SearchResults results(design->database().search(param));
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
         const Ending ending = walk(*design, results, *writer, session);
         session.stats.end();
         return session.finish(*writer, m_found, ending);
@@ -61,8 +67,7 @@ class ProbesCommand : public DesignCommand {
   private:
     Ending walk(Design &design, SearchResults &results, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        while (results.next()) {
+        while (!session.interrupt.requested() && results.next()) {
             IVDBItem &item = *results.getCurrent();
             if (item.getItemType() == ITEM_INSTANCE) {
                 auto &instance = static_cast<IVDBInstance &>(item);
@@ -80,7 +85,7 @@ class ProbesCommand : public DesignCommand {
 
     void meet(Design &design, IVDBInstance &instance, IVDBNetBase &net, ResultWriter &writer)
     {
-        if (!net.isSelectableForDebugger()) {
+        if (!net.isSelectableForDebugger() || !m_kinds.has(net.getItemType())) {
             return;
         }
         m_found = true;
@@ -94,6 +99,8 @@ class ProbesCommand : public DesignCommand {
     }
 
     bool m_all = false;
+    std::string m_from;
+    Kinds m_kinds;
     bool m_found = false;
     bool m_inside = true; ///< of a module of the design
     std::string m_path;   ///< in front of the names of the nets that follow

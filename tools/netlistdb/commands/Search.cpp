@@ -2,12 +2,15 @@
 #include "base/Failure.h"
 #include "base/NumberOption.h"
 #include "commands/Command.h"
+#include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
 #include "design/NamePattern.h"
 #include "design/PathResolver.h"
+#include "design/PathSpellings.h"
 #include "design/SourceText.h"
 
+#include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
@@ -47,8 +50,10 @@ class SearchCommand : public DesignCommand {
         addChoice(app, "--sort", m_sort, "Order of the nets and buses of each instance (default: the netlist's)",
                   "name|width", SORTS);
         app.add_option("--from", m_from, "Search below the instance PATH only")->type_name("PATH");
+        addKinds(app, m_kinds, "instance,net,bus");
         addNumber(app, "--limit", m_limit, 1, "Stop after N results");
         DesignCommand::addOptions(app, common);
+        addPathsOption(app, common);
     }
 
     int run(Session &session) override
@@ -59,7 +64,7 @@ class SearchCommand : public DesignCommand {
                                            : Kind::Plain,
                                   m_own.front(), m_ignoreCase);
         const auto design = loadDesign(m_design, Clocks::No, session.reading());
-        m_param.startItem = &findStart(*design);
+        m_param.startItem = &PathResolver(*design).startOf(m_from);
         m_param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
         m_param.sortItems = m_sort != Sort::None;
         m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;
@@ -78,24 +83,36 @@ class SearchCommand : public DesignCommand {
                         {"line", nullptr}};
         writer->begin(head);
         SearchResults results(design->database().search(m_param));
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
         const Ending ending = walk(results, pattern, *writer, session);
         session.stats.end();
-        return session.finish(*writer, m_found > 0, ending);
+        const int exitCode = session.finish(*writer, m_found > 0, ending);
+        if (exitCode == EXIT_NOTHING_FOUND) {
+            session.note(fmt::format("no full name{} {} '{}'{}", m_kinds.all() ? "" : " of that kind",
+                                     m_glob || m_regex ? "matches" : "holds", m_own.front(), hint(m_own.front())));
+        }
+        return exitCode;
     }
 
   protected:
     std::size_t leastOwnArguments() const override { return 1; }
 
   private:
-    IVDBInstance &findStart(Design &design)
+    /// What to try where nothing was found.
+    std::string hint(const std::string &pattern) const
     {
-        return m_from.empty() ? design.root() : PathResolver(design).instance(m_from);
+        if (!m_glob && !m_regex && hasWildcard(pattern)) {
+            return "; --glob takes * and ? for wildcards";
+        }
+        if (!m_glob && !m_regex && pattern.find('.') != std::string::npos) {
+            return "; levels are separated by '/'";
+        }
+        return m_glob ? "; --glob matches whole names, and '**' any number of levels" : "";
     }
 
     Ending walk(SearchResults &results, const NamePattern &pattern, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        while (results.next()) {
+        while (!session.interrupt.requested() && results.next()) {
             meet(*results.getCurrent(), pattern, writer);
             if (m_found == m_limit) {
                 return Ending::Limit;
@@ -111,11 +128,14 @@ class SearchCommand : public DesignCommand {
             auto &instance = static_cast<IVDBInstance &>(item);
             m_name = instance.getPath();
             m_pathLength = m_name.empty() ? 0 : m_name.size() + 1;
-            if (!m_name.empty() && pattern.matches(m_name)) {
+            if (!m_name.empty() && m_kinds.has(ITEM_INSTANCE) && pattern.matches(m_name)) {
                 write(writer, "instance", {}, std::string_view(instance.getModule()->getName()),
                       instance.getModule()->isUserDeclared(), instance.getModule()->getLineInfo());
             }
             m_name += m_name.empty() ? "" : "/";
+            return;
+        }
+        if (!m_kinds.has(item.getItemType())) {
             return;
         }
         auto &net = static_cast<IVDBNetBase &>(item);
@@ -140,6 +160,7 @@ class SearchCommand : public DesignCommand {
     bool m_ignoreCase = false;
     Sort m_sort = Sort::None;
     std::string m_from;
+    Kinds m_kinds;
     std::uint64_t m_limit = UINT64_MAX;
     VDBSearchParam m_param;
 

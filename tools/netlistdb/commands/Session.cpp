@@ -1,22 +1,25 @@
 #include "commands/Session.h"
 
 #include "base/ExitCode.h"
+#include "base/StandardError.h"
+#include "output/PathsWriter.h"
 
-#include <cstdio>
-#include <fmt/format.h>
 #include <unistd.h>
 
 namespace kvr::netlistdb::tool {
 
-Session::Session(const CommonOptions &commonOptions, Interrupt &runInterrupt)
+Session::Session(const CommonOptions &commonOptions, const std::vector<std::string> &inputs, Interrupt &runInterrupt)
     : options(commonOptions), interrupt(runInterrupt), progress(commonOptions.progress),
-      output(commonOptions.outputFile),
+      output(commonOptions.outputFile, inputs, interrupt.temporaries()),
       color(useColor(commonOptions.color, output.isStandardOutput() ? STDOUT_FILENO : -1))
 {
 }
 
 std::unique_ptr<ResultWriter> Session::makeWriter()
 {
+    if (options.paths) {
+        return std::make_unique<PathsWriter>(output);
+    }
     return makeResultWriter(options.format, output, color);
 }
 
@@ -52,7 +55,7 @@ void Session::writeNotes()
 void Session::note(const std::string &message)
 {
     progress.clear();
-    fmt::print(stderr, "netlistdb: {}\n", printable(message));
+    say("netlistdb: " + printable(message) + "\n");
 }
 
 } // namespace kvr::netlistdb::tool

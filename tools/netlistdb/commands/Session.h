@@ -16,7 +16,8 @@ namespace kvr::netlistdb::tool {
 /// be written is found out here, before a long read.
 class Session {
   public:
-    Session(const CommonOptions &commonOptions, Interrupt &runInterrupt);
+    /// @p inputs are files that the output may not be.
+    Session(const CommonOptions &commonOptions, const std::vector<std::string> &inputs, Interrupt &runInterrupt);
 
     const CommonOptions &options;
     Interrupt &interrupt;
@@ -26,7 +27,11 @@ class Session {
     bool color; ///< in tables
 
     /// How the design is to be read, as the options have it. Uses this session.
-    Reading reading() { return {options.form, options.top, options.cells, progress, stats, interrupt, m_notes}; }
+    Reading reading()
+    {
+        return {options.form, options.top, options.cells, options.verilog, options.maxInstances,
+                progress,     stats,       interrupt,     m_notes};
+    }
     std::unique_ptr<ResultWriter> makeWriter();
     /// Ends the result: hands everything on, and returns the exit code. Says so on standard error when the result is
     /// partial.

@@ -4,6 +4,7 @@
 #include "design/ClockOrder.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
+#include "design/PathResolver.h"
 
 #include <CLI/CLI.hpp>
 #include <netlistdb/netlistdb.h>
@@ -42,7 +43,9 @@ class TreeCommand : public DesignCommand {
         addNumber(app, "--depth", m_depth, 0, "Show at most N levels below the top");
         app.add_flag("--clocks", m_clocks, "Show the clock domains that begin in each instance");
         app.add_flag("--user-modules", m_userModules, "Leave out instances of modules without source position");
+        app.add_option("--from", m_from, "Show the instance PATH and what is below it")->type_name("PATH");
         DesignCommand::addOptions(app, common);
+        addPathsOption(app, common);
     }
 
     int run(Session &session) override
@@ -65,6 +68,7 @@ class TreeCommand : public DesignCommand {
         }
         const auto writer = session.makeWriter();
         writer->begin(head);
+        const Interrupt::Action partial(session.interrupt);
         const Ending ending = show(*design, *writer, session);
         session.stats.end();
         return session.finish(*writer, true, ending);
@@ -74,14 +78,16 @@ class TreeCommand : public DesignCommand {
     Ending show(Design &design, ResultWriter &writer, Session &session)
     {
         static const std::vector<std::string> NONE;
-        InstanceWalk walk(design.root(), m_userModules);
+        InstanceWalk walk(PathResolver(design).startOf(m_from), m_userModules);
         while (walk.instance() != nullptr) {
             if (session.interrupt.requested()) {
                 return Ending::Interrupted;
             }
             IVDBInstance &instance = *walk.instance();
             IVDBNetlist &module = *instance.getModule();
-            const std::string &shown = walk.depth() == 0 ? module.getName() : instance.getName();
+            const std::string &shown = walk.path().empty() ? module.getName()
+                                       : walk.depth() == 0 ? walk.path()
+                                                           : instance.getName();
             const std::string drawing = writer.isTable() ? drawn(walk, shown) : std::string();
             Row row = {std::uint64_t(walk.depth()),
                        std::string_view(drawing),
@@ -107,6 +113,7 @@ class TreeCommand : public DesignCommand {
     std::uint64_t m_depth = UINT64_MAX;
     bool m_clocks = false;
     bool m_userModules = false;
+    std::string m_from;
     ClocksByInstance m_domains;
 };
 

@@ -1,8 +1,8 @@
 #include "design/Design.h"
 
-#include "base/Interrupt.h"
 #include "base/Progress.h"
 #include "base/Stats.h"
+#include "design/InstanceLimit.h"
 
 #include <DataBase.h>
 #include <netlistdb/netlistdb.h>
@@ -74,6 +74,7 @@ std::vector<IClockDomain *> Design::clockDomains() const
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
 {
     const SourceNetlist source = readNetlist(files, reading);
+    limitInstances(source, reading.maxInstances);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
     auto design = std::make_unique<Design>(source.name, source.form, clocks, blackBoxesOf(*source.netlist),
@@ -87,7 +88,6 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     } catch (const std::invalid_argument &fault) {
         throw refused(source.name, fault.what());
     }
-    reading.interrupt.check();
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
     }

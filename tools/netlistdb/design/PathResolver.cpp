@@ -4,6 +4,7 @@
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
 #include "design/NearestNames.h"
+#include "design/PathSpellings.h"
 
 #include <algorithm>
 #include <charconv>
@@ -180,6 +181,16 @@ IVDBInstance &PathResolver::instance(const std::string &path)
     throw wrongUsage(m_design.name() + ": no instance '" + path + "'" + hint(path, true));
 }
 
+IVDBInstance &PathResolver::startOf(const std::string &path)
+{
+    return path.empty() ? m_design.root() : instance(path);
+}
+
+bool PathResolver::isInstanceOnly(const std::string &path)
+{
+    return findNets(path).empty() && findInstance(path) != nullptr;
+}
+
 bool PathResolver::exists(const std::string &path, bool instancesOnly)
 {
     return findInstance(path) != nullptr || (!instancesOnly && !findNets(path).empty());
@@ -187,6 +198,14 @@ bool PathResolver::exists(const std::string &path, bool instancesOnly)
 
 std::string PathResolver::hint(const std::string &path, bool instancesOnly)
 {
+    for (const std::string &spelling : otherSpellings(path, m_design.top().getName())) {
+        if (exists(spelling, instancesOnly)) {
+            return didYouMean({spelling});
+        }
+    }
+    if (hasWildcard(path)) {
+        return "; wildcards are for netlistdb search DESIGN '" + path + "' --glob --paths, which lists paths";
+    }
     // The top has no part in paths; people who put it there mean what follows.
     const std::string top = m_design.top().getName() + "/";
     if (path.compare(0, top.size(), top) == 0) {

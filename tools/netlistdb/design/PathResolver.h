@@ -37,6 +37,10 @@ class PathResolver {
     /// The instance that @p path names; "." or "/" is the top.
     /// @throws Failure with the nearest names when there is none.
     IVDBInstance &instance(const std::string &path);
+    /// instance(), where no path at all is the top, too.
+    IVDBInstance &startOf(const std::string &path);
+    /// True when @p path names an instance and no net or bus.
+    bool isInstanceOnly(const std::string &path);
 
   private:
     struct ModuleNames;

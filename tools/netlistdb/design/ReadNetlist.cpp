@@ -2,152 +2,187 @@
 #include "base/Progress.h"
 #include "base/Stats.h"
 #include "design/Design.h"
+#include "design/InputFile.h"
 #include "design/NearestNames.h"
 #include "design/YosysProcess.h"
 
 #include <DataBase.h>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <frontend/yosys/NetlistReader.h>
 #include <frontend/yosys/YosysReader.h>
-#include <fstream>
-#include <sys/stat.h>
+#include <string_view>
+#include <sys/mman.h>
+#include <system_error>
+#include <unistd.h>
 
 namespace kvr::netlistdb::tool {
 
 namespace {
 
-enum class Kind { Json, Saved, Verilog };
-
-bool endsWith(const std::string &text, const char *end)
+bool endsWith(const std::string &text, std::string_view end)
 {
-    const std::size_t length = std::strlen(end);
-    return text.size() >= length && text.compare(text.size() - length, length, end) == 0;
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// @throws Failure unless @p file is there, readable, and not empty.
-void checkReadable(const std::string &file)
-{
-    struct stat status {};
-    if (stat(file.c_str(), &status) != 0) {
-        throw refused(file, std::strerror(errno));
-    }
-    if (S_ISDIR(status.st_mode)) {
-        throw refused(file, std::strerror(EISDIR));
-    }
-    if (!S_ISREG(status.st_mode)) {
-        // Its kind is found out by a look into it, and what that takes from a pipe is gone.
-        throw refused(file, "is no regular file");
-    }
-    if (status.st_size == 0) {
-        throw refused(file, "is empty");
-    }
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
-        throw refused(file, std::strerror(errno != 0 ? errno : EIO));
-    }
-}
-
-/// By name where the name says it, otherwise by the first character that is no white space.
-Kind kindOf(const std::string &file)
-{
-    if (isVerilogName(file)) {
-        return Kind::Verilog;
-    }
-    if (endsWith(file, ".json")) {
-        return Kind::Json;
-    }
-    std::ifstream stream(file, std::ios::binary);
-    char first = 0;
-    stream >> first;
-    return first == '{' ? Kind::Json : Kind::Saved;
-}
-
-Verific::Netlist *readJson(const std::string &file, const std::string &top, const Reading &reading)
-{
-    yosys::ReadOptions options;
-    options.top = top;
-    options.cellTables = reading.cellTables;
-    options.progress = [&reading](std::uint64_t done, std::uint64_t total) {
-        reading.progress.update(done, total);
-        return !reading.interrupt.requested();
-    };
-    try {
-        return yosys::readJson(file, options);
-    } catch (const yosys::ReadCancelled &) {
-        throw Interrupted();
-    } catch (const yosys::ReadError &error) {
-        throw Failure(EXIT_REFUSED, error.what());
-    }
-}
-
-/// A directory that goes, with everything in it, when this object does.
-class TemporaryDirectory {
-  public:
-    TemporaryDirectory()
-    {
-        std::string path = (std::filesystem::temp_directory_path() / "netlistdb.XXXXXX").string();
-        if (mkdtemp(path.data()) == nullptr) {
-            throw refused(path, std::strerror(errno));
-        }
-        m_path = path;
-    }
-    ~TemporaryDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    TemporaryDirectory(const TemporaryDirectory &) = delete;
-    TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
-
-    std::string file(const char *name) const { return m_path + "/" + name; }
-
-  private:
-    std::string m_path;
-};
-
-Verific::Netlist *readVerilog(const std::vector<std::string> &files, const Reading &reading)
-{
-    const TemporaryDirectory directory;
-    const std::string json = directory.file("netlist.json");
-    reading.progress.begin("elaborating " + files.front() + " with yosys");
-    elaborateWithYosys(files, reading.top, json, reading.interrupt);
-    reading.progress.begin("reading " + files.front());
-    return readJson(json, reading.top, reading);
-}
-
-/// The netlist of module @p name in the library set.
-Verific::Netlist *findModule(const std::string &file, const std::string &name)
+/// A question for the modules in the library set that are called much like @p name.
+std::string nearestModules(const std::string &name)
 {
     NearestNames nearest(name);
     Verific::MapIter li;
     Verific::Library *library = nullptr;
     FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
-        Verific::Cell *cell = library->GetCell(name.c_str());
-        if (cell != nullptr && cell->GetFirstNetlist() != nullptr) {
-            return cell->GetFirstNetlist();
-        }
         Verific::MapIter ci;
+        const Verific::Cell *cell = nullptr;
         FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
             if (cell->Name() != nullptr) {
                 nearest.offer(cell->Name());
             }
         }
     }
-    throw refused(file, "has no module '" + name + "'" + didYouMean(nearest.best()));
+    return didYouMean(nearest.best());
 }
 
-Verific::Netlist *readSaved(const std::string &file, const std::string &top)
+Verific::Netlist *readJson(const Input &input, const yosys::ReadOptions &options)
 {
-    Verific::Netlist *netlist = Verific::Netlist::RestoreFromFile(file.c_str());
+    if (!input.file.empty()) {
+        return yosys::readJson(input.file, options);
+    }
+    const simdjson::padded_string_view text(input.text.data(), input.text.size(), input.text.capacity());
+    return yosys::readJsonText(text, input.name, options);
+}
+
+/// Modules of @p input that are called much like @p top, as far as it can be read without a choice of the top.
+std::string hintForTop(const Input &input, yosys::ReadOptions options)
+{
+    const std::string top = std::move(options.top);
+    options.top.clear();
+    try {
+        readJson(input, options);
+    } catch (const yosys::ReadError &) {
+        return {};
+    }
+    return nearestModules(top);
+}
+
+/// Reads JSON from the file of @p input, or from its text.
+Verific::Netlist *readJson(const Input &input, const Reading &reading)
+{
+    yosys::ReadOptions options;
+    options.top = reading.top;
+    options.cellTables = reading.cellTables;
+    options.progress = [&reading](std::uint64_t done, std::uint64_t total) {
+        reading.progress.update(done, total);
+        return true;
+    };
+    try {
+        return readJson(input, options);
+    } catch (const yosys::ReadError &error) {
+        throw Failure(EXIT_REFUSED, error.what() + (reading.top.empty() ? "" : hintForTop(input, options)));
+    }
+}
+
+Verific::Netlist *readVerilog(const std::vector<std::string> &files, const Reading &reading)
+{
+    Input input;
+    input.name = nameOfSources(files);
+    reading.progress.begin("elaborating " + input.name + " with yosys");
+    input.text = elaborateWithYosys(files, reading.verilog, reading.top, reading.interrupt);
+    input.text.reserve(input.text.size() + simdjson::SIMDJSON_PADDING);
+    reading.progress.begin("reading " + input.name);
+    return readJson(input, reading);
+}
+
+/// The netlist of module @p name in the library set.
+Verific::Netlist *findModule(const std::string &file, const std::string &name)
+{
+    Verific::MapIter li;
+    Verific::Library *library = nullptr;
+    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
+        const Verific::Cell *cell = library->GetCell(name.c_str());
+        if (cell != nullptr && cell->GetFirstNetlist() != nullptr) {
+            return cell->GetFirstNetlist();
+        }
+    }
+    throw refused(file, "has no module '" + name + "'" + nearestModules(name));
+}
+
+/// A netlist in memory under a name that can be opened.
+class MemoryFile {
+  public:
+    explicit MemoryFile(const std::string &text) : m_descriptor(memfd_create("netlist", MFD_CLOEXEC))
+    {
+        for (std::string_view rest = text; !rest.empty();) {
+            const ssize_t written = write(m_descriptor, rest.data(), rest.size());
+            if (written < 0) {
+                throw std::system_error(errno, std::generic_category(), "a file in memory");
+            }
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        }
+    }
+    ~MemoryFile() { close(m_descriptor); }
+    MemoryFile(const MemoryFile &) = delete;
+    MemoryFile &operator=(const MemoryFile &) = delete;
+
+    std::string name() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
+
+  private:
+    int m_descriptor;
+};
+
+Verific::Netlist *readSaved(const Input &input, const std::string &top)
+{
+    Verific::Netlist *netlist = input.file.empty()
+                                    ? Verific::Netlist::RestoreFromFile(MemoryFile(input.text).name().c_str())
+                                    : Verific::Netlist::RestoreFromFile(input.file.c_str());
     if (netlist == nullptr) {
-        throw refused(file, "neither a Yosys JSON netlist nor an undamaged saved netlist");
+        throw refused(input.name, "neither a Yosys JSON netlist nor an undamaged saved netlist");
     }
     const char *name = netlist->CellBaseName();
-    return top.empty() || (name != nullptr && top == name) ? netlist : findModule(file, top);
+    return top.empty() || (name != nullptr && top == name) ? netlist : findModule(input.name, top);
 }
+
+/// Tables of cells derived from the Verilog models among those that @p reading names; they take the models' place there
+/// and go with this object.
+class DerivedTables {
+  public:
+    explicit DerivedTables(Reading &reading) : m_temporaries(reading.interrupt.temporaries())
+    {
+        for (std::string &file : reading.cellTables) {
+            checkReadable(file);
+            if (isVerilogName(file)) {
+                derive(file, reading);
+            }
+        }
+    }
+    ~DerivedTables()
+    {
+        if (!m_directory.empty()) {
+            m_temporaries.remove(m_directory);
+        }
+    }
+    DerivedTables(const DerivedTables &) = delete;
+    DerivedTables &operator=(const DerivedTables &) = delete;
+
+  private:
+    void derive(std::string &file, const Reading &reading)
+    {
+        const std::string parent = std::filesystem::temp_directory_path().string();
+        if (m_directory.empty() && !m_temporaries.makeDirectory(parent, m_directory)) {
+            m_directory.clear();
+            throw refused(parent, std::strerror(errno));
+        }
+        const std::string table = m_directory + "/cells_" + std::to_string(m_number++) + ".json";
+        reading.progress.begin("deriving the cells of " + file + " with yosys");
+        deriveCellTable(file, table, reading.interrupt);
+        file = table;
+    }
+
+    TemporaryPaths &m_temporaries;
+    std::string m_directory;
+    unsigned m_number = 0;
+};
 
 } // namespace
 
@@ -159,37 +194,21 @@ bool isVerilogName(const std::string &file)
 SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &asked)
 {
     Reading reading = asked;
-    const TemporaryDirectory tables;
-    for (std::size_t number = 0; number < reading.cellTables.size(); ++number) {
-        std::string &file = reading.cellTables[number];
-        checkReadable(file);
-        if (isVerilogName(file)) {
-            const std::string table = tables.file(("cells_" + std::to_string(number) + ".json").c_str());
-            reading.progress.begin("deriving the cells of " + file + " with yosys");
-            deriveCellTable(file, table, reading.interrupt);
-            file = table;
-        }
-    }
+    const DerivedTables tables(reading);
     for (const std::string &file : files) {
         checkReadable(file);
     }
-    const std::string &file = files.front();
-    reading.progress.begin("reading " + file);
     reading.stats.begin("read");
     SourceNetlist source;
-    source.name = file;
-    switch (kindOf(file)) {
-    case Kind::Json:
-        source.netlist = readJson(file, reading.top, reading);
-        break;
-    case Kind::Saved:
-        source.netlist = readSaved(file, reading.top);
-        break;
-    case Kind::Verilog:
+    if (reading.verilog.given() || isVerilogName(files.front())) {
+        source.name = nameOfSources(files);
         source.netlist = readVerilog(files, reading);
-        break;
+    } else {
+        source.name = inputName(files.front());
+        reading.progress.begin("reading " + source.name);
+        const Input input = openInput(files.front());
+        source.netlist = input.isJson ? readJson(input, reading) : readSaved(input, reading.top);
     }
-    reading.interrupt.check();
     source.form = reading.form.value_or(detectForm(*source.netlist));
     return source;
 }

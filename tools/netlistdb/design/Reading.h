@@ -1,7 +1,9 @@
 #pragma once
 
 #include "design/Form.h"
+#include "design/VerilogSources.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +19,8 @@ struct Reading {
     std::optional<Form> form;            ///< found out from the netlist when not given
     std::string top;                     ///< empty: found out from the netlist
     std::vector<std::string> cellTables; ///< tables of cells, or Verilog models to derive them from
+    const VerilogOptions &verilog;
+    std::uint64_t maxInstances; ///< what the unfolded design may hold
     Progress &progress;
     Stats &stats;
     Interrupt &interrupt;

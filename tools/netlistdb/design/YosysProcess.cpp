@@ -1,18 +1,19 @@
 #include "design/YosysProcess.h"
 
 #include "base/Failure.h"
-#include "base/Interrupt.h"
+#include "design/ChildProcess.h"
+#include "design/NearestNames.h"
+#include "design/YosysMessage.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
-#include <string_view>
+#include <fmt/format.h>
+#include <map>
+#include <set>
+#include <sstream>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace kvr::netlistdb::tool {
 
@@ -24,13 +25,41 @@ bool isSafeInScript(const std::string &name)
     return name.find_first_of(" \t\r\n\";#") == std::string::npos;
 }
 
-std::vector<std::string> commandLine(const std::vector<std::string> &sources, const std::string &top,
-                                     const std::string &json)
+/// Options of the frontend are parted at blanks, and nothing quotes them.
+void checkNoBlanks(const char *option, const std::string &value)
 {
-    const std::string choice = top.empty() ? "-auto-top" : "-top " + top;
-    std::vector<std::string> words = {
-        "yosys", "-q",   "-f", "verilog -sv", "-p", "hierarchy -check " + choice + "; proc; opt_clean",
-        "-b",    "json", "-o", json};
+    if (value.find_first_of(" \t\r\n") != std::string::npos) {
+        throw wrongUsage(fmt::format("{}: '{}' has a blank, which yosys does not take there", option, value));
+    }
+}
+
+std::string frontend(const VerilogOptions &options)
+{
+    std::string words = "verilog -sv -icells";
+    for (const std::string &directory : options.includeDirectories) {
+        checkNoBlanks("-I", directory);
+        words += " -I" + directory;
+    }
+    for (const std::string &define : options.defines) {
+        checkNoBlanks("-D", define);
+        words += " -D" + define;
+    }
+    return words;
+}
+
+/// A script that writes the netlist to descriptor 3 and, on the way, lists of modules to descriptor 4.
+std::vector<std::string> commandLine(const std::vector<std::string> &sources, const VerilogOptions &options,
+                                     const std::string &top)
+{
+    const auto list = [](const std::string &title) {
+        return "tee -q -o /dev/fd/4 log =" + title + "; tee -q -o /dev/fd/4 ls; ";
+    };
+    // Boxes without contents are no tops: `*` leaves them out. `%M` are the modules that the selected cells are of.
+    const std::string script = "select *; " + list("modules") + "select * %M; " + list("instantiated") +
+                               "select -clear; hierarchy -check " + (top.empty() ? "-auto-top" : "-top " + top) + "; " +
+                               list("used") + "proc; opt_clean";
+    std::vector<std::string> words = {"yosys", "-q",   "-f", frontend(options), "-p", script,
+                                      "-b",    "json", "-o", "/dev/fd/3"};
     for (const std::string &source : sources) {
         // A leading dash would make the file an option.
         words.push_back(source.front() == '-' ? "./" + source : source);
@@ -38,111 +67,67 @@ std::vector<std::string> commandLine(const std::vector<std::string> &sources, co
     return words;
 }
 
-/// Starts @p words with standard output thrown away and standard error going to @p errors. Answers 0 or an error.
-int start(pid_t &child, const std::vector<std::string> &words, int errors)
+/// The name in the source of a module that yosys may have made for a set of parameters: `$paramod\name\WIDTH=2`,
+/// `$paramod$<hash>\name`.
+std::string sourceNameOf(const std::string &module)
 {
-    std::vector<char *> arguments;
-    arguments.reserve(words.size() + 1);
-    for (const std::string &word : words) {
-        arguments.push_back(const_cast<char *>(word.c_str()));
+    if (module.compare(0, 8, "$paramod") != 0) {
+        return module;
     }
-    arguments.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
-
-    // This process blocks and ignores signals that the child must heed.
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t signals;
-    sigemptyset(&signals);
-    posix_spawnattr_setsigmask(&attributes, &signals);
-    sigaddset(&signals, SIGPIPE);
-    sigaddset(&signals, SIGINT);
-    posix_spawnattr_setsigdefault(&attributes, &signals);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-
-    const int error = posix_spawnp(&child, words.front().c_str(), &actions, &attributes, arguments.data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
-    return error;
+    const std::size_t begin = module.find('\\') + 1;
+    return module.substr(begin, module.find('\\', begin) - begin);
 }
 
-std::string readAll(int descriptor)
+/// From the title of each list in @p text to the names in it.
+std::map<std::string, std::set<std::string>> listsIn(const std::string &text)
 {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        const ssize_t count = read(descriptor, buffer.data(), buffer.size());
-        if (count > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return text;
+    std::map<std::string, std::set<std::string>> lists;
+    std::set<std::string> *list = &lists[""];
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.compare(0, 1, "=") == 0) {
+            list = &lists[line.substr(1)];
+        } else if (line.compare(0, 2, "  ") == 0) {
+            list->insert(sourceNameOf(line.substr(2)));
         }
+    }
+    return lists;
+}
+
+/// Fails when more than one module could be the top. A module that only some set of parameters instantiates shows in
+/// what the chosen top uses.
+void refuseSeveralTops(const std::vector<std::string> &sources, const std::string &text)
+{
+    auto lists = listsIn(text);
+    std::vector<std::string> tops;
+    bool several = false;
+    for (const std::string &module : lists["modules"]) {
+        if (lists["instantiated"].count(module) == 0) {
+            several = several || lists["used"].count(module) == 0;
+            tops.push_back(module);
+        }
+    }
+    if (several && tops.size() > 1) {
+        std::string names;
+        for (const std::string &name : tops) {
+            names += (names.empty() ? "'" : ", '") + name + "'";
+        }
+        throw refused(nameOfSources(sources),
+                      "several modules are instantiated by no other: " + names + "; --top chooses one");
     }
 }
 
-/// The line of @p log that says why yosys stopped.
-std::string faultIn(std::string_view log)
+/// Fails when the sources were read and no module in them is called @p top.
+void refuseUnknownTop(const std::vector<std::string> &sources, const std::string &text, const std::string &top)
 {
-    std::string_view fault;
-    while (!log.empty()) {
-        const std::size_t end = std::min(log.find('\n'), log.size());
-        const std::string_view line = log.substr(0, end);
-        log.remove_prefix(std::min(end + 1, log.size()));
-        if (line.find("ERROR: ") != std::string_view::npos) {
-            return std::string(line);
+    const std::set<std::string> modules = listsIn(text)["modules"];
+    if (!modules.empty() && modules.count(top) == 0) {
+        NearestNames nearest(top);
+        for (const std::string &module : modules) {
+            nearest.offer(module);
         }
-        if (!line.empty()) {
-            fault = line;
-        }
+        throw refused(nameOfSources(sources), "has no module '" + top + "'" + didYouMean(nearest.best()));
     }
-    return std::string(fault);
-}
-
-/// What a program that has ended says.
-struct Ended {
-    int startError = 0; ///< why it could not be started; 0 when it could
-    bool succeeded = false;
-    std::string fault;
-};
-
-/// Runs @p words to the end.
-/// @throws Failure when there are no pipes left; Interrupted.
-Ended run(const std::vector<std::string> &words, const std::string &blamed, Interrupt &interrupt)
-{
-    std::array<int, 2> errors{};
-    if (pipe2(errors.data(), O_CLOEXEC) != 0) {
-        throw refused(blamed, "cannot start " + words.front() + ": " + std::strerror(errno));
-    }
-    pid_t child = 0;
-    Ended ended;
-    ended.startError = start(child, words, errors[1]);
-    close(errors[1]);
-    if (ended.startError != 0) {
-        close(errors[0]);
-        return ended;
-    }
-    std::string log;
-    int status = 0;
-    {
-        const Interrupt::Action stopChild(interrupt, [child] { kill(child, SIGTERM); });
-        log = readAll(errors[0]);
-        close(errors[0]);
-        siginfo_t info;
-        // Leaves the child's number taken until nobody can signal it any more.
-        while (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
-        }
-    }
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    interrupt.check();
-    ended.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    ended.fault = faultIn(log);
-    return ended;
 }
 
 /// The script that makes tables of cells from models: beside the program in a build, under share/ when installed.
@@ -161,21 +146,44 @@ std::string derivingScript()
 
 } // namespace
 
-void elaborateWithYosys(const std::vector<std::string> &sources, const std::string &top, const std::string &json,
-                        Interrupt &interrupt)
+std::string nameOfSources(const std::vector<std::string> &sources)
+{
+    switch (sources.size()) {
+    case 1:
+        return sources.front();
+    case 2:
+        return sources.front() + ", " + sources.back();
+    default:
+        return fmt::format("{} and {} more", sources.front(), sources.size() - 1);
+    }
+}
+
+std::string elaborateWithYosys(const std::vector<std::string> &sources, const VerilogOptions &options,
+                               const std::string &top, Interrupt &interrupt)
 {
     if (!isSafeInScript(top)) {
         throw wrongUsage("--top: '" + top + "' is no module name that yosys takes");
     }
-    const Ended ended = run(commandLine(sources, top, json), sources.front(), interrupt);
-    if (ended.startError != 0) {
-        throw refused(sources.front(), ended.startError == ENOENT
-                                           ? "Verilog is read with yosys, which is not installed (Debian package yosys)"
-                                           : std::string("cannot start yosys: ") + std::strerror(ended.startError));
+    ChildResult result = runChild(commandLine(sources, options, top), 2, interrupt);
+    if (result.startError != 0) {
+        throw refused(nameOfSources(sources),
+                      result.startError == ENOENT
+                          ? "Verilog is read with yosys, which is not installed (Debian package yosys)"
+                          : std::string("cannot start yosys: ") + std::strerror(result.startError));
     }
-    if (!ended.succeeded) {
-        throw refused(sources.front(), "yosys: " + (ended.fault.empty() ? "stopped without saying why" : ended.fault));
+    const auto &[log, json, lists] = std::tie(result.outputs[0], result.outputs[1], result.outputs[2]);
+    if (!top.empty() && result.status != 0) {
+        refuseUnknownTop(sources, lists, top);
     }
+    if (!WIFEXITED(result.status) || WEXITSTATUS(result.status) != 0) {
+        const YosysMessage fault = faultIn(log, sources);
+        throw refused(fault.place.empty() ? nameOfSources(sources) : fault.place,
+                      "yosys: " + (fault.text.empty() ? "stopped without saying why" : fault.text));
+    }
+    if (top.empty()) {
+        refuseSeveralTops(sources, lists);
+    }
+    return std::move(result.outputs[1]);
 }
 
 void deriveCellTable(const std::string &models, const std::string &table, Interrupt &interrupt)
@@ -185,14 +193,16 @@ void deriveCellTable(const std::string &models, const std::string &table, Interr
         throw refused(models, "cell models need families/derive.py, which is not installed beside the program");
     }
     const std::string file = models.front() == '-' ? "./" + models : models;
-    const Ended ended = run({"python3", "-B", script, "--models", table, file}, models, interrupt);
-    if (ended.startError != 0) {
-        throw refused(models, ended.startError == ENOENT
+    const ChildResult result = runChild({"python3", "-B", script, "--models", table, file}, 0, interrupt);
+    if (result.startError != 0) {
+        throw refused(models, result.startError == ENOENT
                                   ? "cell models are read with python3, which is not installed (Debian package python3)"
-                                  : std::string("cannot start python3: ") + std::strerror(ended.startError));
+                                  : std::string("cannot start python3: ") + std::strerror(result.startError));
     }
-    if (!ended.succeeded) {
-        throw refused(models, ended.fault.empty() ? "its cells cannot be derived" : ended.fault);
+    if (!WIFEXITED(result.status) || WEXITSTATUS(result.status) != 0) {
+        const YosysMessage fault = faultIn(result.outputs.front(), {models});
+        throw refused(fault.place.empty() ? models : fault.place,
+                      fault.text.empty() ? "its cells cannot be derived" : fault.text);
     }
 }
 

@@ -1,12 +1,11 @@
 #include "output/OutputStream.h"
 
 #include "base/Failure.h"
+#include "base/TemporaryPaths.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,13 +16,6 @@ namespace {
 constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
 constexpr auto PATIENCE = std::chrono::milliseconds(50);
 
-/// The file that @p path leads to, so that a link stays a link when its target is replaced.
-std::string followLinks(const std::string &path)
-{
-    const std::unique_ptr<char, void (*)(void *)> real(realpath(path.c_str(), nullptr), std::free);
-    return real ? real.get() : path;
-}
-
 mode_t creationMode()
 {
     const mode_t mask = umask(0);
@@ -33,40 +25,33 @@ mode_t creationMode()
 
 } // namespace
 
-OutputStream::OutputStream(const std::string &path) : m_descriptor(STDOUT_FILENO)
+OutputStream::OutputStream(const std::string &name, const std::vector<std::string> &inputs, TemporaryPaths &temporaries)
+    : m_name(name), m_temporaries(temporaries), m_target(findTarget(name, inputs))
 {
-    if (path.empty() || path == "-") {
-        return;
-    }
-    struct stat status {};
-    const bool exists = stat(path.c_str(), &status) == 0;
-    m_path = path;
-    if (exists && !S_ISREG(status.st_mode)) {
-        m_descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    } else if (exists && access(path.c_str(), W_OK) != 0) {
-        m_descriptor = -1;
-    } else {
-        m_path = exists ? followLinks(path) : path;
-        m_temporary = m_path + ".XXXXXX";
-        m_descriptor = mkostemp(m_temporary.data(), O_CLOEXEC);
-        if (m_descriptor < 0) {
-            m_temporary.clear();
-        } else {
-            fchmod(m_descriptor, exists ? status.st_mode & 07777 : creationMode());
-        }
+    switch (m_target.kind) {
+    case OutputTarget::Kind::Stream:
+        m_descriptor = m_target.descriptor;
+        break;
+    case OutputTarget::Kind::Place:
+        m_descriptor = open(m_target.path.c_str(), O_WRONLY | O_CLOEXEC);
+        break;
+    case OutputTarget::Kind::File:
+        m_descriptor = m_temporaries.makeFile(m_target.directory(), m_temporary);
+        break;
     }
     if (m_descriptor < 0) {
-        throw refused(path, std::strerror(errno));
+        m_temporary.clear();
+        throw refused(name, std::strerror(errno));
     }
 }
 
 OutputStream::~OutputStream()
 {
-    if (m_descriptor != STDOUT_FILENO && m_descriptor >= 0) {
+    if (m_target.kind != OutputTarget::Kind::Stream && m_descriptor >= 0) {
         ::close(m_descriptor);
     }
     if (!m_temporary.empty()) {
-        unlink(m_temporary.c_str());
+        m_temporaries.remove(m_temporary);
     }
 }
 
@@ -113,8 +98,11 @@ void OutputStream::close()
         return;
     }
     flush();
-    if (isStandardOutput()) {
+    if (m_target.kind == OutputTarget::Kind::Stream) {
         return;
+    }
+    if (!m_temporary.empty()) {
+        keepModeAndOwner();
     }
     const int descriptor = m_descriptor;
     m_descriptor = -1;
@@ -122,10 +110,53 @@ void OutputStream::close()
         fail();
     }
     if (!m_temporary.empty()) {
-        if (rename(m_temporary.c_str(), m_path.c_str()) != 0) {
+        if (!m_temporaries.moveTo(m_temporary, m_target.path)) {
             fail();
         }
         m_temporary.clear();
+    }
+}
+
+void OutputStream::takeFile(const std::string &file)
+{
+    if (!m_temporary.empty() && m_temporaries.moveTo(file, m_temporary)) {
+        // The empty file that was open has lost its name.
+        ::close(m_descriptor);
+        m_descriptor = ::open(m_temporary.c_str(), O_RDONLY | O_CLOEXEC);
+        if (m_descriptor < 0) {
+            fail();
+        }
+        return;
+    }
+    copy(file);
+}
+
+void OutputStream::copy(const std::string &file)
+{
+    const int source = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) {
+        fail();
+    }
+    std::string part(BUFFER_SIZE, '\0');
+    ssize_t count = 0;
+    while ((count = read(source, part.data(), part.size())) > 0) {
+        write({part.data(), static_cast<std::size_t>(count)});
+    }
+    const int error = errno;
+    ::close(source);
+    if (count < 0) {
+        errno = error;
+        fail();
+    }
+}
+
+/// A new file is as readable as any. The owner is given up before the mode, which may hold what only owners may set.
+void OutputStream::keepModeAndOwner() const
+{
+    const bool keeps = m_target.exists && fchown(m_descriptor, m_target.status.st_uid, m_target.status.st_gid) == 0;
+    const mode_t mode = m_target.exists ? m_target.status.st_mode & (keeps ? 07777 : 0777) : creationMode();
+    if (fchmod(m_descriptor, mode) != 0) {
+        fail();
     }
 }
 
@@ -135,7 +166,7 @@ void OutputStream::fail() const
     if (isStandardOutput() && error == EPIPE) {
         throw OutputClosed();
     }
-    throw refused(isStandardOutput() ? "standard output" : m_path, std::strerror(error));
+    throw refused(isStandardOutput() ? "standard output" : m_name, std::strerror(error));
 }
 
 } // namespace kvr::netlistdb::tool

@@ -1,0 +1,32 @@
+#include "commands/KindOption.h"
+
+#include <CLI/CLI.hpp>
+#include <netlistdb/IVDBItem.h>
+#include <sstream>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+std::uint32_t typeOf(const std::string &name)
+{
+    return name == "instance" ? ITEM_INSTANCE : name == "bus" ? ITEM_NET_BUS : ITEM_NET;
+}
+
+} // namespace
+
+void addKinds(CLI::App &command, Kinds &kinds, const std::string &names)
+{
+    const auto take = [&kinds, names](const std::string &wanted) {
+        std::istringstream parts(wanted + ",");
+        for (std::string part; std::getline(parts, part, ',');) {
+            if (part.empty() || ("," + names + ",").find("," + part + ",") == std::string::npos) {
+                throw CLI::ValidationError("--kind: '" + part + "' is none of " + names);
+            }
+            kinds.add(typeOf(part));
+        }
+    };
+    command.add_option_function<std::string>("--kind", take, "Show these kinds only")->type_name(names);
+}
+
+} // namespace kvr::netlistdb::tool

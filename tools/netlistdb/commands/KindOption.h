@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace kvr::netlistdb::tool {
+
+/// Which kinds of items a result shows; all of them unless told.
+class Kinds {
+  public:
+    /// @p type is a type code of IVDBItem.
+    bool has(std::uint32_t type) const { return all() || (m_types & type) != 0; }
+    bool all() const { return m_types == 0; }
+    void add(std::uint32_t type) { m_types |= type; }
+
+  private:
+    std::uint32_t m_types = 0;
+};
+
+/// Adds `--kind`, which takes one or several of @p names, separated by commas.
+void addKinds(CLI::App &command, Kinds &kinds, const std::string &names);
+
+} // namespace kvr::netlistdb::tool
