@@ -13,12 +13,16 @@ install_packages() {
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
-    echo "Installing: ${missing[*]}"
     local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || { echo "error: missing packages and neither root nor sudo" >&2; exit 1; }
+        if ! command -v sudo >/dev/null; then
+            echo "error: packages are missing, and only root can install them:" >&2
+            echo "apt-get install --no-install-recommends ${missing[*]}" >&2
+            exit 1
+        fi
         as_root=(sudo)
     fi
+    echo "Installing: ${missing[*]}"
     "${as_root[@]}" apt-get update -qq
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" \
         >/dev/null

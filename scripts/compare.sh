@@ -4,6 +4,6 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_packages packages-compare.txt
+install_packages packages-test.txt packages-compare.txt
 build_preset release netlistdb netlist_generator bench_{drive,read_json,restore,import,walk,search,clocks,memory}
 exec python3 -B "$root/bench/compare.py" "$root/build/release" "$@"

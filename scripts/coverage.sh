@@ -4,7 +4,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_packages packages-coverage.txt
+install_packages packages-test.txt packages-coverage.txt
 build_preset coverage
 find "$root/build/coverage" -name '*.gcda' -delete
 ctest --preset coverage -j "$jobs" -LE packaging >"$root/build/coverage/tests.log" ||

@@ -3,7 +3,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_packages
+install_packages packages-docs.txt
 cd "$root"
 GLABRENIMGAF_VERSION=$(sed -n 's/^project(glabrenimgaf VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 export GLABRENIMGAF_VERSION

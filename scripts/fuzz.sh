@@ -16,7 +16,7 @@ fi
 fuzzers=$root/build/asan/tests/fuzz
 results=$root/build/fuzz
 
-install_packages
+install_packages packages-test.txt
 build_preset asan "${targets[@]/%/_fuzzer}"
 
 # run_target <name>: status 0 when nothing was found.

@@ -3,7 +3,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_packages
+install_packages packages-test.txt packages-lint.txt
 cd "$root"
 
 # tracked <pattern>...: the files that git tracks and that are still there, each ended by a NUL.

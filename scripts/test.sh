@@ -6,7 +6,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 step() { printf '\n== %s (after %d s)\n' "$1" "$SECONDS"; }
 
 step "Packages"
-install_packages
+install_packages packages-test.txt
 
 step "Clang, address and undefined-behaviour sanitizers: every test but packaging, and a fixed run of each fuzzer"
 build_preset asan

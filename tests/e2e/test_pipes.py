@@ -2,7 +2,7 @@
 
 import unittest
 
-from program import DESIGNS, ELABORATED, ProgramTest, rows_of_csv, run
+from program import DESIGNS, ELABORATED, POST_MAP, ProgramTest, rows_of_csv, run
 
 
 class Pipes(ProgramTest):
@@ -22,9 +22,9 @@ class Pipes(ProgramTest):
         self.assertIn("unknown option '--paths'", self.fail_with(2, "clocks", ELABORATED, "--paths"))
 
     def test_what_a_search_prints_clock_of_reads(self):
-        for design in DESIGNS:
-            paths = self.succeed("search", design, "u_", "--paths")
-            rows = self.results("search", design, "u_")
+        for design, pattern in ((ELABORATED, "u_dsp"), (POST_MAP, "heartbeat")):
+            paths = self.succeed("search", design, pattern, "--paths")
+            rows = self.results("search", design, pattern)
             nets = {row["path"] for row in rows if row["kind"] != "instance"}
             instances = sum(row["path"] not in nets for row in rows)
             result = run("clock-of", design, "-", "--format", "csv", stdin=paths)
@@ -33,7 +33,7 @@ class Pipes(ProgramTest):
                                             "clock: left out\n")
             answered = {row["net"] for row in rows_of_csv(result.stdout)}
             self.assertEqual({row["path"] for row in rows if row["kind"] == "net"} - answered, set())
-            paths = self.succeed("search", design, "u_", "--paths", "--kind", "net,bus")
+            paths = self.succeed("search", design, pattern, "--paths", "--kind", "net,bus")
             result = run("clock-of", design, "-", "--format", "csv", stdin=paths)
             self.assertEqual({row["net"] for row in rows_of_csv(result.stdout)}, answered)
             self.assertEqual(result.stderr, "")
