@@ -28,9 +28,9 @@ if(TARGET netlistdb)
     install(PROGRAMS families/derive.py DESTINATION ${CMAKE_INSTALL_DATADIR}/netlistdb/families COMPONENT program)
     install(FILES families/model_clocks.py families/models.py
         DESTINATION ${CMAKE_INSTALL_DATADIR}/netlistdb/families COMPONENT program)
-    install(FILES tools/netlistdb/completion/netlistdb.bash RENAME netlistdb
+    install(FILES tools/completion/netlistdb.bash RENAME netlistdb
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
-    install(FILES tools/netlistdb/completion/_netlistdb
+    install(FILES tools/completion/_netlistdb
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT program)
 
     target_include_directories(yosys_reader INTERFACE $<INSTALL_INTERFACE:${glabrenimgaf_headers_dir}>)

@@ -9,7 +9,7 @@ netlistdb=$root/build/program/tools/netlistdb/netlistdb
 cd "$root"
 design=designs/soc_elaborated.json
 
-# show LINES TEXT COMMAND: the first lines of what a command answers.
+# show LINES TEXT COMMAND: the first lines of the output of a command.
 show() {
     local shown=$1 text=$2
     shift 2

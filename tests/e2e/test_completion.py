@@ -10,7 +10,7 @@ import unittest
 
 from program import PROGRAM, REPOSITORY, ProgramTest, environment, run
 
-COMPLETION = os.path.join(REPOSITORY, "tools/netlistdb/completion")
+COMPLETION = os.path.join(REPOSITORY, "tools/completion")
 PATH = os.path.dirname(PROGRAM) + ":/usr/bin:/bin"
 
 

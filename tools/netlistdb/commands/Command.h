@@ -27,7 +27,7 @@ class Command {
     /// Takes the arguments that are no options; those are known by now.
     /// @throws Failure
     virtual void takeArguments(std::vector<std::string> arguments, const CommonOptions &common) = 0;
-    /// Gets ready to run once options and arguments are known; answers the files that will be read.
+    /// Gets ready to run once options and arguments are known; returns the files that will be read.
     /// @throws Failure
     virtual std::vector<std::string> prepare(CommonOptions &common) = 0;
     /// Does it; answers an exit code.
