@@ -26,29 +26,35 @@ using InstanceNet = std::pair<IVDBInstance *, IVDBNet *>;
 /// Adding, removing and finding a pair takes time logarithmic in the size of the set.
 class NETLISTDB_EXPORT InstanceNetSet {
   public:
-    using value_type = InstanceNet;
-    using size_type = std::size_t;
+    using value_type = InstanceNet; ///< a pair
+    using size_type = std::size_t;  ///< a number of pairs
 
     /// Steps through the pairs in ascending order; a step takes logarithmic time. Pairs may be added and removed
     /// meanwhile: a step leads to the next pair above the current one. Valid as long as the set.
     class NETLISTDB_EXPORT const_iterator {
       public:
-        using iterator_category = std::input_iterator_tag;
-        using value_type = InstanceNet;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const InstanceNet *;
-        using reference = const InstanceNet &;
+        using iterator_category = std::input_iterator_tag; ///< the pair lies in the iterator
+        using value_type = InstanceNet;                    ///< a pair
+        using difference_type = std::ptrdiff_t;            ///< never computed
+        using pointer = const InstanceNet *;               ///< into the iterator
+        using reference = const InstanceNet &;             ///< into the iterator
 
+        /// The end of any set.
         const_iterator() = default;
         /// The pair, which the iterator holds.
         reference operator*() const { return m_pair; }
+        /// The same.
         pointer operator->() const { return &m_pair; }
+        /// Steps to the next pair, or to the end.
         const_iterator &operator++();
+        /// Steps on; returns the position before.
         const_iterator operator++(int);
+        /// Whether both are at the same pair of the same set, or both at the end.
         friend bool operator==(const const_iterator &a, const const_iterator &b)
         {
             return a.m_set == b.m_set && (a.m_set == nullptr || a.m_pair == b.m_pair);
         }
+        /// The opposite.
         friend bool operator!=(const const_iterator &a, const const_iterator &b) { return !(a == b); }
 
       private:
@@ -56,7 +62,7 @@ class NETLISTDB_EXPORT InstanceNetSet {
         const InstanceNetSet *m_set = nullptr; ///< null at the end
         InstanceNet m_pair;
     };
-    using iterator = const_iterator;
+    using iterator = const_iterator; ///< pairs cannot be changed in place
 
     /// Adds @p pair; returns whether it was new.
     bool insert(const value_type &pair);
@@ -70,7 +76,9 @@ class NETLISTDB_EXPORT InstanceNetSet {
     size_type count(const value_type &pair) const { return contains(pair) ? 1 : 0; }
     /// Position of @p pair, or end().
     const_iterator find(const value_type &pair) const;
+    /// Position of the first pair. Logarithmic time.
     const_iterator begin() const;
+    /// Position behind the last pair.
     const_iterator end() const { return {}; }
     /// Number of pairs. Constant time.
     size_type size() const { return m_size; }
