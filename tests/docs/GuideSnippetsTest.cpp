@@ -47,7 +47,7 @@ namespace {
 
 // [instance_at]
 /// Finds the instance at @p path below @p start; null when there is none. Names may hold slashes themselves, so every
-/// child is tried whose name stands at the beginning of the path.
+/// child is tried whose name the path begins with.
 IVDBInstance *instanceAt(IVDBInstance *start, std::string_view path)
 {
     for (IVDBInstance *child : start->getSubInstances()) {

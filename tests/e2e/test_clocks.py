@@ -116,7 +116,7 @@ class Clocks(ProgramTest):
 
     def test_broken_tables_and_models_are_refused(self):
         netlist = self.netlist_of_own_cells()
-        for name, content, fault in (("none.json", "{", "not valid JSON"), ("none.v", "module (", "ERROR"),
+        for name, content, fault in (("none.json", "{", "not valid JSON"), ("none.v", "module (", "syntax error"),
                                      ("kind.json", '{"format": "netlistdb-cells"}', '"version" must be 1')):
             self.assertIn(fault, self.fail_with(3, "clocks", netlist, "--cells", self.file(name, content)))
 
