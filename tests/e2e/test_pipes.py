@@ -29,14 +29,14 @@ class Pipes(ProgramTest):
             instances = sum(row["path"] not in nets for row in rows)
             result = run("clock-of", design, "-", "--format", "csv", stdin=paths)
             self.assertEqual(result.returncode, 0, result.stderr)
-            self.assertEqual(result.stderr, f"netlistdb: {instances} of {len(rows)} paths are instances, which have no "
-                                            "clock: left out\n")
+            self.assertIn(f"netlistdb: {instances} of {len(rows)} paths are instances, which have no clock: left out\n",
+                          result.stderr)
             answered = {row["net"] for row in rows_of_csv(result.stdout)}
             self.assertEqual({row["path"] for row in rows if row["kind"] == "net"} - answered, set())
             paths = self.succeed("search", design, pattern, "--paths", "--kind", "net,bus")
             result = run("clock-of", design, "-", "--format", "csv", stdin=paths)
             self.assertEqual({row["net"] for row in rows_of_csv(result.stdout)}, answered)
-            self.assertEqual(result.stderr, "")
+            self.assertNotIn("left out", result.stderr)
 
     def test_an_instance_among_the_arguments_is_still_an_error(self):
         self.assertIn("is an instance", self.fail_with(2, "clock-of", ELABORATED, "u_spi"))

@@ -41,22 +41,22 @@ def on_terminal(*arguments, stdout=False, stderr=False, **variables):
 
 class Terminal(ProgramTest):
     def test_shows_progress_and_takes_it_away_again(self):
-        shown, output = on_terminal("info", ELABORATED, stderr=True)
+        shown, output = on_terminal("tree", ELABORATED, "--depth", "0", stderr=True)
         self.assertIn(f"reading {ELABORATED}", shown)
         self.assertIn(f"importing {ELABORATED}", shown)
         self.assertTrue(shown.endswith("\r" + ESCAPE + "K"), repr(shown))
-        self.assertEqual(output, self.succeed("info", ELABORATED))
+        self.assertEqual(output, self.succeed("tree", ELABORATED, "--depth", "0"))
 
     def test_shows_no_progress_when_told(self):
-        shown, _ = on_terminal("info", ELABORATED, "--progress", "never", stderr=True)
+        shown, _ = on_terminal("tree", ELABORATED, "--depth", "0", "--progress", "never", stderr=True)
         self.assertEqual(shown, "")
 
     def test_shows_no_progress_on_a_terminal_that_knows_nothing_but_text(self):
-        shown, _ = on_terminal("info", ELABORATED, stderr=True, TERM="dumb")
+        shown, _ = on_terminal("tree", ELABORATED, "--depth", "0", stderr=True, TERM="dumb")
         self.assertEqual(shown, "")
 
     def test_shows_no_progress_elsewhere(self):
-        result = subprocess.run([PROGRAM, "info", ELABORATED], capture_output=True, cwd=REPOSITORY)
+        result = subprocess.run([PROGRAM, "tree", ELABORATED], capture_output=True, cwd=REPOSITORY)
         self.assertEqual(result.stderr, b"")
 
     def test_colours_tables_on_a_terminal(self):
@@ -77,21 +77,21 @@ class Terminal(ProgramTest):
                 self.assertEqual(ESCAPE in shown, colored)
 
     def test_there_are_no_colours_elsewhere_unless_told(self):
-        self.assertNotIn(ESCAPE, self.succeed("tree", ELABORATED))
-        colored = self.succeed("tree", ELABORATED, "--color", "always")
+        self.assertNotIn(ESCAPE, self.succeed("tree", ELABORATED, "--depth", "0"))
+        colored = self.succeed("tree", ELABORATED, "--depth", "0", "--color", "always")
         self.assertIn(ESCAPE, colored)
         out = self.path("out")
-        self.succeed("tree", ELABORATED, "-o", out)
+        self.succeed("tree", ELABORATED, "--depth", "0", "-o", out)
         with open(out) as stream:
             self.assertNotIn(ESCAPE, stream.read())
 
     def test_only_tables_have_colours(self):
         for form in ("json", "jsonl", "csv"):
-            self.assertNotIn(ESCAPE, self.succeed("tree", ELABORATED, "--color", "always", "--format", form))
+            self.assertNotIn(ESCAPE, self.succeed("tree", ELABORATED, "--depth", "0", "--color", "always", "--format", form))
 
     def test_colours_leave_the_columns_aligned(self):
-        colored = self.succeed("tree", ELABORATED, "--color", "always")
-        self.assertEqual(re.sub("\x1b\\[[0-9]*m", "", colored), self.succeed("tree", ELABORATED))
+        colored = self.succeed("tree", ELABORATED, "--depth", "0", "--color", "always")
+        self.assertEqual(re.sub("\x1b\\[[0-9]*m", "", colored), self.succeed("tree", ELABORATED, "--depth", "0"))
 
     def test_messages_are_the_same_on_a_terminal_but_for_colours(self):
         shown, _ = on_terminal("info", self.path("missing.json"), stderr=True, NO_COLOR="1")
