@@ -107,6 +107,7 @@ class Climb {
         }
         std::sort(places.begin(), places.end(), [](const Place &a, const Place &b) { return a.number < b.number; });
         std::vector<const Verific::Net *> nets;
+        nets.reserve(places.size());
         for (const Place &place : places) {
             nets.push_back(place.net);
         }
