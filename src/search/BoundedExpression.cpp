@@ -34,6 +34,7 @@ class Position {
     Position() = default;
     explicit Position(const char *at) : m_at(at) {}
     Position(const Position &other) : m_at(other.m_at) { check(); }
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assigning a pointer to itself is harmless
     Position &operator=(const Position &other)
     {
         check();

@@ -1,6 +1,7 @@
 #include "commands/KindOption.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 #include <netlistdb/IVDBItem.h>
 #include <sstream>
 
@@ -21,7 +22,7 @@ void addKinds(CLI::App &command, Kinds &kinds, const std::string &names)
         std::istringstream parts(wanted + ",");
         for (std::string part; std::getline(parts, part, ',');) {
             if (part.empty() || ("," + names + ",").find("," + part + ",") == std::string::npos) {
-                throw CLI::ValidationError("--kind: '" + part + "' is none of " + names);
+                throw CLI::ValidationError(fmt::format("--kind: '{}' is none of {}", part, names));
             }
             kinds.add(typeOf(part));
         }

@@ -95,6 +95,7 @@ int start(pid_t &child, const std::vector<std::string> &words, const std::vector
 void readAll(const std::vector<Pipe> &pipes, std::vector<std::string> &texts)
 {
     std::vector<pollfd> sources;
+    sources.reserve(pipes.size());
     for (const Pipe &pipe : pipes) {
         sources.push_back({pipe.readEnd(), POLLIN, 0});
     }
