@@ -43,7 +43,7 @@ an example to start from.")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME netlistdb)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION electronics)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libglabrenimgaf0 (${same_version})")
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS yosys)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "python3, yosys")
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
     "Program that shows instances, nets, clock domains and probe points of a
 design, and searches it by name.")

@@ -48,6 +48,11 @@ struct ReadOptions {
 /// - Word-level cells (`$add`, `$dff`, …) become operators in library "Operators"; gates (`$_AND_`, …), one-bit
 ///   buffers and constants primitives in library "Primitives": one netlist for every type and set of parameters.
 ///   Flip-flops and clocked memory ports are registers. An instance keeps its parameters.
+/// - Black boxes that a table of device cells describes (`families/`) get the attributes that clock analysis reads, and
+///   are registers, too. They stand in library "Primitives", PLLs and hard blocks in "work". A cell or a memory with
+///   outputs on several clocks becomes an instance for each: the first has its name and inputs, the others are called
+///   `name:pin` after their clock pin. Netlists of device cells carry their families and kind in the attributes
+///   NETLISTDB_CELL_FAMILY and NETLISTDB_CELL_KIND.
 /// - A port of several bits becomes one port per bit, called `name[index]`, and a port bus. Ports bear the
 ///   attributes of the net of their name.
 /// - Every bit becomes one net and takes the best of its names: the name of a port, then one with a source position
