@@ -16,6 +16,7 @@ struct SourceFile {
     std::string name;
     std::string absolute;
     bool absoluteKnown;
+    bool madeAbsolute; ///< from the name and the working directory
 };
 
 /// Files by number. A number is given only once in a process, so that a handle from before DeleteAllLineFiles() never
@@ -105,7 +106,8 @@ linefile_type LineFile::EncodeLineFile(const char *file, unsigned line)
     if (number == 0) {
         std::error_code failed;
         const std::filesystem::path absolute = std::filesystem::absolute(file, failed).lexically_normal();
-        number = files.add(key, SourceFile{file, failed ? std::string() : absolute.string(), !failed});
+        const bool relative = std::filesystem::path(file).is_relative();
+        number = files.add(key, SourceFile{file, failed ? std::string() : absolute.string(), !failed, relative});
     }
     files.lastGiven = number;
     return handleOf(number, line);
@@ -125,7 +127,7 @@ linefile_type LineFile::EncodeLineFile(const char *file, const char *absolute, u
     }
     std::uint32_t number = files.find(key);
     if (number == 0) {
-        number = files.add(key, SourceFile{file, absolute != nullptr ? absolute : "", absolute != nullptr});
+        number = files.add(key, SourceFile{file, absolute != nullptr ? absolute : "", absolute != nullptr, false});
     }
     return handleOf(number, line);
 }
@@ -139,6 +141,12 @@ const char *LineFile::GetAbsFileName(linefile_type handle)
 {
     const SourceFile *file = table().at(numberOf(handle));
     return file != nullptr && file->absoluteKnown ? file->absolute.c_str() : nullptr;
+}
+
+bool LineFile::IsMadeAbsolute(linefile_type handle)
+{
+    const SourceFile *file = table().at(numberOf(handle));
+    return file != nullptr && file->absoluteKnown && file->madeAbsolute;
 }
 
 const char *LineFile::GetFileName(linefile_type handle)

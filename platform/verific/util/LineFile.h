@@ -24,6 +24,9 @@ class VERIFIC_EXPORT LineFile {
     static linefile_type OtherLine(linefile_type handle, unsigned line);
     /// Absolute path of the handle's file, or null when it is unknown. Lives until the tables are cleared.
     static const char *GetAbsFileName(linefile_type handle);
+    /// True when that path was made from a relative one and the working directory, and means nothing elsewhere.
+    /// Embedded database only.
+    static bool IsMadeAbsolute(linefile_type handle);
     /// Path of the handle's file as it was given, or null. Lives until the tables are cleared.
     static const char *GetFileName(linefile_type handle);
     /// Line number, 0 when the file is not known.
