@@ -46,11 +46,11 @@ std::string withShare(const Count &count)
     return fmt::format("{} ({} user-declared)", count.total, count.userDeclared);
 }
 
-/// Modules that a designer wrote or that the device offers, as opposed to the cells that yosys defines.
+/// Modules that a designer wrote or that the device offers, as opposed to the cells that yosys defines and constants.
 bool isDesignUnit(const ModuleCensus &module)
 {
     const bool isInternal = module.name.compare(0, 1, "$") == 0;
-    return module.library != "Operators" && (module.library != "Primitives" || !isInternal);
+    return !module.constant && module.library != "Operators" && (module.library != "Primitives" || !isInternal);
 }
 
 Json toJson(const std::vector<std::pair<std::string, std::uint64_t>> &counts, const char *name)
