@@ -156,7 +156,7 @@ void ModuleTable::readPorts(Module &module, json::object &ports)
         if (!bitsRead) {
             m_fault.fail("the port has no \"bits\"");
         }
-        setWidth(range, module.portBits.size() - firstBit, m_fault);
+        setWidth(range, module.portBits.size() - firstBit, name, m_fault);
         CellType::Group *group = module.type.declare(raw, name, direction);
         if (group == nullptr) {
             m_fault.fail("the port stands in the module twice");

@@ -132,7 +132,7 @@ void NetReader::readNetName(std::string_view raw, json::value &value)
     if (!bitsRead) {
         m_fault.fail("the net has no \"bits\"");
     }
-    setWidth(range, m_names.pendingBits(), m_fault);
+    setWidth(range, m_names.pendingBits(), text, m_fault);
 
     NetNames::Name *name = nullptr;
     const auto port = m_portNames.find(text);

@@ -106,6 +106,13 @@ TEST_F(YosysNetNames, OfVectorsCountWithOffsetAndDirection)
               "net r[7] in r\n");
 }
 
+TEST_F(YosysNetNames, ThatBearTheirIndexAreScalarsThoughTheyKeepTheOffset)
+{
+    EXPECT_EQ(nets(net("q[3]", "2", R"("offset": 3)") + "," + net("r", "4", R"("offset": 3)")), "bus r [3:3]\n"
+                                                                                                "net q[3]\n"
+                                                                                                "net r[3] in r\n");
+}
+
 TEST_F(YosysNetNames, OfPartlyTakenVectorsStayOnBitNetsUnderTheirIndex)
 {
     EXPECT_EQ(nets(net("data", "2, 3, 4", R"("offset": 8, "attributes": {"src": "t.v:5.1", "keep": "1"})") + "," +
