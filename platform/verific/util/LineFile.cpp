@@ -79,6 +79,13 @@ FileTable &table()
     return files;
 }
 
+/// Directory in front of relative paths; empty: the working directory.
+std::string &root()
+{
+    static std::string &directory = *std::make_unique<std::string>().release();
+    return directory;
+}
+
 linefile_type handleOf(std::uint32_t number, unsigned line)
 {
     return number == 0 ? 0 : (static_cast<linefile_type>(number) << 32) | line;
@@ -105,7 +112,8 @@ linefile_type LineFile::EncodeLineFile(const char *file, unsigned line)
     std::uint32_t number = files.find(key);
     if (number == 0) {
         std::error_code failed;
-        const std::filesystem::path absolute = std::filesystem::absolute(file, failed).lexically_normal();
+        const std::filesystem::path absolute =
+            std::filesystem::absolute(std::filesystem::path(root()) / file, failed).lexically_normal();
         const bool relative = std::filesystem::path(file).is_relative();
         number = files.add(key, SourceFile{file, failed ? std::string() : absolute.string(), !failed, relative});
     }
@@ -141,6 +149,12 @@ const char *LineFile::GetAbsFileName(linefile_type handle)
 {
     const SourceFile *file = table().at(numberOf(handle));
     return file != nullptr && file->absoluteKnown ? file->absolute.c_str() : nullptr;
+}
+
+void LineFile::SetRoot(const char *directory)
+{
+    root() = directory != nullptr ? directory : "";
+    ResetFileIdMaps();
 }
 
 bool LineFile::IsMadeAbsolute(linefile_type handle)

@@ -19,6 +19,7 @@ struct CommonOptions {
     std::optional<Form> form;
     std::string top;
     std::vector<std::string> cells;
+    std::string sourceRoot; ///< empty: the working directory
     Format format = Format::Table;
     std::string outputFile; ///< empty: standard output
     When progress = When::Auto;

@@ -25,6 +25,7 @@ Json toJson(const Contents &contents)
 Json toJson(const ModuleCensus &module)
 {
     Json json = {{"module", module.name},
+                 {"user_module", module.userName},
                  {"library", module.library},
                  {"user_declared", module.userDeclared},
                  {"definitions", module.definitions},
@@ -197,7 +198,7 @@ void InfoReport::writeTables(OutputStream &stream, bool color) const
         }
         if (isDesignUnit(module)) {
             modules.row({module.instances, cells, module.contents.nets.total, module.contents.buses.total,
-                         module.contents.ports, std::string_view(module.name)});
+                         module.contents.ports, std::string_view(module.userName)});
         }
     }
     modules.end(Ending::Complete, {});

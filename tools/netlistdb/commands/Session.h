@@ -26,7 +26,10 @@ class Session {
     bool color; ///< in tables
 
     /// How the design is to be read, as the options have it. Uses this session.
-    Reading reading() { return {options.form, options.top, options.cells, progress, stats, interrupt, m_notes}; }
+    Reading reading()
+    {
+        return {options.form, options.top, options.cells, options.sourceRoot, progress, stats, interrupt, m_notes};
+    }
     std::unique_ptr<ResultWriter> makeWriter();
     /// Ends the result: hands everything on, and answers the exit code. Says so on standard error when the result is
     /// partial.

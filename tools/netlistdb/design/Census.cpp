@@ -1,6 +1,7 @@
 #include "design/Census.h"
 
 #include "base/Interrupt.h"
+#include "design/Design.h"
 #include "design/InstanceWalk.h"
 
 #include <netlistdb/netlistdb.h>
@@ -39,6 +40,8 @@ bool drivesConstant(IVDBNetlist &module)
 /// Counts while a walk meets the instances.
 class Counter {
   public:
+    explicit Counter(Design &design) : m_design(design) {}
+
     void meet(IVDBInstance &instance, std::size_t depth)
     {
         const bool userDeclared = instance.getModule()->isUserDeclared();
@@ -68,6 +71,7 @@ class Counter {
         if (isNew) {
             m_census.modules.emplace_back();
             m_census.modules.back().name = netlist.getName();
+            m_census.modules.back().userName = m_design.nameOf(netlist);
             m_census.modules.back().library = netlist.GetLibName();
             m_census.modules.back().userDeclared = netlist.isUserDeclared();
             m_census.modules.back().constant = drivesConstant(netlist);
@@ -84,6 +88,7 @@ class Counter {
         }
     }
 
+    Design &m_design;
     Census m_census;
     std::unordered_map<IVDBNetlist *, Definition> m_definitions;
     std::map<std::pair<std::string, std::string>, std::size_t> m_modules;
@@ -100,10 +105,10 @@ void Contents::add(const Contents &other, std::uint64_t times)
     ports += other.ports * times;
 }
 
-Census takeCensus(IVDBInstance &root, const Interrupt &interrupt)
+Census takeCensus(Design &design, const Interrupt &interrupt)
 {
-    Counter counter;
-    for (InstanceWalk walk(root); walk.instance() != nullptr; walk.next()) {
+    Counter counter(design);
+    for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
         interrupt.check();
         counter.meet(*walk.instance(), walk.depth());
     }

@@ -174,6 +174,7 @@ SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &
         checkReadable(file);
     }
     const std::string &file = files.front();
+    Verific::LineFile::SetRoot(reading.sourceRoot.c_str());
     reading.progress.begin("reading " + file);
     reading.stats.begin("read");
     SourceNetlist source;
