@@ -6,35 +6,56 @@
 
 namespace kvr::netlistdb::yosys {
 
+/// What becomes of the `src` attribute of an object.
+enum class Source {
+    Dropped,    ///< nobody wrote the object, it has no position
+    Noted,      ///< the same, but where it comes from stays readable in an attribute `src`
+    OfNet,      ///< becomes the position of a declaration
+    OfInstance, ///< becomes the position of an instantiation
+};
+
 /// Reads the `attributes` and `parameters` of modules, nets, memories and cells.
 class AttributeReader {
   public:
     explicit AttributeReader(JsonText &text) : m_text(text) {}
 
-    /// What a first look at attributes tells, without carrying anything over.
+    /// What a first look at the attributes of a net tells, without carrying anything over.
     struct Summary {
         Verific::linefile_type position = 0;
-        bool others = false; ///< something stands there beside a position
+        bool any = false;    ///< there are attributes
+        bool others = false; ///< something stands there beside one position
     };
     Summary summarize(json::object &attributes);
 
-    /// Carries attributes over: `src` becomes the source position (unless @p generated: such objects have none),
-    /// `protected` protects the object, everything else becomes an attribute of the same key and value.
-    void apply(json::object &attributes, Verific::DesignObj &object, bool generated)
+    /// The attributes that tell where a net comes from. The texts live until the next call.
+    struct Origin {
+        std::string_view src;
+        std::string_view hdlName;
+        std::string_view scopeName;
+    };
+    Origin originOf(json::object &attributes);
+
+    /// Carries attributes over: `src` becomes the source position as @p source says, and stays an attribute as well
+    /// when it holds more than that; `protected` protects the object; everything else becomes an attribute of the same
+    /// key and value.
+    void apply(json::object &attributes, Verific::DesignObj &object, Source source)
     {
-        apply(attributes, object, generated, [](std::string_view, std::string_view) {});
+        apply(attributes, object, source, [](std::string_view, std::string_view) {});
     }
     /// The same; @p seen(key, value) is told what becomes an attribute.
     template <typename Seen>
-    void apply(json::object &attributes, Verific::DesignObj &object, bool generated, Seen &&seen)
+    void apply(json::object &attributes, Verific::DesignObj &object, Source source, Seen &&seen)
     {
+        m_src.clear();
+        m_segments = 0;
         eachField(attributes, [&](std::string_view raw, json::value &value) {
             const std::string_view key = m_text.text(raw, m_keyBuffer);
             const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "an attribute");
-            if (carry(key, text, object, generated)) {
+            if (carry(key, text, object)) {
                 seen(key, text);
             }
         });
+        applySource(object, source);
     }
 
     /// Carries parameters over to an instance.
@@ -48,10 +69,9 @@ class AttributeReader {
         });
     }
 
-    Verific::linefile_type position(std::string_view src) { return m_positions.encode(src); }
-
   private:
-    bool carry(std::string_view key, std::string_view value, Verific::DesignObj &object, bool generated);
+    bool carry(std::string_view key, std::string_view value, Verific::DesignObj &object);
+    void applySource(Verific::DesignObj &object, Source source);
 
     JsonText &m_text;
     SourcePositions m_positions;
@@ -59,6 +79,11 @@ class AttributeReader {
     TextBuffer m_valueBuffer;
     CText m_key;
     CText m_value;
+    // Of the object whose attributes are being read.
+    std::string m_src;
+    std::string m_hdlName;
+    std::string m_scopeName;
+    std::size_t m_segments = 0;
 };
 
 } // namespace kvr::netlistdb::yosys

@@ -57,4 +57,14 @@ void setWidth(VectorRange &range, std::size_t width, const ReadFault &fault)
     range.width = static_cast<unsigned>(width);
 }
 
+void setWidth(VectorRange &range, std::size_t width, std::string_view name, const ReadFault &fault)
+{
+    setWidth(range, width, fault);
+    const std::string index = "[" + std::to_string(range.offset) + "]";
+    if (width == 1 && range.offset != 0 && name.size() > index.size() &&
+        name.substr(name.size() - index.size()) == index) {
+        range.offset = 0;
+    }
+}
+
 } // namespace kvr::netlistdb::yosys

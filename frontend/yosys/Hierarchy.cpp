@@ -14,7 +14,9 @@ std::string listOf(const std::vector<Module *> &modules)
 {
     std::string list;
     for (std::size_t at = 0; at < modules.size() && at < MOST_LISTED; ++at) {
-        list.append(at == 0 ? "'" : ", '").append(modules[at]->type.name()).append("'");
+        const UserModuleName &userName = modules[at]->userName;
+        list.append(at == 0 ? "'" : ", '");
+        list.append(userName.text.empty() ? modules[at]->type.name() : userName.text).append("'");
     }
     if (modules.size() > MOST_LISTED) {
         list += " and " + std::to_string(modules.size() - MOST_LISTED) + " more";
@@ -75,9 +77,13 @@ Module &chooseTop(std::deque<Module> &modules, const std::string &wanted, const 
 {
     std::vector<Module *> marked;
     std::vector<Module *> roots;
+    std::vector<Module *> variants;
     for (Module &module : modules) {
         if (!wanted.empty() && module.type.name() == wanted) {
             return module;
+        }
+        if (!wanted.empty() && (module.userName.module == wanted || module.userName.text == wanted)) {
+            variants.push_back(&module);
         }
         if (module.markedTop) {
             marked.push_back(&module);
@@ -85,6 +91,13 @@ Module &chooseTop(std::deque<Module> &modules, const std::string &wanted, const 
         if (!module.instantiated && !module.blackBox) {
             roots.push_back(&module);
         }
+    }
+    if (variants.size() > 1) {
+        fault.fail("several modules were made from '" + wanted +
+                   "', which was asked for as the top: " + listOf(variants));
+    }
+    if (variants.size() == 1) {
+        return *variants.front();
     }
     if (!wanted.empty()) {
         fault.fail("no module '" + wanted + "', which was asked for as the top");

@@ -7,7 +7,7 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-constexpr std::size_t HOMES = 3;
+constexpr std::size_t HOMES = 4;
 
 const char *libraryName(Home home)
 {
@@ -16,6 +16,8 @@ const char *libraryName(Home home)
         return "Operators";
     case Home::Primitives:
         return "Primitives";
+    case Home::Constants:
+        return "Constants";
     default:
         return "work";
     }

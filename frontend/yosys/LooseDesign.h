@@ -11,7 +11,7 @@
 namespace kvr::netlistdb::yosys {
 
 /// The libraries that the reader fills.
-enum class Home { Work, Operators, Primitives };
+enum class Home { Work, Operators, Primitives, Constants };
 
 /// The netlists of one file while it is being read: outside the global libset, which gets them all at once or not at
 /// all. Netlists that are not attached die with the object.

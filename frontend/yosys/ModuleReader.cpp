@@ -1,63 +1,22 @@
 #include "ModuleReader.h"
 
 #include "BitReader.h"
+#include "MadeUpNames.h"
 
 #include <limits>
 
 namespace kvr::netlistdb::yosys {
-
-namespace {
-
-constexpr std::string_view NAMELESS = "$bit$";
-constexpr std::string_view CONSTANT = "$const$";
-
-bool startsWith(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
-bool looksLikeOurs(std::string_view name)
-{
-    return startsWith(name, NAMELESS) || startsWith(name, CONSTANT);
-}
-
-/// @p name, made longer until it is not in @p reserved.
-std::string freeName(std::string name, const std::unordered_set<std::string> &reserved)
-{
-    while (reserved.count(name) != 0) {
-        name += '_';
-    }
-    return name;
-}
-
-bool isGenerated(std::string_view name)
-{
-    return !name.empty() && name.front() == '$';
-}
-
-} // namespace
 
 void ModuleReader::read(Module &module)
 {
     m_module = &module;
     m_netlist = module.type.netlist();
     m_fault.enterModule(module.type.name());
-    m_names.start(module.textSize);
-    m_netAttributes.clear();
-    m_portNames.clear();
-    m_reservedNets.clear();
     m_reservedCells.clear();
-    m_constantNets = {};
     m_latePins.clear();
     m_usedBy.resize(m_modules.modules().size(), CellType::NO_MODULE);
 
-    addPortNames();
-    if (module.netNames) {
-        readNetNames(*module.netNames);
-    }
-    m_names.choose();
-    makeNets();
-    connectPorts();
+    m_nets.read(module);
     if (module.memories) {
         readMemories(*module.memories);
     }
@@ -66,183 +25,8 @@ void ModuleReader::read(Module &module)
     }
     m_parts.endModule(*m_netlist);
     addConstantDrivers();
+    m_nets.finish();
     m_fault.leaveModule();
-}
-
-void ModuleReader::addPortNames()
-{
-    std::size_t at = 0;
-    for (const CellType::Group &group : m_module->type.groups()) {
-        for (unsigned position = 0; position < group.range.width; ++position) {
-            m_names.addBit(m_module->portBits[at++]);
-        }
-        m_portNames.emplace(group.name, static_cast<std::uint32_t>(m_names.names().size()));
-        m_names.add(group.name, NetNames::Rank::Port, group.range);
-    }
-}
-
-void ModuleReader::readNetNames(json::object &netNames)
-{
-    check(netNames.reset().error());
-    const char *end = nullptr;
-    eachField(netNames, [&](std::string_view raw, json::value &value) {
-        if (end == nullptr) {
-            m_progress.begin(raw.data());
-        }
-        end = raw.data();
-        m_progress.at(end);
-        readNetName(raw, value);
-    });
-    if (end != nullptr) {
-        m_progress.end(end);
-    }
-    m_fault.leaveItem();
-}
-
-void ModuleReader::readNetName(std::string_view raw, json::value &value)
-{
-    const std::string_view text = m_text.text(raw);
-    m_fault.enterItem("net", text);
-    json::object object = m_text.object(value, "a net");
-    bool hidden = isGenerated(text);
-    bool bitsRead = false;
-    VectorRange range;
-    AttributeReader::Summary summary;
-    std::uint32_t attributeNumber = NetNames::NO_ATTRIBUTES;
-    eachField(object, [&](std::string_view key, json::value &field) {
-        if (key == "bits") {
-            json::array bits = m_text.array(field, "\"bits\"");
-            if (bitsRead) {
-                m_fault.fail("\"bits\" stands there twice");
-            }
-            bitsRead = true;
-            eachElement(bits, [&](json::value &bit) { m_names.addBit(readBit(bit, m_fault)); });
-        } else if (key == "attributes") {
-            json::object attributes = m_text.object(field, "\"attributes\"");
-            summary = m_attributes.summarize(attributes);
-            if (summary.others) {
-                attributeNumber = static_cast<std::uint32_t>(m_netAttributes.size());
-                m_netAttributes.push_back(attributes);
-            }
-        } else if (key == "hide_name") {
-            hidden = m_text.flag(field, "\"hide_name\"") || hidden;
-        } else if (key == "offset") {
-            range.offset = m_text.integer(field, "\"offset\"");
-        } else if (key == "upto") {
-            range.upto = m_text.flag(field, "\"upto\"");
-        } else {
-            m_text.passOver(field);
-        }
-    });
-    if (!bitsRead) {
-        m_fault.fail("the net has no \"bits\"");
-    }
-    setWidth(range, m_names.pendingBits(), m_fault);
-    if (hidden) {
-        summary.position = 0;
-    }
-
-    NetNames::Name *name = nullptr;
-    const auto port = m_portNames.find(text);
-    if (port != m_portNames.end()) {
-        name = &m_names.names()[port->second];
-        bool same = name->range.width == range.width;
-        for (unsigned position = 0; same && position < range.width; ++position) {
-            same = m_names.bitOf(*name, position) == m_names.pendingBit(position);
-        }
-        if (!same) {
-            m_fault.fail("the net has other bits than the port of its name");
-        }
-        m_names.dropPendingBits();
-    } else {
-        const NetNames::Rank rank = hidden              ? NetNames::Rank::Generated
-                                    : !summary.position ? NetNames::Rank::Plain
-                                                        : NetNames::Rank::User;
-        name = &m_names.add(text, rank, range);
-        if (looksLikeOurs(text)) {
-            m_reservedNets.emplace(text);
-        }
-    }
-    name->position = summary.position;
-    name->attributes = attributeNumber;
-}
-
-void ModuleReader::makeNets()
-{
-    const std::vector<NetNames::Name> &names = m_names.names();
-    for (std::uint32_t number = 0; number < names.size(); ++number) {
-        const NetNames::Name &name = names[number];
-        if (name.range.isVector()) {
-            makeVector(number);
-        } else if (BitTable::Entry *entry = m_names.taken(number, 0)) {
-            entry->net = addNet(*m_netlist, m_scratch.of(name.text));
-            dress(name, *entry->net);
-        }
-    }
-}
-
-void ModuleReader::makeVector(std::uint32_t number)
-{
-    const NetNames::Name &name = m_names.names()[number];
-    unsigned taken = 0;
-    for (unsigned position = 0; position < name.range.width; ++position) {
-        taken += m_names.taken(number, position) != nullptr ? 1 : 0;
-    }
-    if (taken == 0) {
-        return;
-    }
-    Verific::NetBus *bus = nullptr;
-    if (taken == name.range.width) {
-        bus = addNetBus(*m_netlist, m_scratch.of(name.text), name.range.left(), name.range.right());
-        dress(name, *bus);
-    }
-    for (unsigned position = 0; position < name.range.width; ++position) {
-        BitTable::Entry *entry = m_names.taken(number, position);
-        if (entry == nullptr) {
-            continue;
-        }
-        const int index = name.range.indexOf(position);
-        entry->net = addNet(*m_netlist, m_scratch.indexed(name.text, index));
-        if (bus == nullptr) {
-            dress(name, *entry->net);
-            continue;
-        }
-        // The attributes are the vector's; position and protection hold for every bit of it.
-        setPosition(*entry->net, bus->Linefile());
-        if (bus->IsProtected() != 0) {
-            setProtected(*entry->net);
-        }
-        putInBus(*bus, index, entry->net);
-    }
-}
-
-void ModuleReader::dress(const NetNames::Name &name, Verific::DesignObj &object)
-{
-    setPosition(object, name.position);
-    if (name.attributes != NetNames::NO_ATTRIBUTES) {
-        json::object &attributes = m_netAttributes[name.attributes];
-        check(attributes.reset().error());
-        m_fault.enterItem("net", name.text);
-        m_attributes.apply(attributes, object, !name.position);
-        m_fault.leaveItem();
-    }
-}
-
-void ModuleReader::connectPorts()
-{
-    const std::vector<Verific::Port *> &pins = m_module->type.pins();
-    std::size_t pin = 0;
-    std::uint32_t number = 0;
-    for (const CellType::Group &group : m_module->type.groups()) {
-        const NetNames::Name &name = m_names.names()[number++];
-        if (group.range.isVector() && group.range.width > 0) {
-            dress(name, *pins[pin]->Bus());
-        }
-        for (unsigned position = 0; position < group.range.width; ++position, ++pin) {
-            dress(name, *pins[pin]);
-            pins[pin]->Connect(netOf(m_module->portBits[pin]));
-        }
-    }
 }
 
 void ModuleReader::readMemories(json::object &memories)
@@ -254,7 +38,7 @@ void ModuleReader::readMemories(json::object &memories)
         json::object object = m_text.object(value, "a memory");
         int width = -1;
         int size = -1;
-        bool hidden = isGenerated(text);
+        bool hidden = looksGenerated(text);
         std::optional<json::object> attributes;
         eachField(object, [&](std::string_view key, json::value &field) {
             if (key == "width") {
@@ -262,7 +46,7 @@ void ModuleReader::readMemories(json::object &memories)
             } else if (key == "size") {
                 size = m_text.integer(field, "\"size\"");
             } else if (key == "hide_name") {
-                hidden = m_text.flag(field, "\"hide_name\"") || hidden;
+                hidden = m_text.flag(field, "\"hide_name\"");
             } else if (key == "attributes") {
                 attributes = m_text.object(field, "\"attributes\"");
             } else {
@@ -280,7 +64,7 @@ void ModuleReader::readMemories(json::object &memories)
         Verific::Net *memory = addMemory(*m_netlist, m_scratch.of(text), static_cast<unsigned>(bits));
         if (attributes) {
             check(attributes->reset().error());
-            m_attributes.apply(*attributes, *memory, hidden);
+            m_attributes.apply(*attributes, *memory, hidden ? Source::Dropped : Source::OfNet);
         }
     });
     m_fault.leaveItem();
@@ -309,12 +93,11 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
     const std::string_view name = m_text.text(raw, m_nameBuffer);
     m_fault.enterItem("cell", name);
     ++m_cellNumber;
-    const bool generated = isGenerated(name);
-    if (looksLikeOurs(name)) {
+    if (looksMadeUp(name)) {
         m_reservedCells.emplace(name);
     }
     json::object object = m_text.object(value, "a cell");
-    bool hidden = generated;
+    bool hidden = looksGenerated(name);
     std::string_view rawType;
     CellType *type = nullptr;
     Verific::Instance *inst = nullptr;
@@ -347,7 +130,7 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
             once(4, key);
             json::object part = m_text.object(field, "\"attributes\"");
             if (inst != nullptr) {
-                m_attributes.apply(part, *inst, generated);
+                m_attributes.apply(part, *inst, Source::OfInstance);
             } else {
                 later.attributes = part;
             }
@@ -367,13 +150,16 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
                 inst = addCell(name, *type);
             }
         } else if (key == "hide_name") {
-            hidden = m_text.flag(field, "\"hide_name\"") || hidden;
+            hidden = m_text.flag(field, "\"hide_name\"");
         } else {
             m_text.passOver(field);
         }
     });
     if (rawType.data() == nullptr) {
         m_fault.fail("the cell has no \"type\"");
+    }
+    if (type == nullptr && isAnnotation(rawType)) {
+        return;
     }
     if (type == nullptr) {
         type = m_modules.findByName(m_text.text(rawType, m_portBuffer));
@@ -382,14 +168,14 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
         }
     }
     if (type->isPlanned) {
-        inst = addPlannedCell(name, *type, later, generated);
+        inst = addPlannedCell(name, *type, later);
         later = {};
     } else if (inst == nullptr) {
         inst = addCell(name, *type);
     }
     if (later.attributes) {
         check(later.attributes->reset().error());
-        m_attributes.apply(*later.attributes, *inst, generated);
+        m_attributes.apply(*later.attributes, *inst, Source::OfInstance);
     }
     if (later.parameters) {
         check(later.parameters->reset().error());
@@ -403,7 +189,7 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
     if (type->device != nullptr) {
         m_parts.nameCell(*inst, *type);
     }
-    if (hidden && !generated) {
+    if (hidden) {
         setPosition(*inst, 0);
     }
 }
@@ -423,7 +209,7 @@ Verific::Instance *ModuleReader::addCell(std::string_view name, const CellType &
     return addInstance(*m_netlist, m_scratch.of(name), type.netlist());
 }
 
-Verific::Instance *ModuleReader::addPlannedCell(std::string_view name, CellType &type, FileParts &file, bool generated)
+Verific::Instance *ModuleReader::addPlannedCell(std::string_view name, CellType &type, FileParts &file)
 {
     noteUse(type);
     m_parameters.clear();
@@ -449,7 +235,7 @@ Verific::Instance *ModuleReader::addPlannedCell(std::string_view name, CellType 
     Verific::Instance *inst = m_parts.add(*m_netlist, m_scratch.of(name), type, plan);
     if (file.attributes) {
         check(file.attributes->reset().error());
-        m_attributes.apply(*file.attributes, *inst, generated);
+        m_attributes.apply(*file.attributes, *inst, Source::OfInstance);
     }
     if (file.parameters) {
         check(file.parameters->reset().error());
@@ -508,7 +294,7 @@ void ModuleReader::readConnections(json::object &connections, CellType &type)
             m_pinNets.resize(type.pins().size(), nullptr);
         }
         for (std::size_t at = 0; at < m_pinBits.size(); ++at) {
-            Verific::Net *net = netOf(m_pinBits[at]);
+            Verific::Net *net = m_nets.netOf(m_pinBits[at]);
             if (isConstant(m_pinBits[at]) && group.direction == Verific::DIR_OUT) {
                 m_constantOutputs.emplace_back(group.firstPin + static_cast<unsigned>(at), net);
             } else {
@@ -538,7 +324,7 @@ void ModuleReader::connect(Verific::Instance &inst, const CellType &type)
 void ModuleReader::addConstantDrivers()
 {
     for (unsigned constant = 0; constant < CONSTANTS; ++constant) {
-        Verific::Net *net = m_constantNets[constant];
+        Verific::Net *net = m_nets.constantNets()[constant];
         if (net == nullptr) {
             continue;
         }
@@ -549,22 +335,6 @@ void ModuleReader::addConstantDrivers()
     for (const LatePin &pin : m_latePins) {
         pin.inst->Connect(pin.port, pin.net);
     }
-}
-
-Verific::Net *ModuleReader::namelessNet(Bit bit, BitTable::Entry &entry)
-{
-    const std::string name = freeName(std::string(NAMELESS) + std::to_string(bit), m_reservedNets);
-    entry.net = addNet(*m_netlist, name.c_str());
-    return entry.net;
-}
-
-Verific::Net *ModuleReader::constantNet(unsigned constant)
-{
-    Verific::Net *&net = m_constantNets[constant];
-    if (net == nullptr) {
-        net = addNet(*m_netlist, freeName(std::string(CONSTANT) + CONSTANT_NAMES[constant], m_reservedNets).c_str());
-    }
-    return net;
 }
 
 } // namespace kvr::netlistdb::yosys

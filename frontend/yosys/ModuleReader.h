@@ -2,15 +2,13 @@
 
 #include "CellParts.h"
 #include "ModuleTable.h"
-#include "NetNames.h"
+#include "NetReader.h"
 #include "OtherCellTypes.h"
 #include "Progress.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -23,12 +21,15 @@ class ModuleReader {
     ModuleReader(JsonText &text, ReadFault &fault, AttributeReader &attributes, ModuleTable &modules,
                  OtherCellTypes &others, CellParts &parts, Progress &progress)
         : m_text(text), m_fault(fault), m_attributes(attributes), m_modules(modules), m_others(others), m_parts(parts),
-          m_progress(progress), m_planner([this](const Verific::Net *net) {
-              return std::find(m_constantNets.begin(), m_constantNets.end(), net) != m_constantNets.end();
+          m_progress(progress), m_nets(text, fault, attributes, progress), m_planner([this](const Verific::Net *net) {
+              const auto &constants = m_nets.constantNets();
+              return std::find(constants.begin(), constants.end(), net) != constants.end();
           })
     {
     }
 
+    /// Adds a cell type that names of nets may be derived from.
+    void addDeviceCell(CellType &type) { m_nets.derivedNames().addCellType(type); }
     void read(Module &module);
 
   private:
@@ -46,14 +47,6 @@ class ModuleReader {
         Verific::Net *net;
     };
 
-    void addPortNames();
-    void readNetNames(json::object &netNames);
-    void readNetName(std::string_view raw, json::value &value);
-    void makeNets();
-    void makeVector(std::uint32_t number);
-    void dress(const NetNames::Name &name, Verific::DesignObj &object);
-    void connectPorts();
-
     void readMemories(json::object &memories);
 
     void readCells(json::object &cells);
@@ -61,23 +54,12 @@ class ModuleReader {
     void noteUse(const CellType &type);
     Verific::Instance *addCell(std::string_view name, const CellType &type);
     /// Makes the instances of a cell whose type is planned.
-    Verific::Instance *addPlannedCell(std::string_view name, CellType &type, FileParts &file, bool generated);
+    Verific::Instance *addPlannedCell(std::string_view name, CellType &type, FileParts &file);
     void readConnections(json::object &connections, CellType &type);
     /// Connects the pins that readConnections() found.
     void connect(Verific::Instance &inst, const CellType &type);
     CellType::Group &groupOf(CellType &type, std::string_view raw, unsigned position);
     void addConstantDrivers();
-
-    Verific::Net *netOf(Bit bit)
-    {
-        if (isConstant(bit)) {
-            return constantNet(bit - FIRST_CONSTANT);
-        }
-        BitTable::Entry &entry = m_names.entry(bit);
-        return entry.net != nullptr ? entry.net : namelessNet(bit, entry);
-    }
-    Verific::Net *namelessNet(Bit bit, BitTable::Entry &entry);
-    Verific::Net *constantNet(unsigned constant);
 
     JsonText &m_text;
     ReadFault &m_fault;
@@ -86,6 +68,7 @@ class ModuleReader {
     OtherCellTypes &m_others;
     CellParts &m_parts;
     Progress &m_progress;
+    NetReader m_nets;
     CellPlanner m_planner;
     CText m_scratch;
     TextBuffer m_nameBuffer;
@@ -94,12 +77,7 @@ class ModuleReader {
     // Of the module that is being read.
     Module *m_module = nullptr;
     Verific::Netlist *m_netlist = nullptr;
-    NetNames m_names;
-    std::vector<json::object> m_netAttributes;
-    std::unordered_map<std::string_view, std::uint32_t> m_portNames; ///< name of a port -> number of the name
-    std::unordered_set<std::string> m_reservedNets;                  ///< names of nets that look like ours
-    std::unordered_set<std::string> m_reservedCells;                 ///< names of cells that look like ours
-    std::array<Verific::Net *, CONSTANTS> m_constantNets{};
+    std::unordered_set<std::string> m_reservedCells; ///< names of cells that look made up
     std::vector<LatePin> m_latePins;
     std::vector<unsigned> m_usedBy; ///< by number of module: the latest module met that instantiates it
 

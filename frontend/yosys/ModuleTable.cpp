@@ -44,6 +44,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
 
     const char *end = raw.data();
     bool portsRead = false;
+    std::vector<std::pair<std::string, std::string>> parameters;
     const auto once = [&](std::optional<json::object> &part, json::value &field, const char *what) {
         if (part) {
             m_fault.fail(std::string(what) + " stands in the module twice");
@@ -54,11 +55,12 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
         end = key.data();
         if (key == "attributes") {
             json::object attributes = m_text.object(field, "\"attributes\"");
-            m_attributes.apply(
-                attributes, *netlist, isGenerated(name), [&](std::string_view attribute, std::string_view text) {
-                    module.markedTop |= attribute == "top" && isNonZero(text);
-                    module.blackBox |= (attribute == "blackbox" || attribute == "whitebox") && isNonZero(text);
-                });
+            m_attributes.apply(attributes, *netlist, isGenerated(name) ? Source::Dropped : Source::OfNet,
+                               [&](std::string_view attribute, std::string_view text) {
+                                   module.markedTop |= attribute == "top" && isNonZero(text);
+                                   module.blackBox |=
+                                       (attribute == "blackbox" || attribute == "whitebox") && isNonZero(text);
+                               });
         } else if (key == "ports") {
             if (portsRead) {
                 m_fault.fail("\"ports\" stands in the module twice");
@@ -66,6 +68,11 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
             portsRead = true;
             json::object ports = m_text.object(field, "\"ports\"");
             readPorts(module, ports);
+        } else if (key == "parameter_default_values") {
+            json::object values = m_text.object(field, "\"parameter_default_values\"");
+            m_attributes.eachParameter(values, [&](std::string_view parameter, std::string_view text) {
+                parameters.emplace_back(parameter, text);
+            });
         } else if (key == "netnames") {
             once(module.netNames, field, "\"netnames\"");
         } else if (key == "memories") {
@@ -82,6 +89,10 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     }
     if (device) {
         m_devices.adopt(module.type, device);
+    }
+    module.userName = userModuleName(name, parameters);
+    if (!module.userName.module.empty()) {
+        addAttribute(*netlist, USER_MODULE, module.userName.text.c_str());
     }
     m_fault.leaveModule();
 }
@@ -145,7 +156,7 @@ void ModuleTable::readPorts(Module &module, json::object &ports)
         if (!bitsRead) {
             m_fault.fail("the port has no \"bits\"");
         }
-        setWidth(range, module.portBits.size() - firstBit, m_fault);
+        setWidth(range, module.portBits.size() - firstBit, name, m_fault);
         CellType::Group *group = module.type.declare(raw, name, direction);
         if (group == nullptr) {
             m_fault.fail("the port stands in the module twice");

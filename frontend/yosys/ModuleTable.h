@@ -4,6 +4,7 @@
 #include "CellType.h"
 #include "DeviceCells.h"
 #include "LooseDesign.h"
+#include "UserModuleName.h"
 
 #include <deque>
 #include <optional>
@@ -18,6 +19,7 @@ struct Module {
     Module(std::string_view name, Verific::Netlist *netlist, unsigned number) : type(name, netlist, number) {}
 
     CellType type;
+    UserModuleName userName;   ///< empty when the module bears it
     std::vector<Bit> portBits; ///< the bit on each of type.pins()
     std::optional<json::object> netNames;
     std::optional<json::object> memories;

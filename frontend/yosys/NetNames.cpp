@@ -28,6 +28,7 @@ NetNames::Name &NetNames::add(std::string_view text, Rank rank, const VectorRang
     name.range = range;
     name.firstBit = m_named;
     name.order = order;
+    name.rank = rank;
     m_named = m_bits.size();
     m_names.push_back(name);
     return m_names.back();

@@ -12,13 +12,13 @@ namespace kvr::netlistdb::yosys {
 
 /// The names of one module's bits, and which of its names each bit bears.
 ///
-/// A bit takes the best of its names: the name of a port, then one that the user gave (it has a source position), then
-/// a visible one without position, then a generated one. Among equals the one with the fewest hierarchy separators ('.'
-/// and '/'), then the shortest, then the first in byte order, then the first in the file; among ports the first in the
-/// file.
+/// A bit takes the best of its names: the name of a port, then one that the user declared, then a visible one that
+/// synthesis derived from such a name, then a hidden one. Among equals the one with the fewest hierarchy separators
+/// ('.' and '/'), then the shortest, then the first in byte order, then the first in the file; among ports the first in
+/// the file.
 class NetNames {
   public:
-    enum class Rank : std::uint8_t { Port, User, Plain, Generated };
+    enum class Rank : std::uint8_t { Port, Declared, Derived, Hidden };
 
     struct Name {
         std::string_view text;
@@ -27,6 +27,9 @@ class NetNames {
         std::uint64_t order = 0;  ///< smaller is better; then the text decides
         Verific::linefile_type position = 0;
         std::uint32_t attributes = NO_ATTRIBUTES; ///< index of the caller's
+        Rank rank = Rank::Hidden;
+        bool declared = false; ///< the user wrote it, as far as the file tells
+        bool more = false;     ///< the attributes tell more than the position
     };
     static constexpr std::uint32_t NO_ATTRIBUTES = 0xFFFFFFFFu;
 
@@ -57,6 +60,16 @@ class NetNames {
         }
         BitTable::Entry &entry = m_table.at(bit);
         return entry.name == name && entry.position == position ? &entry : nullptr;
+    }
+    /// True when every bit of name number @p name bears it.
+    bool takenWhole(std::uint32_t name)
+    {
+        for (unsigned position = 0; position < m_names[name].range.width; ++position) {
+            if (taken(name, position) == nullptr) {
+                return false;
+            }
+        }
+        return true;
     }
     BitTable::Entry &entry(Bit bit) { return m_table.at(bit); }
 

@@ -39,6 +39,11 @@ class Reading {
     {
         findModules(document);
         for (Module &module : m_modules.modules()) {
+            if (module.blackBox) {
+                m_reader.addDeviceCell(module.type);
+            }
+        }
+        for (Module &module : m_modules.modules()) {
             m_reader.read(module);
         }
         refuseRecursion(m_modules.modules(), m_fault);

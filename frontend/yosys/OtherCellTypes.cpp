@@ -168,7 +168,7 @@ Verific::Netlist *OtherCellTypes::constant(unsigned constant)
     Verific::Netlist *&netlist = m_constants[constant];
     if (netlist == nullptr) {
         const ConstantCell &cell = CONSTANT_CELLS[constant];
-        netlist = m_design.add(Home::Primitives, cell.name);
+        netlist = m_design.add(Home::Constants, cell.name);
         addPort(*netlist, "Y", Verific::DIR_OUT);
         makePrimitive(*netlist, cell.primitive, nullptr);
     }

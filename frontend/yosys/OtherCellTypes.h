@@ -33,7 +33,8 @@ class OtherCellTypes {
     CellType &find(std::string_view raw, std::optional<json::object> &parameters,
                    std::optional<json::object> &directions, std::optional<json::object> &connections);
 
-    /// The netlist whose one output port drives constant number @p constant.
+    /// The netlist whose one output port drives constant number @p constant. Constants have a library of their own: one
+    /// drives the logic of every clock, so that no clock may ever be remembered for it.
     Verific::Netlist *constant(unsigned constant);
 
     /// Settles what depends on all uses of the types: ports that were never connected, and the kinds of the netlists.

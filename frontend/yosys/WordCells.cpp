@@ -122,13 +122,18 @@ const std::unordered_set<std::string_view> &knownWordCells()
         "$dffsr",      "$dffsre",    "$adff",       "$adffe",       "$aldff",       "$aldffe", "$sdff",
         "$sdffe",      "$sdffce",    "$dlatch",     "$adlatch",     "$dlatchsr",    "$memrd",  "$memrd_v2",
         "$memwr",      "$memwr_v2",  "$meminit",    "$meminit_v2",  "$mem",         "$mem_v2", "$fsm",
-        "$assert",     "$assume",    "$live",       "$fair",        "$cover",       "$equiv",  "$initstate",
-        "$anyconst",   "$anyseq",    "$allconst",   "$allseq",      "$buf",
+        "$equiv",      "$initstate", "$anyconst",   "$anyseq",      "$allconst",    "$allseq", "$buf",
     };
     return cells;
 }
 
 } // namespace
+
+bool isAnnotation(std::string_view type)
+{
+    return isOneOf(type, {"$scopeinfo", "$specify2", "$specify3", "$specrule", "$print", "$check", "$assert", "$assume",
+                          "$live", "$fair", "$cover"});
+}
 
 bool isNonZero(std::string_view value)
 {

@@ -32,6 +32,9 @@ inline bool isInternalCell(std::string_view type)
     return !type.empty() && type.front() == '$';
 }
 
+/// True for the types of cells that are none of the design: scopes, timing, and checks that simulators and proofs make.
+bool isAnnotation(std::string_view type);
+
 /// What the internal cell @p type with these parameters is to the netlist database.
 ///
 /// - Gates (`$_…_`) are primitives; word-level cells are operators, but for one-bit buffers (`$pos`, `$buf`), which are

@@ -73,6 +73,11 @@ void setPosition(Verific::DesignObj &object, Verific::linefile_type position)
     object.SetUserDeclared(!position ? 0 : 1);
 }
 
+void setDeclared(Verific::DesignObj &object, bool on)
+{
+    object.SetUserDeclared(on ? 1 : 0);
+}
+
 void setProtected(Verific::DesignObj &object)
 {
     object.SetProtected(1);

@@ -46,6 +46,8 @@ void addParameter(Verific::Instance &inst, const char *key, const char *value);
 
 /// Gives @p object a source position and makes it user-declared; 0 takes both away.
 void setPosition(Verific::DesignObj &object, Verific::linefile_type position);
+/// Marks @p object as declared by the user, or not, whether its position is known or not.
+void setDeclared(Verific::DesignObj &object, bool on);
 void setProtected(Verific::DesignObj &object);
 
 /// @p clock may be null: the netlist then is no register.

@@ -71,6 +71,8 @@ class Formats(ProgramTest):
             return "yes" if value else "no"
         if isinstance(value, list):
             return " ".join(value)
+        if isinstance(value, dict):
+            return " ".join(f"{key}={each}" for key, each in value.items())
         return "" if value is None else str(value)
 
     def test_a_table_has_a_line_for_each_result(self):
@@ -108,7 +110,8 @@ class Formats(ProgramTest):
         lines = [json.loads(line) for line in result.stdout.splitlines()]
         self.assertEqual((len(lines), lines[-1]), (2, {"ending": "complete"}))
         result = run("search", ELABORATED, "no such thing", "--format", "csv")
-        self.assertEqual(result.stdout, "kind,width,path,module,user_declared,file,line\n")
+        self.assertEqual(result.stdout, "kind,width,path,module,user_module,user_declared,file,line,"
+                                        "matched,aliases,sources,attributes\n")
 
 
 if __name__ == "__main__":

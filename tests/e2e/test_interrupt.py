@@ -1,10 +1,10 @@
-import contextlib
 import json
 import os
 import pty
 import signal
 import stat
 import subprocess
+import time
 import unittest
 
 from program import PROGRAM, ProgramTest, environment, large_netlist
@@ -134,10 +134,21 @@ class Interrupt(ProgramTest):
         output, message = process.communicate()
         self.assertEqual((process.returncode, output, message), (130, "", "netlistdb: interrupted\n"))
         self.assertEqual(len(children), 2)
+        deadline = time.monotonic() + 20
         for child in children:
-            # Whoever adopts a child's child takes its last leave when it gets to it.
-            with contextlib.suppress(FileNotFoundError), open(f"/proc/{child}/stat") as status:
-                self.assertEqual(status.read().rsplit(")", 1)[1].split()[0], "Z")
+            # A killed process runs on until the kernel gets to it, and stays a zombie until it is adopted.
+            while self.state_of(child) not in ("Z", None):
+                self.assertLess(time.monotonic(), deadline)
+                time.sleep(0.01)
+
+    @staticmethod
+    def state_of(process):
+        """The letter of /proc/PID/stat; None when there is no such process."""
+        try:
+            with open(f"/proc/{process}/stat") as status:
+                return status.read().rsplit(")", 1)[1].split()[0]
+        except (FileNotFoundError, ProcessLookupError):
+            return None
 
 
 if __name__ == "__main__":

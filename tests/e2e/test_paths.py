@@ -14,7 +14,7 @@ class Paths(ProgramTest):
 
     def test_an_unknown_path_names_its_nearest_matches(self):
         for path, expected in (
-            ("clk_sys", "; did you mean 'clk_sys_i'?"),
+            ("clk_sy", "; did you mean 'clk_sys' or 'clk_sys_i'?"),
             ("u_clocks/clk_dvi_o", "; did you mean 'u_clocks/clk_div_o'"),
             ("u_clock/clk_div_o", "; did you mean 'u_clocks/clk_div_o'"),
             ("u_clokcs/clk_dvi_o", "; did you mean 'u_clocks/clk_div_o'"),

@@ -336,7 +336,9 @@ void NetlistReader::readFiles()
         const SharedName path = textOrNone(paths[number]);
         spendOn(name);
         spendOn(path);
-        m_files.push_back(LineFile::EncodeLineFile(name.get(), path.get(), 0));
+        const bool relative = path.get() != nullptr && path.get()[0] != '/' && std::strcmp(name.get(), path.get()) == 0;
+        m_files.push_back(relative ? LineFile::EncodeLineFile(name.get(), 0)
+                                   : LineFile::EncodeLineFile(name.get(), path.get(), 0));
     }
 }
 

@@ -119,7 +119,8 @@ Row SharedColumns::file(std::uint64_t handle)
     const auto [found, added] = m_fileNumbers.emplace(name, static_cast<Row>(m_fileNames.size()) + 1);
     if (added) {
         m_fileNames.push_back(text(name));
-        m_filePaths.push_back(textOrNone(LineFile::GetAbsFileName(handle)));
+        // Of the machine that saves, nothing is kept: a relative path is made absolute where it is restored.
+        m_filePaths.push_back(textOrNone(LineFile::IsMadeAbsolute(handle) ? name : LineFile::GetAbsFileName(handle)));
     }
     return found->second;
 }

@@ -50,7 +50,7 @@ struct SavedNetlist {
 
   texts @1 :Texts;  # named by the columns that say "text"
   fileNames @2 :List(UInt32);      # text
-  filePaths @3 :List(UInt32);      # text + 1, 0: unknown
+  filePaths @3 :List(UInt32);      # text + 1, 0: unknown; the name itself where that is relative
   attributeSets @4 :PairSets;
   parameterSets @5 :PairSets;
 

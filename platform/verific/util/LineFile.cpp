@@ -16,6 +16,7 @@ struct SourceFile {
     std::string name;
     std::string absolute;
     bool absoluteKnown;
+    bool madeAbsolute; ///< from the name and the working directory
 };
 
 /// Files by number. A number is given only once in a process, so that a handle from before DeleteAllLineFiles() never
@@ -78,6 +79,13 @@ FileTable &table()
     return files;
 }
 
+/// Directory in front of relative paths; empty: the working directory.
+std::string &root()
+{
+    static std::string &directory = *std::make_unique<std::string>().release();
+    return directory;
+}
+
 linefile_type handleOf(std::uint32_t number, unsigned line)
 {
     return number == 0 ? 0 : (static_cast<linefile_type>(number) << 32) | line;
@@ -104,8 +112,10 @@ linefile_type LineFile::EncodeLineFile(const char *file, unsigned line)
     std::uint32_t number = files.find(key);
     if (number == 0) {
         std::error_code failed;
-        const std::filesystem::path absolute = std::filesystem::absolute(file, failed).lexically_normal();
-        number = files.add(key, SourceFile{file, failed ? std::string() : absolute.string(), !failed});
+        const std::filesystem::path absolute =
+            std::filesystem::absolute(std::filesystem::path(root()) / file, failed).lexically_normal();
+        const bool relative = std::filesystem::path(file).is_relative();
+        number = files.add(key, SourceFile{file, failed ? std::string() : absolute.string(), !failed, relative});
     }
     files.lastGiven = number;
     return handleOf(number, line);
@@ -125,7 +135,7 @@ linefile_type LineFile::EncodeLineFile(const char *file, const char *absolute, u
     }
     std::uint32_t number = files.find(key);
     if (number == 0) {
-        number = files.add(key, SourceFile{file, absolute != nullptr ? absolute : "", absolute != nullptr});
+        number = files.add(key, SourceFile{file, absolute != nullptr ? absolute : "", absolute != nullptr, false});
     }
     return handleOf(number, line);
 }
@@ -139,6 +149,18 @@ const char *LineFile::GetAbsFileName(linefile_type handle)
 {
     const SourceFile *file = table().at(numberOf(handle));
     return file != nullptr && file->absoluteKnown ? file->absolute.c_str() : nullptr;
+}
+
+void LineFile::SetRoot(const char *directory)
+{
+    root() = directory != nullptr ? directory : "";
+    ResetFileIdMaps();
+}
+
+bool LineFile::IsMadeAbsolute(linefile_type handle)
+{
+    const SourceFile *file = table().at(numberOf(handle));
+    return file != nullptr && file->absoluteKnown && file->madeAbsolute;
 }
 
 const char *LineFile::GetFileName(linefile_type handle)

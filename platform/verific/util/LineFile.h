@@ -24,6 +24,12 @@ class VERIFIC_EXPORT LineFile {
     static linefile_type OtherLine(linefile_type handle, unsigned line);
     /// Absolute path of the handle's file, or null when it is unknown. Lives until the tables are cleared.
     static const char *GetAbsFileName(linefile_type handle);
+    /// Makes relative paths absolute against @p directory instead, those that are mentioned from then on; null or
+    /// empty: against the working directory. Stays when the tables are cleared. Embedded database only.
+    static void SetRoot(const char *directory);
+    /// True when that path was made from a relative one and the working directory, and means nothing elsewhere.
+    /// Embedded database only.
+    static bool IsMadeAbsolute(linefile_type handle);
     /// Path of the handle's file as it was given, or null. Lives until the tables are cleared.
     static const char *GetFileName(linefile_type handle);
     /// Line number, 0 when the file is not known.

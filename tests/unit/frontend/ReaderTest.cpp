@@ -3,7 +3,9 @@
 #include "tests/support/NetlistDump.h"
 
 #include <yosys/NetlistReader.h>
+#include <yosys/OtherNames.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace yosystest {
@@ -39,6 +41,9 @@ std::string traitsOf(const Verific::DesignObj &object)
     Verific::Att *att = nullptr;
     std::string attributes;
     FOREACH_ATTRIBUTE (&object, iter, att) {
+        if (std::string_view(att->Key()) == kvr::netlistdb::yosys::OTHER_NAMES) {
+            continue;
+        }
         attributes += (attributes.empty() ? "" : ", ") + std::string(att->Key()) + "=" + att->Value();
     }
     return attributes.empty() ? text : text + " {" + attributes + "}";
@@ -160,6 +165,12 @@ std::string print(const Verific::Netlist *netlist)
             out << " #" << key << "=" << value;
         }
         out << traitsOf(*inst) << "\n";
+    }
+    const char *otherNames = netlist->GetAttValue(kvr::netlistdb::yosys::OTHER_NAMES);
+    std::istringstream names(otherNames != nullptr ? otherNames : "");
+    for (std::string line; std::getline(names, line);) {
+        std::replace(line.begin(), line.end(), '\t', ' ');
+        out << "also " << line << "\n";
     }
     return out.str();
 }

@@ -34,6 +34,7 @@ Verific::Netlist *netlistOf(const char *library, const char *cell);
 ///     net q[0] in q at top.v:4
 ///     ram mem 128
 ///     u1: work/sub (clk=clk, d=q[0]) #W=4
+///     also d r 3 0 r.v:7 u_a r 0:3=q    a line of OTHER_NAMES, blanks for its tabs
 ///
 /// Source positions ("at"), "protected", {attributes}, #parameters and the netlist's kind stand where there are any.
 std::string print(const Verific::Netlist *netlist);

@@ -19,10 +19,12 @@ class YosysAttributes : public ReaderTest {
     }
 };
 
-TEST_F(YosysAttributes, GiveThePositionOfTheFirstRange)
+TEST_F(YosysAttributes, GiveThePositionOfTheInnermostRange)
 {
     EXPECT_EQ(position("rtl/a.v:12.3-14.5"), "rtl/a.v 12");
-    EXPECT_EQ(position("/abs/dir/a.v:7.1-7.2|b.v:9.1-9.2"), "/abs/dir/a.v 7");
+    EXPECT_EQ(position("/abs/dir/a.v:7.1-7.2"), "/abs/dir/a.v 7");
+    EXPECT_EQ(position("top.v:7.1-7.2|sub.v:9.1-9.2|leaf.v:11.1-11.2"), "leaf.v 11");
+    EXPECT_EQ(position("a.v:3.1-3.2|no range"), "a.v 3");
     EXPECT_EQ(position("a.v:12"), "a.v 12");
     EXPECT_EQ(position("a.v:12-14"), "a.v 12");
     EXPECT_EQ(position("no range|b.v:3.1-3.2"), "b.v 3");

@@ -248,16 +248,16 @@ TEST_F(YosysCells, OnConstantsShareOneDriverPerConstantAndModule)
                           "net $const$z\n"
                           "u: work/sub (a[0]=$const$0, a[1]=$const$1, a[2]=$const$x, a[3]=$const$z)\n"
                           "v: work/sub (a[0]=$const$0, a[1]=$const$0, a[2]=$const$1, a[3]=$const$z)\n"
-                          "$const$0: Primitives/$gnd (Y=$const$0)\n"
-                          "$const$1: Primitives/$pwr (Y=$const$1)\n"
-                          "$const$x: Primitives/$x (Y=$const$x)\n"
-                          "$const$z: Primitives/$z (Y=$const$z)\n");
+                          "$const$0: Constants/$gnd (Y=$const$0)\n"
+                          "$const$1: Constants/$pwr (Y=$const$1)\n"
+                          "$const$x: Constants/$x (Y=$const$x)\n"
+                          "$const$z: Constants/$z (Y=$const$z)\n");
     EXPECT_NE(top->GetNet("$const$0")->IsGnd(), 0u);
     EXPECT_NE(top->GetNet("$const$1")->IsPwr(), 0u);
-    EXPECT_EQ(print(netlistOf("Primitives", "$gnd")), "Primitives/$gnd primitive=2\nout Y = -\n");
-    EXPECT_EQ(print(netlistOf("Primitives", "$pwr")), "Primitives/$pwr primitive=1\nout Y = -\n");
-    EXPECT_EQ(print(netlistOf("Primitives", "$x")), "Primitives/$x primitive=3\nout Y = -\n");
-    EXPECT_EQ(print(netlistOf("Primitives", "$z")), "Primitives/$z primitive=4\nout Y = -\n");
+    EXPECT_EQ(print(netlistOf("Constants", "$gnd")), "Constants/$gnd primitive=2\nout Y = -\n");
+    EXPECT_EQ(print(netlistOf("Constants", "$pwr")), "Constants/$pwr primitive=1\nout Y = -\n");
+    EXPECT_EQ(print(netlistOf("Constants", "$x")), "Constants/$x primitive=3\nout Y = -\n");
+    EXPECT_EQ(print(netlistOf("Constants", "$z")), "Constants/$z primitive=4\nout Y = -\n");
 }
 
 TEST_F(YosysCells, WhoseOutputIsTiedToAConstantDoNotReplaceItsDriver)

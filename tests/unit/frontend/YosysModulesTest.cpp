@@ -46,7 +46,8 @@ TEST_F(YosysModules, DerivedWithParametersStandInTheUsersSourceAndOtherGenerated
 {
     readModules(R"("$paramod\\fifo\\W=8": {"attributes": {"src": "fifo.v:1.1-2.2"}},
                    "$abc": {"attributes": {"src": "abc.v:1.1-2.2"}}, "top": {"attributes": {"top": 1}})");
-    EXPECT_EQ(print(netlistOf("work", "$paramod\\fifo\\W=8")), "work/$paramod\\fifo\\W=8 at fifo.v:1\n");
+    EXPECT_EQ(print(netlistOf("work", "$paramod\\fifo\\W=8")),
+              "work/$paramod\\fifo\\W=8 at fifo.v:1 {netlistdb.module=fifo(W=8)}\n");
     EXPECT_EQ(print(netlistOf("work", "$abc")), "work/$abc\n");
 }
 
@@ -160,7 +161,7 @@ TEST_F(YosysModules, OfASecondFileBecomeNewViewsOfTheSameCells)
                              "u: work/sub:netlist_2 (a=$const$1)\n"
                              "v: Operators/$not:netlist_2 (A=$bit$2, Y=$bit$3)\n"
                              "w: work/ip:netlist_2 (A=$bit$3)\n"
-                             "$const$1: Primitives/$pwr:netlist_2 (Y=$const$1)\n");
+                             "$const$1: Constants/$pwr:netlist_2 (Y=$const$1)\n");
     readModules(modules);
     EXPECT_EQ(first->Owner()->NumOfNetlists(), 3u);
     EXPECT_NE(first->Owner()->GetNetlist("netlist_3"), nullptr);

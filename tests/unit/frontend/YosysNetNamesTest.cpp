@@ -52,16 +52,15 @@ TEST_F(YosysNetNames, PreferAPortToEveryOther)
               "net long_port at t.v:5\n");
 }
 
-TEST_F(YosysNetNames, PreferAUserNameToOneWithoutPosition)
+TEST_F(YosysNetNames, AreNoBetterForAPosition)
 {
-    EXPECT_EQ(nets(net("a", "2", R"("hide_name": 0)") + "," + net("u_core.long_name", "2")),
-              "net u_core.long_name at t.v:5\n");
+    EXPECT_EQ(nets(net("a", "2", R"("hide_name": 0)") + "," + net("u_core.long_name", "2")), "net a user-declared=1\n");
 }
 
 TEST_F(YosysNetNames, PreferAVisibleNameWithoutPositionToAGeneratedOne)
 {
     EXPECT_EQ(nets(net("$1", "2") + "," + net("visible.but.nowhere", "2", R"("hide_name": 0)")),
-              "net visible.but.nowhere\n");
+              "net visible.but.nowhere user-declared=1\n");
 }
 
 TEST_F(YosysNetNames, OfGeneratedNetsHaveNoPosition)
@@ -105,6 +104,13 @@ TEST_F(YosysNetNames, OfVectorsCountWithOffsetAndDirection)
               "net q[6] in q\n"
               "net r[6] in r\n"
               "net r[7] in r\n");
+}
+
+TEST_F(YosysNetNames, ThatBearTheirIndexAreScalarsThoughTheyKeepTheOffset)
+{
+    EXPECT_EQ(nets(net("q[3]", "2", R"("offset": 3)") + "," + net("r", "4", R"("offset": 3)")), "bus r [3:3]\n"
+                                                                                                "net q[3]\n"
+                                                                                                "net r[3] in r\n");
 }
 
 TEST_F(YosysNetNames, OfPartlyTakenVectorsStayOnBitNetsUnderTheirIndex)
@@ -170,7 +176,7 @@ TEST_F(YosysNetNames, MissingForABitAreMadeUpWithoutClash)
                           "net $bit$7__\n"
                           "net $const$0_\n"
                           "$const$0: work/sub (a=$bit$7__, b=$const$0_)\n"
-                          "$const$0_: Primitives/$gnd (Y=$const$0_)\n");
+                          "$const$0_: Constants/$gnd (Y=$const$0_)\n");
 }
 
 TEST_F(YosysNetNames, OfBitsWithLargeNumbersAreFoundWithoutATableOfThatSize)

@@ -130,7 +130,8 @@ TEST_F(YosysPorts, OnTheSameBitShareTheNetOfTheFirst)
               "work/top\n"
               "in z = z\n"
               "out a = z\n"
-              "net z\n");
+              "net z\n"
+              "also d a     =z\n");
 }
 
 TEST_F(YosysPorts, OnConstantsMeetTheNetsOfTheConstants)
@@ -144,8 +145,9 @@ TEST_F(YosysPorts, OnConstantsMeetTheNetsOfTheConstants)
               "net y[1]\n"
               "net $const$1\n"
               "net $const$0\n"
-              "$const$0: Primitives/$gnd (Y=$const$0)\n"
-              "$const$1: Primitives/$pwr (Y=$const$1)\n");
+              "$const$0: Constants/$gnd (Y=$const$0)\n"
+              "$const$1: Constants/$pwr (Y=$const$1)\n"
+              "also d y 2 0   1*1 1:1=y 1*0\n");
 }
 
 TEST_F(YosysPorts, WithEscapedNamesAreFoundInAnyOrder)

@@ -5,6 +5,8 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -138,6 +140,29 @@ TEST_F(SavedNetlistTest, KeepsPositionsWhoseAbsolutePathIsUnknown)
     addNet(top, "m")->SetLinefile(LineFile::EncodeLineFile("gone.v", 0));
     const std::string before = dumpHierarchy(top);
     EXPECT_EQ(dumpHierarchy(roundTrip(top)), before);
+}
+
+TEST_F(SavedNetlistTest, HoldsNothingOfTheFolderItWasSavedIn)
+{
+    std::vector<std::string> saved;
+    const std::filesystem::path home = std::filesystem::current_path();
+    for (const char *folder : {"/", "/tmp"}) {
+        Libset::Reset();
+        LineFile::DeleteAllLineFiles();
+        std::filesystem::current_path(folder);
+        Netlist *top = makeNetlist("work", "top");
+        top->SetLinefile(LineFile::EncodeLineFile("../rtl/top.v", 3));
+        addNet(top, "n")->SetLinefile(LineFile::EncodeLineFile("/abs/n.v", 4));
+        const Netlist *back = roundTrip(top);
+        ASSERT_NE(back, nullptr);
+        std::ifstream stream(m_file, std::ios::binary);
+        saved.emplace_back(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+        std::filesystem::current_path(home);
+        EXPECT_STREQ(LineFile::GetFileName(back->Linefile()), "../rtl/top.v");
+        EXPECT_EQ(LineFile::GetAbsFileName(back->Linefile()), std::string("/rtl/top.v"));
+        EXPECT_STREQ(LineFile::GetAbsFileName(back->GetNet("n")->Linefile()), "/abs/n.v");
+    }
+    EXPECT_EQ(saved.at(0), saved.at(1));
 }
 
 TEST_F(SavedNetlistTest, DropsPositionsWhoseFileIsForgotten)

@@ -43,7 +43,8 @@ class ClockOfCommand : public DesignCommand {
     const char *arguments() const override { return "DESIGN... PATH... [OPTIONS]"; }
     const char *more() const override
     {
-        return "PATH is the full name of a net or of a bus, which answers for each of its bits; `-` reads paths from\n"
+        return "PATH is any of the full names of a net, or of a bus, which answers for each of its bits; `-` reads "
+               "paths from\n"
                "standard input, one a line. The clock domain of a net is the clock of the first register that is\n"
                "met on the way back from it. Nothing is answered when one of the paths does not exist.\n\n"
                "Examples:\n"
@@ -83,7 +84,7 @@ class ClockOfCommand : public DesignCommand {
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clock-of";
-        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
         head.columns = {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
         writer->begin(head);
         for (std::size_t at = 0; at < bits.size(); ++at) {
@@ -110,8 +111,8 @@ class ClockOfCommand : public DesignCommand {
         // but may find no clock for them: they come last, so that they spoil no other answer.
         for (const bool onBlackBoxes : {false, true}) {
             for (std::size_t at = 0; at < bits.size(); ++at) {
-                const auto &[instance, net] = bits[at];
-                if (design.isBlackBox(*instance->getModule()) == onBlackBoxes) {
+                const auto &[instance, net, name] = bits[at];
+                if (net != nullptr && design.isBlackBox(*instance->getModule()) == onBlackBoxes) {
                     domains[at] = design.clockOf(*instance, *net);
                 }
             }
@@ -122,7 +123,10 @@ class ClockOfCommand : public DesignCommand {
     void write(ResultWriter &writer, const PathResolver::Bit &bit, const IClockDomain *domain)
     {
         m_found = m_found || domain != nullptr;
-        const std::string path = VDBHelper::getNetFullName(bit.net, bit.instance);
+        std::string path = bit.net != nullptr ? VDBHelper::getNetFullName(bit.net, bit.instance) : bit.name;
+        if (writer.isTable() && path != bit.name) {
+            path += " (= " + bit.name + ")";
+        }
         const Value none = writer.isTable() ? Value(std::string_view("(none)")) : Value();
         writer.row({std::string_view(path), domain != nullptr ? Value(std::string_view(domain->getName())) : none});
     }

@@ -1,11 +1,12 @@
 #include "commands/Command.h"
 #include "commands/Session.h"
-#include "design/ClockOrder.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
 #include "design/SourceText.h"
 
+#include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
 
@@ -30,17 +31,19 @@ class ClocksCommand : public DesignCommand {
     int run(Session &session) override
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
-        const std::vector<IClockDomain *> domains = clocksInOrder(*design);
+        const std::vector<IClockDomain *> &domains = design->clocks().clocks();
         session.progress.begin("tracing nets");
         session.stats.begin("trace");
         countNets(*design, session.progress);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clocks";
-        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
         head.columns = {{"nets", "NETS", Look::Plain, true},
                         {"clock", "CLOCK", Look::Name},
-                        {nullptr, "SOURCE"},
+                        {nullptr, "SOURCE", Look::Dim},
+                        {nullptr, "ALSO"},
+                        {"aliases", nullptr},
                         {"instance", nullptr},
                         {"file", nullptr},
                         {"line", nullptr}};
@@ -51,8 +54,10 @@ class ClocksCommand : public DesignCommand {
             const IVDBLineInfo *source = domain->getNet()->getLineInfo();
             const std::string shown = sourceText(source, directory);
             const std::string instance = domain->getInstance()->getPath();
+            const std::vector<std::string> aliases = aliasesOf(*design, *domain);
+            const std::string also = beginningOf(aliases);
             writer->row({m_nets[domain], std::string_view(domain->getName()), std::string_view(shown),
-                         std::string_view(instance), fileOf(source), lineOf(source)});
+                         std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
         }
         session.stats.end();
         const int exitCode = session.finish(*writer, !domains.empty(), Ending::Complete,
@@ -64,6 +69,31 @@ class ClocksCommand : public DesignCommand {
     }
 
   private:
+    /// What else the wire of @p clock is called, in its own instance and in others.
+    static std::vector<std::string> aliasesOf(Design &design, const IClockDomain &clock)
+    {
+        IVDBInstance &instance = *clock.getInstance();
+        std::vector<std::string> aliases = design.names(*instance.getModule()).aliasesOf(*clock.getNet());
+        const std::string path = instance.getPath();
+        if (!path.empty()) {
+            for (std::string &alias : aliases) {
+                alias.insert(0, path + "/");
+            }
+        }
+        const std::vector<std::string> &others = design.clocks().othersOf(&clock);
+        aliases.insert(aliases.begin(), others.begin(), others.end());
+        return aliases;
+    }
+
+    /// The first few of @p names, for a table.
+    static std::string beginningOf(const std::vector<std::string> &names)
+    {
+        constexpr std::size_t MOST = 3;
+        const auto end = names.begin() + static_cast<std::ptrdiff_t>(std::min(names.size(), MOST));
+        std::string text = fmt::format("{}", fmt::join(names.begin(), end, " "));
+        return names.size() > MOST ? text + fmt::format(" and {} more", names.size() - MOST) : text;
+    }
+
     /// The nets of a module, none for a black box. Lives as long as the command.
     const std::vector<IVDBNet *> &netsOf(Design &design, IVDBNetlist *module)
     {

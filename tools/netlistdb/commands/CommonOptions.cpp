@@ -22,6 +22,11 @@ void addDesignOptions(CLI::App &command, CommonOptions &options)
         ->type_name("FILE")
         ->group("Design")
         ->allow_extra_args(false);
+    command
+        .add_option("--source-root", options.sourceRoot,
+                    "Where relative source paths in the netlist begin (default: the working directory)")
+        ->type_name("DIR")
+        ->group("Design");
 }
 
 void addSourceOptions(CLI::App &command, CommonOptions &options)

@@ -23,6 +23,7 @@ struct CommonOptions {
     VerilogOptions verilog;
     std::uint64_t maxInstances = 50'000'000;
     std::vector<std::string> cells;
+    std::string sourceRoot; ///< empty: the working directory
     Format format = Format::Table;
     bool paths = false;     ///< full names alone, in no format
     std::string outputFile; ///< empty: standard output

@@ -28,11 +28,11 @@ class InfoCommand : public DesignCommand {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("count");
         InfoReport report;
-        report.top = design->top().getName();
+        report.top = design->nameOf(design->top());
         report.form = design->form();
         report.devices = design->devices();
-        report.census = takeCensus(design->root(), session.interrupt);
-        report.clockDomains = design->clockDomains().size();
+        report.census = takeCensus(*design, session.interrupt);
+        report.clockDomains = design->clocks().clocks().size();
         report.write(session.options.format, session.output, session.color);
         session.stats.end();
         return session.finish(true);

@@ -25,6 +25,7 @@ Json toJson(const Contents &contents)
 Json toJson(const ModuleCensus &module)
 {
     Json json = {{"module", module.name},
+                 {"user_module", module.userName},
                  {"library", module.library},
                  {"user_declared", module.userDeclared},
                  {"definitions", module.definitions},
@@ -46,11 +47,11 @@ std::string withShare(const Count &count)
     return fmt::format("{} ({} user-declared)", count.total, count.userDeclared);
 }
 
-/// Modules that a designer wrote or that the device offers, as opposed to the cells that yosys defines.
+/// Modules that a designer wrote or that the device offers, as opposed to the cells that yosys defines and constants.
 bool isDesignUnit(const ModuleCensus &module)
 {
     const bool isInternal = module.name.compare(0, 1, "$") == 0;
-    return module.library != "Operators" && (module.library != "Primitives" || !isInternal);
+    return !module.constant && module.library != "Operators" && (module.library != "Primitives" || !isInternal);
 }
 
 Json toJson(const std::vector<std::pair<std::string, std::uint64_t>> &counts, const char *name)
@@ -197,7 +198,7 @@ void InfoReport::writeTables(OutputStream &stream, bool color) const
         }
         if (isDesignUnit(module)) {
             modules.row({module.instances, cells, module.contents.nets.total, module.contents.buses.total,
-                         module.contents.ports, std::string_view(module.name)});
+                         module.contents.ports, std::string_view(module.userName)});
         }
     }
     modules.end(Ending::Complete, {});

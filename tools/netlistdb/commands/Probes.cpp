@@ -1,13 +1,18 @@
+#include "base/Interrupt.h"
 #include "commands/Command.h"
 #include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
 #include "design/NetClocks.h"
 #include "design/PathResolver.h"
+#include "design/ProbeList.h"
 #include "design/SourceText.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <deque>
 #include <netlistdb/netlistdb.h>
+#include <unordered_map>
 
 namespace kvr::netlistdb::tool {
 
@@ -19,9 +24,11 @@ class ProbesCommand : public DesignCommand {
     const char *summary() const override { return "Show every net that an on-chip debugger may probe"; }
     const char *more() const override
     {
-        return "Shows the nets and buses that have a source position and are neither protected nor excluded, with the\n"
-               "clock that drives them. The pins of black boxes are no nets of the design. A bus whose bits belong\n"
-               "to several clock domains shows them all.\n\n"
+        return "Shows the nets and vectors that the user declared and that are neither protected nor excluded, with "
+               "the\n"
+               "clock that drives them. A vector stands there whole, also when some of its bits bear other names.\n"
+               "The pins of black boxes are no nets of the design. A bus whose bits belong to several clock domains\n"
+               "shows them all.\n\n"
                "Examples:\n"
                "  netlistdb probes soc.json\n"
                "  netlistdb probes soc.json --all --format csv -o probes.csv";
@@ -29,7 +36,7 @@ class ProbesCommand : public DesignCommand {
 
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
-        app.add_flag("--all", m_all, "Show nets and buses without source position, too");
+        app.add_flag("--all", m_all, "Show nets and buses that no user declared, too");
         app.add_option("--from", m_from, "Show what is in the instance PATH and below it only")->type_name("PATH");
         addKinds(app, m_kinds, "net,bus");
         DesignCommand::addOptions(app, common);
@@ -40,14 +47,11 @@ class ProbesCommand : public DesignCommand {
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("trace");
-        VDBSearchParam param;
-        param.startItem = &PathResolver(*design).startOf(m_from);
-        param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
-        param.userNetsOnly = !m_all;
+        IVDBInstance &start = PathResolver(*design).startOf(m_from);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "probes";
-        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
         head.columns = {{"kind", nullptr},
                         {"path", "PATH"},
                         {"width", "WIDTH", Look::Plain, true},
@@ -55,55 +59,77 @@ class ProbesCommand : public DesignCommand {
                         {nullptr, "SOURCE", Look::Dim},
                         {"user_declared", nullptr},
                         {"file", nullptr},
-                        {"line", nullptr}};
+                        {"line", nullptr},
+                        {"aliases", nullptr},
+                        {"sources", nullptr}};
         writer->begin(head);
-        SearchResults results(design->database().search(param));
-        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        const Ending ending = walk(*design, results, *writer, session);
+        const Ending ending = walk(*design, start, *writer, session);
         session.stats.end();
         return session.finish(*writer, m_found, ending);
     }
 
   private:
-    Ending walk(Design &design, SearchResults &results, ResultWriter &writer, Session &session)
+    /// Level by level, as a search goes.
+    Ending walk(Design &design, IVDBInstance &start, ResultWriter &writer, Session &session)
     {
-        while (!session.interrupt.requested() && results.next()) {
-            IVDBItem &item = *results.getCurrent();
-            if (item.getItemType() == ITEM_INSTANCE) {
-                auto &instance = static_cast<IVDBInstance &>(item);
-                m_inside = !design.isBlackBox(*instance.getModule());
-                m_path = instance.getPath();
-                m_path += m_path.empty() ? "" : "/";
-            } else if (m_inside) {
-                meet(design, static_cast<IVDBInstance &>(*results.getContext()), static_cast<IVDBNetBase &>(item),
-                     writer);
+        const Interrupt::Action stop(session.interrupt);
+        std::deque<IVDBInstance *> waiting = {&start};
+        for (; !waiting.empty(); waiting.pop_front()) {
+            IVDBInstance &instance = *waiting.front();
+            const std::vector<IVDBInstance *> &children = instance.getSubInstances();
+            waiting.insert(waiting.end(), children.begin(), children.end());
+            const std::vector<Probe> &probes = probesOf(design, *instance.getModule());
+            if (probes.empty()) {
+                continue;
             }
-            writer.tick();
+            std::string path = instance.getPath();
+            path += path.empty() ? "" : "/";
+            for (const Probe &probe : probes) {
+                if (session.interrupt.requested()) {
+                    return Ending::Interrupted;
+                }
+                write(design, instance, path, probe, writer);
+                writer.tick();
+            }
         }
         return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
     }
 
-    void meet(Design &design, IVDBInstance &instance, IVDBNetBase &net, ResultWriter &writer)
+    /// What of @p module is to be shown. Lives as long as the command.
+    const std::vector<Probe> &probesOf(Design &design, IVDBNetlist &module)
     {
-        if (!net.isSelectableForDebugger() || !m_kinds.has(net.getItemType())) {
-            return;
+        const auto [probes, isNew] = m_probes.try_emplace(&module);
+        if (isNew && !design.isBlackBox(module)) {
+            probes->second = tool::probesOf(design, module);
+            const auto end = std::remove_if(probes->second.begin(), probes->second.end(), [&](const Probe &probe) {
+                return !(m_all || probe.declared) || !m_kinds.has(probe.isBus ? ITEM_NET_BUS : ITEM_NET);
+            });
+            probes->second.erase(end, probes->second.end());
         }
+        return probes->second;
+    }
+
+    void write(Design &design, IVDBInstance &instance, const std::string &prefix, const Probe &probe,
+               ResultWriter &writer)
+    {
         m_found = true;
-        findClocks(design, instance, net, m_clocks);
-        const std::string path = m_path + net.getName();
-        const IVDBLineInfo *source = net.getLineInfo();
-        const std::string shown = sourceText(source, m_directory);
-        writer.row({std::string_view(net.getItemType() == ITEM_NET_BUS ? "bus" : "net"), std::string_view(path),
-                    std::uint64_t(net.getWidth()), &m_clocks, std::string_view(shown), net.isUserDeclared(),
-                    fileOf(source), lineOf(source)});
+        findClocks(design, instance, probe.bits, m_clocks);
+        const std::string path = prefix + probe.name;
+        const std::string shown = sourceText(probe.source, m_directory);
+        std::vector<std::string> aliases = probe.aliases;
+        for (std::string &alias : aliases) {
+            alias.insert(0, prefix);
+        }
+        writer.row({std::string_view(probe.isBus ? "bus" : "net"), std::string_view(path), probe.width, &m_clocks,
+                    std::string_view(shown), probe.declared, fileOf(probe.source), lineOf(probe.source), &aliases,
+                    &probe.sources});
     }
 
     bool m_all = false;
     std::string m_from;
     Kinds m_kinds;
     bool m_found = false;
-    bool m_inside = true; ///< of a module of the design
-    std::string m_path;   ///< in front of the names of the nets that follow
+    std::unordered_map<const IVDBNetlist *, std::vector<Probe>> m_probes;
     std::vector<std::string> m_clocks;
     std::string m_directory = workingDirectory();
 };

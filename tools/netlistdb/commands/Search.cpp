@@ -5,7 +5,9 @@
 #include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
+#include "design/ItemFacts.h"
 #include "design/NamePattern.h"
+#include "design/OtherNameHits.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
 #include "design/SourceText.h"
@@ -73,18 +75,24 @@ class SearchCommand : public DesignCommand {
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "search";
-        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}, {"pattern", m_own.front()}};
+        head.facts = {
+            {"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}, {"pattern", m_own.front()}};
         head.columns = {{"kind", "KIND", Look::Dim, false, 8},
                         {"width", "WIDTH", Look::Plain, true, 5},
-                        {"path", "PATH"},
+                        {nullptr, "PATH"},
+                        {"path", nullptr},
                         {"module", nullptr},
+                        {"user_module", nullptr},
                         {"user_declared", nullptr},
                         {"file", nullptr},
-                        {"line", nullptr}};
+                        {"line", nullptr},
+                        {"matched", nullptr},
+                        {"aliases", nullptr},
+                        {"sources", nullptr},
+                        {"attributes", nullptr}};
         writer->begin(head);
         SearchResults results(design->database().search(m_param));
-        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        const Ending ending = walk(results, pattern, *writer, session);
+        const Ending ending = walk(*design, results, pattern, *writer, session);
         session.stats.end();
         const int exitCode = session.finish(*writer, m_found > 0, ending);
         if (exitCode == EXIT_NOTHING_FOUND) {
@@ -110,10 +118,29 @@ class SearchCommand : public DesignCommand {
         return m_glob ? "; --glob matches whole names, and '**' any number of levels" : "";
     }
 
-    Ending walk(SearchResults &results, const NamePattern &pattern, ResultWriter &writer, Session &session)
+    Ending walk(Design &design, SearchResults &results, const NamePattern &pattern, ResultWriter &writer,
+                Session &session)
     {
-        while (!session.interrupt.requested() && results.next()) {
-            meet(*results.getCurrent(), pattern, writer);
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
+        OtherNameHits others(design, pattern, m_param.userNetsOnly);
+        for (;;) {
+            IVDBItem *item = !session.interrupt.requested() && results.next() ? results.getCurrent() : nullptr;
+            // Hits by other names stand between the buses and the nets of their instance.
+            if (item == nullptr || item->getItemType() != ITEM_NET_BUS) {
+                for (const OtherNameHit &hit : others.take()) {
+                    if (!m_kinds.has(kindOf(hit))) {
+                        continue;
+                    }
+                    write(design, writer, hit);
+                    if (m_found == m_limit) {
+                        return Ending::Limit;
+                    }
+                }
+            }
+            if (item == nullptr) {
+                break;
+            }
+            meet(design, *item, others, pattern, writer);
             if (m_found == m_limit) {
                 return Ending::Limit;
             }
@@ -122,37 +149,92 @@ class SearchCommand : public DesignCommand {
         return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
     }
 
-    void meet(IVDBItem &item, const NamePattern &pattern, ResultWriter &writer)
+    /// Instances come along as the context of their nets, whether they match or not.
+    void meet(Design &design, IVDBItem &item, OtherNameHits &others, const NamePattern &pattern, ResultWriter &writer)
     {
         if (item.getItemType() == ITEM_INSTANCE) {
-            auto &instance = static_cast<IVDBInstance &>(item);
-            m_name = instance.getPath();
-            m_pathLength = m_name.empty() ? 0 : m_name.size() + 1;
-            if (!m_name.empty() && m_kinds.has(ITEM_INSTANCE) && pattern.matches(m_name)) {
-                write(writer, "instance", {}, std::string_view(instance.getModule()->getName()),
-                      instance.getModule()->isUserDeclared(), instance.getModule()->getLineInfo());
+            m_instance = static_cast<IVDBInstance *>(&item);
+            m_path = m_instance->getPath();
+            if (!m_path.empty() && m_kinds.has(ITEM_INSTANCE) && pattern.matches(m_path)) {
+                writeInstance(design, writer);
             }
-            m_name += m_name.empty() ? "" : "/";
+            m_prefix = m_path + (m_path.empty() ? "" : "/");
+            others.enter(*m_instance, m_prefix);
             return;
         }
         if (!m_kinds.has(item.getItemType())) {
             return;
         }
         auto &net = static_cast<IVDBNetBase &>(item);
-        m_name.resize(m_pathLength);
-        m_name += net.getName();
-        if (pattern.matches(m_name)) {
-            write(writer, item.getItemType() == ITEM_NET_BUS ? "bus" : "net", std::uint64_t(net.getWidth()), {},
-                  net.isUserDeclared(), net.getLineInfo());
+        m_name.assign(m_prefix).append(net.getName());
+        if (pattern.matches(m_name) && !others.covers(net)) {
+            OtherNameHit hit;
+            hit.item = &net;
+            write(design, writer, hit);
         }
     }
 
-    void write(ResultWriter &writer, const char *kind, Value width, Value module, bool userDeclared,
-               const IVDBLineInfo *source)
+    void writeInstance(Design &design, ResultWriter &writer)
     {
         ++m_found;
-        writer.row({std::string_view(kind), width, std::string_view(m_name), module, userDeclared, fileOf(source),
-                    lineOf(source)});
+        ItemFacts facts;
+        if (!writer.isTable()) {
+            facts = design.factsOf(*m_instance);
+        }
+        IVDBNetlist &module = *m_instance->getModule();
+        writer.row({std::string_view("instance"),
+                    {},
+                    std::string_view(m_path),
+                    std::string_view(m_path),
+                    std::string_view(module.getName()),
+                    std::string_view(design.nameOf(module)),
+                    module.isUserDeclared(),
+                    facts.fileValue(),
+                    facts.lineValue(),
+                    {},
+                    &facts.aliases,
+                    &facts.sources,
+                    &facts.attributes});
+    }
+
+    static std::uint32_t kindOf(const OtherNameHit &hit)
+    {
+        if (hit.item != nullptr) {
+            return hit.item->getItemType();
+        }
+        return hit.signal->isVector ? ITEM_NET_BUS : ITEM_NET;
+    }
+
+    void write(Design &design, ResultWriter &writer, const OtherNameHit &hit)
+    {
+        ++m_found;
+        const std::string path = m_prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
+        const std::string matched = hit.matched.empty() ? "" : m_prefix + hit.matched;
+        const std::string shown = matched.empty() ? path : path + " (= " + matched + ")";
+        ItemFacts facts;
+        if (!writer.isTable()) {
+            facts = hit.item != nullptr ? factsOf(design.names(*m_instance->getModule()), *hit.item)
+                                        : factsOf(design.names(*m_instance->getModule()), *hit.signal);
+            for (std::string &alias : facts.aliases) {
+                alias.insert(0, m_prefix);
+            }
+        }
+        const IVDBLineInfo *source = hit.item != nullptr ? hit.item->getLineInfo() : hit.source;
+        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.declared;
+        const std::uint64_t width = hit.item != nullptr ? hit.item->getWidth() : hit.signal->bits.size();
+        writer.row({std::string_view(kindOf(hit) == ITEM_NET_BUS ? "bus" : "net"),
+                    width,
+                    std::string_view(shown),
+                    std::string_view(path),
+                    {},
+                    {},
+                    declared,
+                    fileOf(source),
+                    lineOf(source),
+                    matched.empty() ? Value() : std::string_view(matched),
+                    &facts.aliases,
+                    &facts.sources,
+                    &facts.attributes});
     }
 
     bool m_regex = false;
@@ -165,8 +247,10 @@ class SearchCommand : public DesignCommand {
     VDBSearchParam m_param;
 
     std::uint64_t m_found = 0;
-    std::string m_name;           ///< full name of the item at hand, in one buffer for all
-    std::size_t m_pathLength = 0; ///< of the start of m_name that the nets of an instance share
+    IVDBInstance *m_instance = nullptr; ///< whose nets follow
+    std::string m_path;                 ///< of that instance
+    std::string m_prefix;               ///< in front of the names of its nets
+    std::string m_name;                 ///< full name of the net at hand, in one buffer for all
 };
 
 } // namespace

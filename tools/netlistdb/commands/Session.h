@@ -29,8 +29,8 @@ class Session {
     /// How the design is to be read, as the options have it. Uses this session.
     Reading reading()
     {
-        return {options.form, options.top, options.cells, options.verilog, options.maxInstances,
-                progress,     stats,       interrupt,     m_notes};
+        return {options.form,         options.top, options.cells, options.sourceRoot, options.verilog,
+                options.maxInstances, progress,    stats,         interrupt,          m_notes};
     }
     std::unique_ptr<ResultWriter> makeWriter();
     /// Ends the result: hands everything on, and returns the exit code. Says so on standard error when the result is

@@ -54,12 +54,13 @@ class TreeCommand : public DesignCommand {
         session.stats.begin("show");
         ResultHead head;
         head.command = "tree";
-        head.facts = {{"top", design->top().getName()}, {"form", nameOf(design->form())}};
+        head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
         head.columns = {{"depth", nullptr},
                         {nullptr, "INSTANCE"},
                         {"path", nullptr},
                         {"name", nullptr},
-                        {"module", "MODULE", Look::Name},
+                        {"module", nullptr},
+                        {"user_module", "MODULE", Look::Name},
                         {"library", "LIBRARY", Look::Dim},
                         {"user_declared", nullptr}};
         if (m_clocks) {
@@ -85,17 +86,14 @@ class TreeCommand : public DesignCommand {
             }
             IVDBInstance &instance = *walk.instance();
             IVDBNetlist &module = *instance.getModule();
-            const std::string &shown = walk.path().empty() ? module.getName()
+            const std::string &shown = walk.path().empty() ? design.nameOf(module)
                                        : walk.depth() == 0 ? walk.path()
                                                            : instance.getName();
             const std::string drawing = writer.isTable() ? drawn(walk, shown) : std::string();
-            Row row = {std::uint64_t(walk.depth()),
-                       std::string_view(drawing),
-                       std::string_view(walk.path()),
-                       std::string_view(instance.getName()),
-                       std::string_view(module.getName()),
-                       std::string_view(module.GetLibName()),
-                       module.isUserDeclared()};
+            Row row = {std::uint64_t(walk.depth()),           std::string_view(drawing),
+                       std::string_view(walk.path()),         std::string_view(instance.getName()),
+                       std::string_view(module.getName()),    std::string_view(design.nameOf(module)),
+                       std::string_view(module.GetLibName()), module.isUserDeclared()};
             if (m_clocks) {
                 const auto found = m_domains.find(&instance);
                 row.emplace_back(found != m_domains.end() ? &found->second : &NONE);

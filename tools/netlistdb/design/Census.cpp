@@ -1,10 +1,10 @@
 #include "design/Census.h"
 
 #include "base/Interrupt.h"
+#include "design/Design.h"
 #include "design/InstanceWalk.h"
 
 #include <netlistdb/netlistdb.h>
-#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -34,13 +34,14 @@ Contents contentsOf(IVDBNetlist &module)
 
 bool drivesConstant(IVDBNetlist &module)
 {
-    static const std::set<std::string> CONSTANTS = {"$gnd", "$pwr", "$x", "$z"};
-    return module.GetLibName() == "Primitives" && CONSTANTS.count(module.getName()) != 0;
+    return module.GetLibName() == "Constants";
 }
 
 /// Counts while a walk meets the instances.
 class Counter {
   public:
+    explicit Counter(Design &design) : m_design(design) {}
+
     void meet(IVDBInstance &instance, std::size_t depth)
     {
         const bool userDeclared = instance.getModule()->isUserDeclared();
@@ -70,6 +71,7 @@ class Counter {
         if (isNew) {
             m_census.modules.emplace_back();
             m_census.modules.back().name = netlist.getName();
+            m_census.modules.back().userName = m_design.nameOf(netlist);
             m_census.modules.back().library = netlist.GetLibName();
             m_census.modules.back().userDeclared = netlist.isUserDeclared();
             m_census.modules.back().constant = drivesConstant(netlist);
@@ -86,6 +88,7 @@ class Counter {
         }
     }
 
+    Design &m_design;
     Census m_census;
     std::unordered_map<IVDBNetlist *, Definition> m_definitions;
     std::map<std::pair<std::string, std::string>, std::size_t> m_modules;
@@ -102,10 +105,10 @@ void Contents::add(const Contents &other, std::uint64_t times)
     ports += other.ports * times;
 }
 
-Census takeCensus(IVDBInstance &root, const Interrupt &interrupt)
+Census takeCensus(Design &design, const Interrupt &interrupt)
 {
-    Counter counter;
-    for (InstanceWalk walk(root); walk.instance() != nullptr; walk.next()) {
+    Counter counter(design);
+    for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
         interrupt.check();
         counter.meet(*walk.instance(), walk.depth());
     }

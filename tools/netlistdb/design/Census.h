@@ -5,13 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace kvr::netlistdb {
-class IVDBInstance;
-class IVDBNetlist;
-} // namespace kvr::netlistdb
-
 namespace kvr::netlistdb::tool {
 
+class Design;
 class Interrupt;
 
 /// How many there are of something, and how many of these the user declared.
@@ -36,6 +32,7 @@ struct Contents {
 /// The definitions of one name in one library: user modules have one, operators one for each set of parameters.
 struct ModuleCensus {
     std::string name;
+    std::string userName; ///< what the user calls it
     std::string library;
     bool userDeclared = false;
     bool constant = false; ///< drives a constant; no cell in the eyes of a designer
@@ -55,8 +52,8 @@ struct Census {
     Contents unfolded;         ///< once for every instance
 };
 
-/// Counts everything below @p root.
+/// Counts everything in @p design.
 /// @throws Interrupted
-Census takeCensus(IVDBInstance &root, const Interrupt &interrupt);
+Census takeCensus(Design &design, const Interrupt &interrupt);
 
 } // namespace kvr::netlistdb::tool

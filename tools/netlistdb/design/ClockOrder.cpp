@@ -7,14 +7,14 @@
 
 namespace kvr::netlistdb::tool {
 
-std::vector<IClockDomain *> clocksInOrder(Design &design)
+std::vector<IClockDomain *> domainsInOrder(IVDBInstance &root, const std::vector<IClockDomain *> &domains)
 {
     std::unordered_map<IVDBInstance *, std::unordered_multimap<IVDBNet *, IClockDomain *>> remaining;
-    for (IClockDomain *domain : design.clockDomains()) {
+    for (IClockDomain *domain : domains) {
         remaining[domain->getInstance()].emplace(domain->getNet(), domain);
     }
     std::vector<IClockDomain *> ordered;
-    for (InstanceWalk walk(design.root()); walk.instance() != nullptr && !remaining.empty(); walk.next()) {
+    for (InstanceWalk walk(root); walk.instance() != nullptr && !remaining.empty(); walk.next()) {
         const auto found = remaining.find(walk.instance());
         if (found == remaining.end()) {
             continue;
@@ -35,7 +35,7 @@ std::vector<IClockDomain *> clocksInOrder(Design &design)
 ClocksByInstance clocksByInstance(Design &design)
 {
     ClocksByInstance clocks;
-    for (IClockDomain *domain : clocksInOrder(design)) {
+    for (IClockDomain *domain : design.clocks().clocks()) {
         clocks[domain->getInstance()].push_back(domain->getNet()->getName());
     }
     return clocks;

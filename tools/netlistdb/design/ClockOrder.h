@@ -13,11 +13,11 @@ namespace kvr::netlistdb::tool {
 
 class Design;
 
-/// The clock domains of @p design in the order of the netlist: by instance from the top down, then in the order of the
-/// module's nets, those of buses first. The database itself keeps them in no order that two runs share.
-std::vector<IClockDomain *> clocksInOrder(Design &design);
+/// @p domains in the order of the netlist: by instance from @p root down, then in the order of the module's nets, those
+/// of buses first. The database itself keeps them in no order that two runs share.
+std::vector<IClockDomain *> domainsInOrder(IVDBInstance &root, const std::vector<IClockDomain *> &domains);
 
-/// Names of the nets that begin a clock domain, by the instance they lie in, in the same order.
+/// Names of the nets that begin a clock of @p design, by the instance they lie in, in the same order.
 using ClocksByInstance = std::unordered_map<const IVDBInstance *, std::vector<std::string>>;
 ClocksByInstance clocksByInstance(Design &design);
 

@@ -2,6 +2,7 @@
 
 #include "base/Progress.h"
 #include "base/Stats.h"
+#include "design/ClockOrder.h"
 #include "design/InstanceLimit.h"
 
 #include <DataBase.h>
@@ -9,40 +10,10 @@
 
 namespace kvr::netlistdb::tool {
 
-namespace {
-
-/// Library and name of every black box in the hierarchy of @p netlist. Asked before the import, which does not record
-/// it.
-std::set<std::pair<std::string, std::string>> blackBoxesOf(const Verific::Netlist &netlist)
-{
-    std::set<std::pair<std::string, std::string>> names;
-    Verific::Set hierarchy(Verific::POINTER_HASH);
-    netlist.Hierarchy(hierarchy, 1);
-    Verific::SetIter si;
-    const Verific::Netlist *each = nullptr;
-    FOREACH_SET_ITEM (&hierarchy, si, &each) {
-        const Verific::Cell *cell = each->Owner();
-        if (each->IsBlackBox() && cell != nullptr && cell->Owner() != nullptr) {
-            const char *library = cell->Owner()->Name();
-            const char *name = cell->Name();
-            names.emplace(library != nullptr ? library : "", name != nullptr ? name : "");
-        }
-    }
-    return names;
-}
-
-} // namespace
-
-Design::Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes,
-               DeviceCensus devices)
-    : m_name(std::move(name)), m_form(form), m_blackBoxes(std::move(blackBoxes)), m_devices(std::move(devices)),
+Design::Design(std::string name, Form form, Clocks clocks, const Verific::Netlist &netlist)
+    : m_name(std::move(name)), m_form(form), m_sources(netlist), m_devices(takeDeviceCensus(netlist, form)),
       m_database(std::make_unique<DesignDatabase>(clocks == Clocks::Yes))
 {
-}
-
-bool Design::isBlackBox(const IVDBNetlist &module) const
-{
-    return m_blackBoxes.count({module.GetLibName(), module.getName()}) != 0;
 }
 
 Design::~Design()
@@ -61,14 +32,41 @@ IVDBInstance &Design::root()
     return *m_database->getRoot(type());
 }
 
-IClockDomain *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
+ModuleNames &Design::names(IVDBNetlist &module)
 {
-    return m_database->findDrivingClockDomains(&instance, &net, type());
+    std::unique_ptr<ModuleNames> &names = m_names[&module];
+    if (names == nullptr) {
+        names = std::make_unique<ModuleNames>(module, m_sources.of(module));
+    }
+    return *names;
 }
 
-std::vector<IClockDomain *> Design::clockDomains() const
+const std::string &Design::nameOf(const IVDBNetlist &module)
 {
-    return m_database->listAllClockDomains(type());
+    const auto [name, isNew] = m_moduleNames.try_emplace(&module);
+    if (isNew) {
+        name->second = m_sources.userNameOf(module);
+    }
+    return name->second;
+}
+
+ItemFacts Design::factsOf(const IVDBInstance &instance) const
+{
+    return tool::factsOf(m_sources.of(instance));
+}
+
+IClockDomain *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
+{
+    return clocks().of(m_database->findDrivingClockDomains(&instance, &net, type()));
+}
+
+const ClockWires &Design::clocks()
+{
+    if (m_clocks == nullptr) {
+        m_clocks =
+            std::make_unique<ClockWires>(m_sources, domainsInOrder(root(), m_database->listAllClockDomains(type())));
+    }
+    return *m_clocks;
 }
 
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
@@ -77,8 +75,7 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     limitInstances(source, reading.maxInstances);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
-    auto design = std::make_unique<Design>(source.name, source.form, clocks, blackBoxesOf(*source.netlist),
-                                           takeDeviceCensus(*source.netlist, source.form));
+    auto design = std::make_unique<Design>(source.name, source.form, clocks, *source.netlist);
     bool whole = false;
     try {
         whole = source.form == Form::PostMap ? design->database().parsePostMapNetlist(source.netlist)
@@ -95,8 +92,6 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);
     }
-    // The database works on a copy of its own.
-    delete source.netlist;
     reading.progress.clear();
     return design;
 }

@@ -1,15 +1,18 @@
 #pragma once
 
 #include "base/Failure.h"
+#include "design/ClockWires.h"
 #include "design/DeviceCensus.h"
 #include "design/Form.h"
+#include "design/ItemFacts.h"
+#include "design/ModuleNames.h"
 #include "design/Reading.h"
+#include "design/SourceNetlists.h"
 
 #include <memory>
 #include <netlistdb/DesignDatabase.h>
-#include <set>
 #include <string>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace kvr::netlistdb::tool {
@@ -27,9 +30,8 @@ enum class Clocks { No, Yes };
 /// An imported design. Frees the netlist database with itself: one at a time in a process.
 class Design {
   public:
-    /// @p blackBoxes holds library and name of each.
-    Design(std::string name, Form form, Clocks clocks, std::set<std::pair<std::string, std::string>> blackBoxes,
-           DeviceCensus devices);
+    /// Keeps @p netlist, from which the database is to be filled, for what the database does not tell.
+    Design(std::string name, Form form, Clocks clocks, const Verific::Netlist &netlist);
     ~Design();
     Design(const Design &) = delete;
     Design &operator=(const Design &) = delete;
@@ -40,20 +42,30 @@ class Design {
     DesignDatabase &database() { return *m_database; }
     IVDBNetlist &top();
     IVDBInstance &root();
-    /// The clock domain that drives @p net in @p instance, or null.
+    /// The clock that drives @p net in @p instance, or null: the one domain that stands for all on its wire.
     IClockDomain *clockOf(IVDBInstance &instance, IVDBNet &net);
-    std::vector<IClockDomain *> clockDomains() const;
+    /// The clocks of the design. Found out at the first call of this or clockOf().
+    const ClockWires &clocks();
     /// True for a cell whose insides are not part of the design; what it has of nets are its pins.
-    bool isBlackBox(const IVDBNetlist &module) const;
+    bool isBlackBox(const IVDBNetlist &module) const { return m_sources.isBlackBox(module); }
+    /// What the nets of @p module are called.
+    ModuleNames &names(IVDBNetlist &module);
+    /// What the user calls @p module: with its parameters, when it was derived with any.
+    const std::string &nameOf(const IVDBNetlist &module);
+    /// What the netlist keeps of @p instance.
+    ItemFacts factsOf(const IVDBInstance &instance) const;
 
   private:
     IDesignDatabase::SOURCE_TYPE type() const { return static_cast<IDesignDatabase::SOURCE_TYPE>(m_form); }
 
     std::string m_name;
     Form m_form;
-    std::set<std::pair<std::string, std::string>> m_blackBoxes;
+    SourceNetlists m_sources;
     DeviceCensus m_devices;
     std::unique_ptr<DesignDatabase> m_database;
+    std::unique_ptr<ClockWires> m_clocks;
+    std::unordered_map<const IVDBNetlist *, std::unique_ptr<ModuleNames>> m_names;
+    std::unordered_map<const IVDBNetlist *, std::string> m_moduleNames;
 };
 
 /// Reads @p files: one Yosys JSON netlist, one saved netlist, or Verilog sources.

@@ -26,9 +26,11 @@ class NamePattern {
     NamePattern &operator=(const NamePattern &) = delete;
 
     bool matches(std::string_view fullName) const;
+    /// The pattern as it was given.
+    const std::string &text() const { return m_text; }
 
   private:
-    std::string m_text; ///< looked for as it stands when there is no expression
+    std::string m_text;
     bool m_isWhole;
     std::unique_ptr<const re2::RE2> m_characters; ///< for names in UTF-8; null when the pattern itself is not
     std::unique_ptr<const re2::RE2> m_bytes;      ///< for other names; null for plain text

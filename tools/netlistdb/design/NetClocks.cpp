@@ -19,14 +19,11 @@ void addClock(Design &design, IVDBInstance &instance, IVDBNet &net, std::vector<
 
 } // namespace
 
-void findClocks(Design &design, IVDBInstance &instance, IVDBItem &item, std::vector<std::string> &clocks)
+void findClocks(Design &design, IVDBInstance &instance, const std::vector<IVDBNet *> &nets,
+                std::vector<std::string> &clocks)
 {
     clocks.clear();
-    if (item.getItemType() == ITEM_NET) {
-        addClock(design, instance, static_cast<IVDBNet &>(item), clocks);
-        return;
-    }
-    for (IVDBNet *net : static_cast<IVDBNetBus &>(item).getNets()) {
+    for (IVDBNet *net : nets) {
         addClock(design, instance, *net, clocks);
     }
 }

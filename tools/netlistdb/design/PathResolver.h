@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -8,10 +7,7 @@
 
 namespace kvr::netlistdb {
 class IVDBInstance;
-class IVDBItem;
 class IVDBNet;
-class IVDBNetBus;
-class IVDBNetlist;
 } // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::tool {
@@ -22,16 +18,16 @@ class Design;
 class PathResolver {
   public:
     explicit PathResolver(Design &design);
-    ~PathResolver();
 
-    /// A net seen in an instance.
+    /// A net seen in an instance, by whichever of its names.
     struct Bit {
         IVDBInstance *instance;
-        IVDBNet *net;
+        IVDBNet *net;     ///< null for a bit that is tied to a constant without a net
+        std::string name; ///< full name by which it was asked for
     };
 
-    /// The net that @p path names, or every bit of the bus that it names; also `bus[index]` for a bit of a bus with a
-    /// name of its own.
+    /// The net that @p path names by any of its names, or every bit of the bus or vector that it names, from left to
+    /// right; also `bus[index]` and `bus[from:to]`.
     /// @throws Failure with the nearest names when there is none.
     std::vector<Bit> nets(const std::string &path);
     /// The instance that @p path names; "." or "/" is the top.
@@ -43,7 +39,6 @@ class PathResolver {
     bool isInstanceOnly(const std::string &path);
 
   private:
-    struct ModuleNames;
     struct Children {
         std::unordered_map<std::string_view, std::vector<IVDBInstance *>> byName;
         std::size_t longestName = 0;
@@ -54,7 +49,6 @@ class PathResolver {
         std::size_t rest;
     };
 
-    const ModuleNames &namesOf(IVDBNetlist &module);
     const Children &childrenOf(IVDBInstance &instance);
     std::vector<Beginning> beginnings(std::string_view path);
     std::vector<Bit> findNets(std::string_view path);
@@ -65,7 +59,6 @@ class PathResolver {
     std::vector<std::string> elsewhere(std::string_view name, bool instancesOnly);
 
     Design &m_design;
-    std::unordered_map<IVDBNetlist *, std::unique_ptr<ModuleNames>> m_modules;
     std::unordered_map<IVDBInstance *, Children> m_children;
 };
 

@@ -198,6 +198,7 @@ SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &
     for (const std::string &file : files) {
         checkReadable(file);
     }
+    Verific::LineFile::SetRoot(reading.sourceRoot.c_str());
     reading.stats.begin("read");
     SourceNetlist source;
     if (reading.verilog.given() || isVerilogName(files.front())) {

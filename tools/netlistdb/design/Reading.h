@@ -19,6 +19,7 @@ struct Reading {
     std::optional<Form> form;            ///< found out from the netlist when not given
     std::string top;                     ///< empty: found out from the netlist
     std::vector<std::string> cellTables; ///< tables of cells, or Verilog models to derive them from
+    std::string sourceRoot;              ///< where relative source paths begin; empty: the working directory
     const VerilogOptions &verilog;
     std::uint64_t maxInstances; ///< what the unfolded design may hold
     Progress &progress;

@@ -15,6 +15,14 @@ struct Converter {
     Json operator()(std::uint64_t value) const { return value; }
     Json operator()(std::string_view value) const { return value; }
     Json operator()(const std::vector<std::string> *value) const { return *value; }
+    Json operator()(const std::vector<std::pair<std::string, std::string>> *value) const
+    {
+        Json object = Json::object();
+        for (const auto &[key, each] : *value) {
+            object[key] = each;
+        }
+        return object;
+    }
 };
 
 Json convert(const Value &value)

@@ -3,13 +3,15 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
 namespace kvr::netlistdb::tool {
 
 /// One field of a result. Texts and lists are not owned: they must live until the row has been written.
-using Value = std::variant<std::monostate, bool, std::uint64_t, std::string_view, const std::vector<std::string> *>;
+using Value = std::variant<std::monostate, bool, std::uint64_t, std::string_view, const std::vector<std::string> *,
+                           const std::vector<std::pair<std::string, std::string>> *>;
 
 /// One result: a value for each column.
 using Row = std::vector<Value>;

@@ -16,6 +16,14 @@ struct Texter {
     {
         return fmt::to_string(fmt::join(*value, " "));
     }
+    std::string operator()(const std::vector<std::pair<std::string, std::string>> *value) const
+    {
+        std::string text;
+        for (const auto &[key, each] : *value) {
+            text += fmt::format("{}{}={}", text.empty() ? "" : " ", key, each);
+        }
+        return text;
+    }
 };
 
 } // namespace

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kvr::netlistdb::yosys {
+
+/// Attribute of a netlist that was derived from a module with parameters: what the user would call it,
+/// `fifo(DEPTH=16,WIDTH=8)`. The cell keeps the name that the file gives it.
+constexpr const char *USER_MODULE = "netlistdb.module";
+
+/// What the user wrote for a module that has a generated name.
+struct UserModuleName {
+    std::string module; ///< empty for modules that bear the user's name anyway
+    std::string text;   ///< with its parameters
+};
+
+/// Takes apart `$paramod\module\NAME=value…` or `$paramod$hash\module`. The second form tells no parameters;
+/// @p parameters, those of the module as the file lists them, stand for them.
+UserModuleName userModuleName(std::string_view name,
+                              const std::vector<std::pair<std::string, std::string>> &parameters);
+
+} // namespace kvr::netlistdb::yosys

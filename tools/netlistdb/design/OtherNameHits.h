@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace kvr::netlistdb {
+class IVDBInstance;
+class IVDBLineInfo;
+class IVDBNetBase;
+} // namespace kvr::netlistdb
+
+namespace kvr::netlistdb::tool {
+
+class Design;
+class ModuleNames;
+class NamePattern;
+struct OtherSignal;
+
+/// A net or bus that a search found, or a vector or constant that is none.
+struct OtherNameHit {
+    IVDBNetBase *item = nullptr;          ///< the net or bus; null: what the signal names
+    const OtherSignal *signal = nullptr;  ///< where there is no item
+    std::string matched;                  ///< the name by which it was found when that is not its own
+    const IVDBLineInfo *source = nullptr; ///< of a signal
+    bool declared = false;                ///< of a signal
+};
+
+/// Finds, in the instances that a search meets, what the pattern matches by another name than that of a net or bus.
+class OtherNameHits {
+  public:
+    /// @p design and @p pattern must outlive the object. With @p declaredOnly, what no user declared is left out.
+    OtherNameHits(Design &design, const NamePattern &pattern, bool declaredOnly)
+        : m_design(design), m_pattern(pattern), m_declaredOnly(declaredOnly)
+    {
+    }
+
+    /// Looks through the names in @p instance; @p prefix stands in front of them.
+    void enter(IVDBInstance &instance, const std::string &prefix);
+    /// Hands out the hits in the instance, once.
+    std::vector<OtherNameHit> take();
+    /// True when @p item, of the same instance, belongs to a vector that is a hit as a whole.
+    bool covers(IVDBNetBase &item);
+
+  private:
+    bool isFoundAsNamed(const OtherSignal &other);
+    void addVector(const OtherSignal &vector);
+    void addItem(IVDBNetBase &item, const std::string &name);
+    bool matches(const std::string &name);
+
+    Design &m_design;
+    const NamePattern &m_pattern;
+    bool m_declaredOnly;
+    ModuleNames *m_names = nullptr;
+    std::string m_prefix;
+    std::string m_fullName;
+    std::vector<OtherNameHit> m_hits;
+    std::unordered_set<const OtherSignal *> m_vectors;
+    std::unordered_set<const IVDBNetBase *> m_items;
+};
+
+} // namespace kvr::netlistdb::tool

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kvr::netlistdb {
+class IVDBLineInfo;
+class IVDBNet;
+class IVDBNetlist;
+} // namespace kvr::netlistdb
+
+namespace kvr::netlistdb::tool {
+
+class Design;
+
+/// Something in a module that an on-chip debugger may probe: a net, or a vector as the user declared it, also when some
+/// of its bits bear other names.
+struct Probe {
+    std::string name;
+    bool isBus = false;
+    std::uint64_t width = 1;
+    bool declared = false; ///< by the user
+    const IVDBLineInfo *source = nullptr;
+    std::vector<IVDBNet *> bits; ///< bits that are tied to constants have none
+    std::vector<std::string> aliases;
+    std::vector<std::string> sources; ///< all that is known of where it comes from, as the netlist has it
+};
+
+/// The probes of @p module: buses, then vectors of which some bits bear other names, then nets, in the order of the
+/// netlist. Every net that may be probed is in one of them.
+std::vector<Probe> probesOf(Design &design, IVDBNetlist &module);
+
+} // namespace kvr::netlistdb::tool

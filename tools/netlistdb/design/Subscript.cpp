@@ -1,0 +1,52 @@
+#include "design/Subscript.h"
+
+#include <charconv>
+
+namespace kvr::netlistdb::tool {
+
+namespace {
+
+bool readIndex(std::string_view text, int &index)
+{
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), index);
+    return error == std::errc() && stop == text.data() + text.size();
+}
+
+} // namespace
+
+std::size_t subscriptOf(std::string_view name)
+{
+    std::string_view vector;
+    int from = 0;
+    int to = 0;
+    return takeRange(name, vector, from, to) ? vector.size() : std::string_view::npos;
+}
+
+bool takeSubscript(std::string_view name, std::string_view &vector, int &index)
+{
+    const std::size_t open = name.rfind('[');
+    if (open == std::string_view::npos || name.back() != ']') {
+        return false;
+    }
+    vector = name.substr(0, open);
+    return readIndex(name.substr(open + 1, name.size() - open - 2), index);
+}
+
+bool takeRange(std::string_view name, std::string_view &vector, int &from, int &to)
+{
+    if (takeSubscript(name, vector, from)) {
+        to = from;
+        return true;
+    }
+    const std::size_t open = name.rfind('[');
+    if (open == std::string_view::npos || name.back() != ']') {
+        return false;
+    }
+    vector = name.substr(0, open);
+    const std::string_view range = name.substr(open + 1, name.size() - open - 2);
+    const std::size_t colon = range.find(':');
+    return colon != std::string_view::npos && readIndex(range.substr(0, colon), from) &&
+           readIndex(range.substr(colon + 1), to);
+}
+
+} // namespace kvr::netlistdb::tool
