@@ -27,6 +27,9 @@ class CellModels {
     std::size_t size() const { return m_models.size(); }
     /// Whether instances of @p view are leaves: nothing is known of their inside, or nothing needs to be.
     static bool isLeaf(const Verific::Netlist *view);
+    /// A cell that was read as several instances, one for each of its clocks: the first of them, which has the cell's
+    /// name, parameters and inputs, when @p instance is one of the others. Otherwise null.
+    static const Verific::Instance *firstPartOf(const Verific::Instance &instance);
     /// Forgets what only modelOf() needs.
     void finish();
     std::size_t memory() const;

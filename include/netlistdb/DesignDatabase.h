@@ -8,6 +8,11 @@
 #include <utility>
 #include <vector>
 
+namespace Verific {
+class Instance;
+class Net;
+} // namespace Verific
+
 namespace kvr::netlistdb {
 
 class VDBObjectPool;
@@ -106,6 +111,19 @@ class NETLISTDB_EXPORT DesignDatabase : public IDesignDatabase {
     std::vector<std::pair<IVDBInstance *, IClockDomain *>> elaboratedInstanceCache() const;
     /// The kept working copy of a source, or null. Owned by the database.
     Verific::Netlist *workingCopy(SOURCE_TYPE type) const;
+
+    // For analyses that read the working copy beside the items. All return null for what is not known, and without
+    // keepSourceNetlists. Constant time.
+
+    /// The item that was made from a net of the working copy or of a netlist below it.
+    IVDBNet *netItem(const Verific::Net *net, SOURCE_TYPE type) const;
+    /// The net that an item of the source was made from.
+    const Verific::Net *sourceNet(const IVDBNet *net, SOURCE_TYPE type) const;
+    /// The instance that an item of the source was made from; null for the root.
+    const Verific::Instance *sourceInstance(const IVDBInstance *inst, SOURCE_TYPE type) const;
+    /// Changes whenever items of the source are made or deleted: what was found out about them holds as long as this
+    /// stays the same. 0 for an unknown type.
+    std::uint64_t generation(SOURCE_TYPE type) const;
 
   private:
     struct State;

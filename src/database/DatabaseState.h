@@ -9,6 +9,7 @@
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNetlist.h>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct Source {
     std::unique_ptr<IVDBInstance> root;
     std::vector<std::unique_ptr<IVDBNetlist>> netlists;
     VDBObjectPool pool;
+    std::uint64_t generation = 1; ///< raised by everything that makes or deletes items
 
     // What an import without reset replaced: alive until the database is destroyed.
     std::vector<std::unique_ptr<IVDBInstance>> replacedRoots;

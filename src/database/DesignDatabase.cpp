@@ -100,6 +100,30 @@ Verific::Netlist *DesignDatabase::workingCopy(SOURCE_TYPE type) const
     return asked != nullptr ? asked->workingCopy.get() : nullptr;
 }
 
+IVDBNet *DesignDatabase::netItem(const Verific::Net *net, SOURCE_TYPE type) const
+{
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->pool.find(net) : nullptr;
+}
+
+const Verific::Net *DesignDatabase::sourceNet(const IVDBNet *net, SOURCE_TYPE type) const
+{
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->pool.find(net) : nullptr;
+}
+
+const Verific::Instance *DesignDatabase::sourceInstance(const IVDBInstance *inst, SOURCE_TYPE type) const
+{
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->pool.find(inst) : nullptr;
+}
+
+std::uint64_t DesignDatabase::generation(SOURCE_TYPE type) const
+{
+    const Source *const asked = m_state->source(type);
+    return asked != nullptr ? asked->generation : 0;
+}
+
 std::vector<IVDBInstance *> DesignDatabase::getViewInstances(IVDBNetlist * /*netlist*/)
 {
     return {};

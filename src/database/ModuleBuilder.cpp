@@ -166,6 +166,7 @@ IVDBNetlist *DesignDatabase::buildNetlist(Verific::Netlist *netlist, bool elabor
 {
     const ImportGuard guard(m_state->clocks, m_state->importDepth);
     Source &source = elaborated ? m_state->elaborated : m_state->postMap;
+    ++source.generation;
     ModuleBuilder builder(source.pool, netlist, cellName, libraryName);
     builder.build();
     std::unique_ptr<IVDBNetlist> &place = source.netlists.emplace_back();

@@ -8,6 +8,7 @@ namespace kvr::netlistdb {
 
 void Source::makeWorkingCopy(const Verific::Netlist &netlist)
 {
+    ++generation;
     replacedCopies.reserve(replacedCopies.size() + 1);
     std::unique_ptr<Verific::Netlist> copy(netlist.Copy(nullptr));
     if (workingCopy != nullptr) {
@@ -18,6 +19,7 @@ void Source::makeWorkingCopy(const Verific::Netlist &netlist)
 
 VDBInstance &Source::makeRoot(IVDBNetlist *top)
 {
+    ++generation;
     replacedRoots.reserve(replacedRoots.size() + 1);
     auto made = std::make_unique<VDBInstance>(top, nullptr);
     if (root != nullptr) {
@@ -30,6 +32,7 @@ VDBInstance &Source::makeRoot(IVDBNetlist *top)
 
 void Source::reset()
 {
+    ++generation;
     workingCopy.reset();
     const IVDBNetlist *const top = topModule;
     topModule = nullptr;

@@ -1,0 +1,165 @@
+#include "analysis/CellModels.h"
+
+#include "analysis/DeviceCells.h"
+#include "analysis/WordCells.h"
+
+#include <DataBase.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace kvr::netlistdb::analysis {
+
+namespace {
+
+std::string_view typeOf(const Verific::Netlist &view)
+{
+    const char *const name = view.CellBaseName();
+    return name != nullptr ? std::string_view(name) : std::string_view();
+}
+
+std::vector<const char *> parametersOf(const Verific::Netlist &view)
+{
+    const std::string_view type = typeOf(view);
+    return !type.empty() && type.front() == '$' ? wordParameters() : deviceParameters(view);
+}
+
+/// The value on the pins B, when all of them are on constants.
+ConstantShift constantShift(const Verific::Instance &instance)
+{
+    const Verific::Netlist &view = *instance.View();
+    const Verific::PortBus *const bus = view.GetPortBus("B");
+    const Verific::Port *const only = bus == nullptr ? view.GetPort("B") : nullptr;
+    const unsigned width = bus != nullptr ? bus->Size() : only != nullptr ? 1 : 0;
+    const int low = bus != nullptr ? bus->RightIndex() : 0;
+    const int step = bus != nullptr && bus->IsUp() != 0 ? -1 : 1;
+    std::int64_t value = 0;
+    bool highest = false;
+    for (unsigned at = 0; at < width; ++at) {
+        const Verific::Port *const port =
+            bus != nullptr ? bus->ElementAtIndex(low + step * static_cast<int>(at)) : only;
+        const Verific::Net *const net = port != nullptr ? instance.GetNet(port) : nullptr;
+        if (net == nullptr || net->IsMultipleDriven() != 0 || (net->IsPwr() == 0 && net->IsGnd() == 0)) {
+            return std::nullopt;
+        }
+        highest = net->IsPwr() != 0;
+        if (highest && at >= 40) {
+            value = std::int64_t{1} << 40; // beyond any operand
+        } else if (highest) {
+            value |= std::int64_t{1} << at;
+        }
+    }
+    const std::string_view type = typeOf(view);
+    const bool isSigned =
+        (type == "$shift" || type == "$shiftx") && isNonZero(parameterOf(instance, "B_SIGNED")) && highest;
+    if (isSigned) {
+        value -= width <= 40 ? std::int64_t{1} << width : value + (std::int64_t{1} << 40);
+    }
+    return width > 0 ? ConstantShift(value) : std::nullopt;
+}
+
+/// A cell that was read as several instances has its parameters on the first, `name`; the others are called
+/// `name:pin`.
+const Verific::Instance &withParameters(const Verific::Instance &instance)
+{
+    const Verific::Instance *const first = CellModels::firstPartOf(instance);
+    return first != nullptr ? *first : instance;
+}
+
+CellModel build(const Verific::Instance &instance, const Verific::Instance &named, const ConstantShift &shift)
+{
+    ModelBuilder cell(instance, named);
+    const std::string_view deviceCell = deviceCellName(instance);
+    const bool isWord = !cell.type().empty() && cell.type().front() == '$';
+    if (isWord && instance.View()->Type() != Verific::PRIM_PWR && instance.View()->Type() != Verific::PRIM_GND &&
+        instance.View()->Type() != Verific::PRIM_X && instance.View()->Type() != Verific::PRIM_Z &&
+        (instance.IsOperator() != 0 || instance.IsPrimitive() != 0)) {
+        if (!buildWordRegister(cell)) {
+            buildWordOperator(cell, shift);
+        }
+    } else if (!buildDescribedCell(cell) && !buildKvrCell(cell, deviceCell)) {
+        buildGenericCell(cell);
+    }
+    return cell.finish();
+}
+
+} // namespace
+
+const Verific::Instance *CellModels::firstPartOf(const Verific::Instance &instance)
+{
+    const char *const name = instance.Name();
+    const char *const colon = name != nullptr ? std::strrchr(name, ':') : nullptr;
+    if (colon == nullptr || instance.GetParameters() != nullptr || instance.Owner() == nullptr) {
+        return nullptr;
+    }
+    const Verific::Instance *const first = instance.Owner()->GetInst(std::string(name, colon).c_str());
+    const Verific::Netlist *const view = first != nullptr ? first->View() : nullptr;
+    return view != nullptr && instance.View() != nullptr && view->Owner() != nullptr &&
+                   view->Owner() == instance.View()->Owner()
+               ? first
+               : nullptr;
+}
+
+bool CellModels::isLeaf(const Verific::Netlist *view)
+{
+    if (view == nullptr || view->IsBlackBox() != 0 || view->IsOperator() != 0 || view->IsPrimitive() != 0 ||
+        view->IsRegister() != 0) {
+        return true;
+    }
+    const Verific::Library *const library = view->Owner() != nullptr ? view->Owner()->Owner() : nullptr;
+    const std::string_view name = library != nullptr && library->Name() != nullptr ? library->Name() : "";
+    return name == "Operators" || name == "Primitives" ||
+           (view->GetInsts()->Size() == 0 && view->GetNets()->Size() == 0);
+}
+
+std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
+{
+    const Verific::Netlist *const view = instance.View();
+    const auto [found, isNew] = m_views.try_emplace(view);
+    View &known = found->second;
+    if (isNew && view != nullptr) {
+        known.parameters = parametersOf(*view);
+        known.shifts = isShift(typeOf(*view));
+    }
+    const std::string_view cellName = deviceCellName(instance);
+    const bool isPlain = known.parameters.empty() && !known.shifts;
+    if (isPlain && known.only != NONE && known.lastCellName == cellName) {
+        return known.only;
+    }
+    m_key.assign(cellName);
+    ConstantShift shift;
+    const Verific::Instance &named = isPlain ? instance : withParameters(instance);
+    for (const char *parameter : known.parameters) {
+        m_key.append(1, '\0').append(parameterOf(named, parameter));
+    }
+    if (known.shifts) {
+        shift = constantShift(instance);
+        m_key.append(1, '\0').append(shift ? std::to_string(*shift) : "");
+    }
+    auto variant = known.variants.find(m_key);
+    if (variant == known.variants.end()) {
+        m_models.push_back(view != nullptr ? build(instance, named, shift) : CellModel());
+        variant = known.variants.emplace(m_key, static_cast<std::uint32_t>(m_models.size()) - 1).first;
+    }
+    known.only = variant->second;
+    known.lastCellName = cellName;
+    return variant->second;
+}
+
+void CellModels::finish()
+{
+    m_views.clear();
+    m_key.clear();
+    m_key.shrink_to_fit();
+}
+
+std::size_t CellModels::memory() const
+{
+    std::size_t bytes = 0;
+    for (const CellModel &model : m_models) {
+        bytes += model.memory();
+    }
+    return bytes;
+}
+
+} // namespace kvr::netlistdb::analysis

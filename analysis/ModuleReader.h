@@ -1,0 +1,76 @@
+#pragma once
+
+#include "analysis/CellModels.h"
+#include "analysis/ModuleGraph.h"
+#include "analysis/PointerIndex.h"
+
+#include <netlistdb/IDesignDatabase.h>
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace Verific {
+class Instance;
+class Net;
+class Netlist;
+class Port;
+} // namespace Verific
+
+namespace kvr::netlistdb {
+class DesignDatabase;
+}
+
+namespace kvr::netlistdb::analysis {
+
+/// Numbers the contents of netlists.
+class ModuleReader {
+  public:
+    using ModuleNumbers = std::unordered_map<const Verific::Netlist *, std::uint32_t>;
+
+    /// @p modules: the number of every netlist that is a module with contents.
+    ModuleReader(const DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source, const ModuleNumbers &modules,
+                 CellModels &models)
+        : m_database(database), m_source(source), m_modules(modules), m_models(models)
+    {
+    }
+
+    /// Whether the analysis looks into @p instance.
+    static bool isModule(const Verific::Instance &instance);
+
+    /// Reads module @p number. A module that would contain itself is a black box there.
+    ModuleGraph read(const Verific::Netlist &netlist, std::uint32_t number);
+
+  private:
+    /// The ports of one view, in the order of their numbers.
+    struct PortNumbers {
+        std::vector<const Verific::Port *> ports;
+        PointerIndex index;
+        /// The number of @p port, for which @p guess is a guess.
+        std::uint32_t numberOf(const Verific::Port *port, std::uint32_t guess) const;
+    };
+
+    void readNets(const Verific::Netlist &netlist);
+    void readPorts(const Verific::Netlist &netlist);
+    void readCells(const Verific::Netlist &netlist);
+    void readCell(const Verific::Instance &instance);
+    /// Gives a part of a memory the clocks that write it, which are on the memory's first part.
+    void borrowWriteClocks(const Verific::Instance &instance, const CellModel &model, std::uint32_t firstPin);
+    void findSources();
+    const PortNumbers &portsOf(const Verific::Netlist &view);
+    std::uint32_t netOf(const Verific::Net *net) const { return m_netIndex.find(m_nets, net); }
+
+    const DesignDatabase &m_database;
+    IDesignDatabase::SOURCE_TYPE m_source;
+    const ModuleNumbers &m_modules;
+    CellModels &m_models;
+    std::unordered_map<const Verific::Netlist *, PortNumbers> m_ports;
+    const Verific::Netlist *m_lastView = nullptr;
+    const PortNumbers *m_lastPorts = nullptr;
+    std::vector<const Verific::Net *> m_nets;
+    PointerIndex m_netIndex;
+    ModuleGraph m_graph;
+    std::uint32_t m_number = 0;
+};
+
+} // namespace kvr::netlistdb::analysis
