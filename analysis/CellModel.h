@@ -69,6 +69,7 @@ struct CellModel {
 
     const Verific::Netlist *view = nullptr; ///< null: an instance without view
     CellKind kind = CellKind::BlackBox;
+    bool loadsAsynchronously = false;
     std::vector<Pin> pins;
     Lists<std::uint32_t> groups;             ///< input pins that together reach an output
     std::vector<std::uint32_t> groupOutputs; ///< number of outputs of each group
@@ -79,6 +80,8 @@ struct CellModel {
     bool isOpaque() const { return kind == CellKind::BlackBox || kind == CellKind::ClockGenerator; }
     /// True for a cell that clocks act on.
     bool isRegister() const { return !clocks.empty(); }
+    /// True for a cell that data passes through while it is enabled: a latch, a flip-flop with asynchronous load.
+    bool isTransparent() const { return kind == CellKind::Latch || loadsAsynchronously; }
     std::size_t memory() const;
 };
 

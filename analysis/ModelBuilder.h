@@ -44,6 +44,7 @@ class ModelBuilder {
     std::uint32_t pinOf(const Verific::Port *port) const;
 
     void setKind(CellKind kind) { m_model.kind = kind; }
+    void setLoadsAsynchronously() { m_model.loadsAsynchronously = true; }
     void setRole(const PinList &pins, PinRole role);
     void setRole(std::uint32_t pin, PinRole role) { m_model.pins[pin].role = role; }
     PinRole roleOf(std::uint32_t pin) const { return m_model.pins[pin].role; }

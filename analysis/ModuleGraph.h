@@ -101,6 +101,10 @@ class ModuleGraph {
     {
         return {m_pinNets.data() + m_firstPin[cell], m_pinNets.data() + m_firstPin[cell + 1]};
     }
+    /// Position of the first pin of @p cell among the pins of all cells.
+    std::uint32_t firstPinOf(std::uint32_t cell) const { return m_firstPin[cell]; }
+    /// Pins of all cells.
+    std::uint32_t pinCount() const { return m_firstPin.back(); }
     /// The pin at a position among all pins.
     CellPin pinAt(std::uint32_t position) const;
     std::size_t memory() const;

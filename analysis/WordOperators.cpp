@@ -5,6 +5,7 @@
 #include <DataBase.h>
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 
 namespace kvr::netlistdb::analysis {
@@ -231,7 +232,20 @@ const std::unordered_map<std::string_view, Operator> &operators()
 void wholeLogic(ModelBuilder &cell)
 {
     cell.setKind(CellKind::Logic);
-    cell.reach(cell.outputs(), cell.inputs());
+    const PinList inputs = cell.inputs();
+    PinList outputs;
+    for (const std::uint32_t output : cell.outputs()) {
+        if (!cell.isInput(output)) {
+            outputs.push_back(output);
+            continue;
+        }
+        // What comes in through a pin does not come out of it again.
+        PinList others;
+        std::copy_if(inputs.begin(), inputs.end(), std::back_inserter(others),
+                     [&](std::uint32_t input) { return input != output; });
+        cell.reach({output}, others);
+    }
+    cell.reach(outputs, inputs);
 }
 
 bool isShift(std::string_view type)

@@ -53,6 +53,7 @@ void flipFlop(ModelBuilder &cell, const char *clockName, bool rises, std::string
     if (load.empty() || loaded.empty()) {
         return;
     }
+    cell.setLoadsAsynchronously();
     for (std::size_t at = 0; at < outputs.size(); ++at) {
         PinList inputs = cell.port(load);
         if (at < loaded.size()) {
