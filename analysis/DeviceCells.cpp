@@ -248,8 +248,8 @@ void buildKvrRegister(ModelBuilder &cell, std::string_view type, CellKind kind)
     }
     buildRegister(cell, kind, clocks);
     if (type == "KVR_FF" && !cell.parameter("R_ASYNC").empty()) {
-        cell.setRole(cell.port("R"), isNonZero(cell.parameter("R_ASYNC")) ? PinRole::AsyncSetReset
-                                                                         : PinRole::SyncSetReset);
+        cell.setRole(cell.port("R"),
+                     isNonZero(cell.parameter("R_ASYNC")) ? PinRole::AsyncSetReset : PinRole::SyncSetReset);
     }
     for (const auto &[output, clock] : launches) {
         cell.launch({output}, clock);

@@ -123,8 +123,7 @@ class Follower {
 
     std::uint32_t placeBelow(std::uint32_t sub, std::uint32_t port)
     {
-        const auto [found, isNew] =
-            m_below.try_emplace({sub, port}, static_cast<std::uint32_t>(m_own.below.size()));
+        const auto [found, isNew] = m_below.try_emplace({sub, port}, static_cast<std::uint32_t>(m_own.below.size()));
         if (isNew) {
             m_own.below.push_back({sub, port});
         }

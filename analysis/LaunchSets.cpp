@@ -135,9 +135,9 @@ class LaunchFinder {
                 addGroup(pin.cell, group, seed);
             }
         } else if (launches.empty()) {
-            addFlags(seed, model.isOpaque()                       ? REACHED_BY_BLACK_BOX
+            addFlags(seed, model.isOpaque()                   ? REACHED_BY_BLACK_BOX
                            : model.kind == CellKind::Constant ? REACHED_BY_CONSTANT
-                                                                  : REACHED_BY_UNDRIVEN);
+                                                              : REACHED_BY_UNDRIVEN);
         }
     }
 
@@ -147,7 +147,8 @@ class LaunchFinder {
         const CellModel &model = m_view.hierarchy.models[m_view.module.modelOf(cell)];
         const Span<std::uint32_t> inputs = model.groups[group];
         const Span<std::uint32_t> nets = m_view.module.netsOf(cell);
-        const bool isOpen = std::any_of(inputs.begin(), inputs.end(), [&](std::uint32_t pin) { return nets[pin] == NONE; });
+        const bool isOpen =
+            std::any_of(inputs.begin(), inputs.end(), [&](std::uint32_t pin) { return nets[pin] == NONE; });
         addFlags(seed, (inputs.empty() ? REACHED_BY_CONSTANT : 0U) | (isOpen ? REACHED_BY_UNDRIVEN : 0U) |
                            (model.isTransparent() ? REACHED_BY_LATCH : 0U));
     }
@@ -169,8 +170,7 @@ class LaunchFinder {
             switch (entry.atom.kind()) {
             case Atom::LaunchedByPort:
                 if (nets[number] != NONE) {
-                    entries.push_back(
-                        {m_view.clockAtom(nets[number], Atom::Launched, Atom::LaunchedByPort), distance});
+                    entries.push_back({m_view.clockAtom(nets[number], Atom::Launched, Atom::LaunchedByPort), distance});
                 } else {
                     flags |= REACHED_BY_UNDRIVEN;
                 }

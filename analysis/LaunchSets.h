@@ -2,6 +2,7 @@
 
 #include "analysis/Components.h"
 #include "analysis/ModuleSets.h"
+#include "analysis/SignalGraph.h"
 
 namespace kvr::netlistdb::analysis {
 
@@ -22,10 +23,7 @@ struct ModuleView {
         return {code.kind() == ElectricalCode::Clock ? own : byPort, code.number()};
     }
     /// The number in this module of clock @p clock of an instance.
-    std::uint32_t clockOfSub(std::uint32_t sub, std::uint32_t clock) const
-    {
-        return ownClocks.firstOfSub[sub] + clock;
-    }
+    std::uint32_t clockOfSub(std::uint32_t sub, std::uint32_t clock) const { return ownClocks.firstOfSub[sub] + clock; }
 };
 
 /// Fills @p own.launch: sources first, each component of the graph once.

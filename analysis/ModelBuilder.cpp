@@ -39,8 +39,7 @@ std::string_view parameterOf(const Verific::Instance &instance, const char *name
     return parameters != nullptr ? textOf(static_cast<const char *>(parameters->GetValue(name))) : std::string_view();
 }
 
-ModelBuilder::ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named)
-    : m_named(named)
+ModelBuilder::ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named) : m_named(named)
 {
     m_model.view = instance.View();
     m_type = textOf(m_model.view->CellBaseName());

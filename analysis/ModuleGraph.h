@@ -96,7 +96,8 @@ class ModuleGraph {
     bool isSub(std::uint32_t cell) const { return (m_cells[cell] & SUB) != 0; }
     /// Place in CellModels of a leaf cell.
     std::uint32_t modelOf(std::uint32_t cell) const { return m_cells[cell]; }
-    /// Net on each pin of @p cell, or NONE. A leaf has the pins of its model, an instance of a module those of its ports.
+    /// Net on each pin of @p cell, or NONE. A leaf has the pins of its model, an instance of a module those of its
+    /// ports.
     Span<std::uint32_t> netsOf(std::uint32_t cell) const
     {
         return {m_pinNets.data() + m_firstPin[cell], m_pinNets.data() + m_firstPin[cell + 1]};

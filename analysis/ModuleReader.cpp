@@ -182,8 +182,9 @@ void ModuleReader::findSources()
             const PortNumbers *const ports = view != nullptr ? &portsOf(*view) : nullptr;
             for (std::uint32_t pin = 0; pin < pins; ++pin) {
                 const std::uint32_t net = m_graph.m_pinNets[first + pin];
-                const bool drives = model != nullptr ? model->pins[pin].isOutput
-                                                     : ports->ports[pin]->IsOutput() != 0 || ports->ports[pin]->IsInout() != 0;
+                const bool drives = model != nullptr
+                                        ? model->pins[pin].isOutput
+                                        : ports->ports[pin]->IsOutput() != 0 || ports->ports[pin]->IsInout() != 0;
                 if (net != NONE && drives) {
                     visit(net, NetSource::ofPin(first + pin));
                 }

@@ -42,10 +42,13 @@ bool endsWith(std::string_view text, std::string_view end)
 PinRole roleByName(std::string_view name)
 {
     static constexpr std::string_view ENABLES[] = {"E", "EN", "CE", "CEN", "ENA", "CLKEN", "OCE", "WE", "WEN", "WRE"};
-    static constexpr std::string_view RESETS[] = {"R",    "RST",  "RSTN", "RESET", "CLR", "CLRN", "ACLR",  "ARST", "ARSTN",
-                                                  "SRST", "SCLR", "S",    "SET",   "PRE", "PRN",  "PRESET", "SR",  "LSR"};
+    static constexpr std::string_view RESETS[] = {"R",    "RST",  "RSTN",  "RESET",  "CLR",  "CLRN",
+                                                  "ACLR", "ARST", "ARSTN", "SRST",   "SCLR", "S",
+                                                  "SET",  "PRE",  "PRN",   "PRESET", "SR",   "LSR"};
     const std::string upper = upperCase(name);
-    const auto isOneOf = [&](const auto &all) { return std::find(std::begin(all), std::end(all), upper) != std::end(all); };
+    const auto isOneOf = [&](const auto &all) {
+        return std::find(std::begin(all), std::end(all), upper) != std::end(all);
+    };
     if (isOneOf(ENABLES) || endsWith(upper, "_EN") || startsWith(upper, "EN_") || startsWith(upper, "WE_")) {
         return PinRole::Enable;
     }

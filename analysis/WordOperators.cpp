@@ -27,8 +27,8 @@ void bitwise(ModelBuilder &cell, const char *result, std::initializer_list<const
              const PinList &common = {})
 {
     // Operands are extended with the sign only when all of them are signed.
-    const bool isSigned = isNonZero(cell.parameter("A_SIGNED")) &&
-                          (operands.size() == 1 || isNonZero(cell.parameter("B_SIGNED")));
+    const bool isSigned =
+        isNonZero(cell.parameter("A_SIGNED")) && (operands.size() == 1 || isNonZero(cell.parameter("B_SIGNED")));
     const PinList &outputs = cell.port(result);
     for (std::size_t at = 0; at < outputs.size(); ++at) {
         PinList inputs;
@@ -206,11 +206,26 @@ const std::unordered_map<std::string_view, Operator> &operators()
         {"$logic_not", logicNot},
         {"$slice", slice},
         {"$concat", concat},
-        {"$and", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A", "B"}); }},
-        {"$or", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A", "B"}); }},
-        {"$xor", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A", "B"}); }},
-        {"$xnor", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A", "B"}); }},
-        {"$bweqx", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A", "B"}); }},
+        {"$and",
+         [](ModelBuilder &cell) {
+             bitwise(cell, "Y", {"A", "B"});
+         }},
+        {"$or",
+         [](ModelBuilder &cell) {
+             bitwise(cell, "Y", {"A", "B"});
+         }},
+        {"$xor",
+         [](ModelBuilder &cell) {
+             bitwise(cell, "Y", {"A", "B"});
+         }},
+        {"$xnor",
+         [](ModelBuilder &cell) {
+             bitwise(cell, "Y", {"A", "B"});
+         }},
+        {"$bweqx",
+         [](ModelBuilder &cell) {
+             bitwise(cell, "Y", {"A", "B"});
+         }},
         {"$tribuf", [](ModelBuilder &cell) { bitwise(cell, "Y", {"A"}, cell.port("EN")); }},
         {"$fa", fullAdder},
         {"$mux", multiplexer},

@@ -90,10 +90,9 @@ PinList part(const PinList &vector, std::uint64_t port, std::uint64_t ports)
 {
     const std::size_t width = ports > 0 ? vector.size() / static_cast<std::size_t>(ports) : 0;
     const auto first = static_cast<std::size_t>(port) * width;
-    return first + width <= vector.size()
-               ? PinList(vector.begin() + static_cast<std::ptrdiff_t>(first),
-                         vector.begin() + static_cast<std::ptrdiff_t>(first + width))
-               : PinList();
+    return first + width <= vector.size() ? PinList(vector.begin() + static_cast<std::ptrdiff_t>(first),
+                                                    vector.begin() + static_cast<std::ptrdiff_t>(first + width))
+                                          : PinList();
 }
 
 /// A whole memory. The contents that a read port without a clock shows change with the clocks that write, and with the
@@ -223,9 +222,9 @@ bool buildWordRegister(ModelBuilder &cell)
 
 const std::vector<const char *> &wordParameters()
 {
-    static const std::vector<const char *> names = {
-        "A_SIGNED",        "B_SIGNED", "OFFSET",   "CLK_POLARITY",  "CLK_ENABLE",    "RD_CLK_ENABLE",
-        "RD_CLK_POLARITY", "RD_PORTS", "WR_PORTS", "WR_CLK_ENABLE", "WR_CLK_POLARITY"};
+    static const std::vector<const char *> names = {"A_SIGNED",   "B_SIGNED",      "OFFSET",          "CLK_POLARITY",
+                                                    "CLK_ENABLE", "RD_CLK_ENABLE", "RD_CLK_POLARITY", "RD_PORTS",
+                                                    "WR_PORTS",   "WR_CLK_ENABLE", "WR_CLK_POLARITY"};
     return names;
 }
 

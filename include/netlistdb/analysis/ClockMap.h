@@ -21,14 +21,15 @@ namespace kvr::netlistdb::analysis {
 /// the nets that it passed. A ClockMap holds all clocks that reach a net, whatever was asked before, and can show the
 /// way that each of them takes.
 ///
-/// Both forms of netlist are followed alike: through logic, buffers, pads, latches and the hierarchy, back to registers,
-/// ports of the top, black boxes and constants. Operators of the elaborated form are followed bit by bit where they work
-/// bit by bit (bitwise operators, multiplexers, concatenations, slices, shifts by a constant, extension of operands) and
-/// as a whole otherwise. Asynchronous set and reset of a register are captured by it and do not pass through it.
+/// Both forms of netlist are followed alike: through logic, buffers, pads, latches and the hierarchy, back to
+/// registers, ports of the top, black boxes and constants. Operators of the elaborated form are followed bit by bit
+/// where they work bit by bit (bitwise operators, multiplexers, concatenations, slices, shifts by a constant, extension
+/// of operands) and as a whole otherwise. Asynchronous set and reset of a register are captured by it and do not pass
+/// through it.
 ///
-/// Built once, in time and memory in proportion to the netlist, in which a module counts once, however many instances it
-/// has. Never changes: any number of threads may ask at a time. The database must outlive it; once the source has been
-/// reset or imported anew, every question is refused.
+/// Built once, in time and memory in proportion to the netlist, in which a module counts once, however many instances
+/// it has. Never changes: any number of threads may ask at a time. The database must outlive it; once the source has
+/// been reset or imported anew, every question is refused.
 class NETLISTDB_EXPORT ClockMap {
   public:
     /// Builds the map of a source.
@@ -49,8 +50,8 @@ class NETLISTDB_EXPORT ClockMap {
     const std::vector<Clock> &clocks() const;
     /// The clock that has @p name as its name or as one of its other names. Takes time in proportion to the clocks.
     std::optional<ClockId> find(std::string_view name) const;
-    /// The clocks that @p net, seen in @p inst, can change with. Takes time in proportion to the answer and the depth of
-    /// the instance.
+    /// The clocks that @p net, seen in @p inst, can change with. Takes time in proportion to the answer and the depth
+    /// of the instance.
     LaunchClocks launch(const IVDBInstance *inst, const IVDBNet *net) const;
     /// The clocks whose registers @p net, seen in @p inst, reaches.
     CaptureClocks capture(const IVDBInstance *inst, const IVDBNet *net) const;

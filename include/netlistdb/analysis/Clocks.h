@@ -68,7 +68,8 @@ struct ReachingClock {
 
 /// All clocks that a net can change with.
 struct LaunchClocks {
-    /// Clocks whose registers reach the net through logic, buffers, pads and hierarchy: the nearest first, then by name.
+    /// Clocks whose registers reach the net through logic, buffers, pads and hierarchy: the nearest first, then by
+    /// name.
     std::vector<ReachingClock> clocks;
     /// Clocks that reach the net themselves, other than through a register: the clock's own network, and logic that a
     /// clock goes into as if it were data. The same order.
@@ -136,8 +137,8 @@ struct ChainStep {
     StepKind kind;
     IVDBInstance *instance; ///< where the net is seen; null when the tree has no item for that instance
     IVDBNet *net;
-    std::string netName;  ///< full name of the net
-    std::string cell;     ///< path of the cell or instance that is passed, or that drives the net; empty: a port or none
+    std::string netName; ///< full name of the net
+    std::string cell;    ///< path of the cell or instance that is passed, or that drives the net; empty: a port or none
     std::string cellType; ///< name of its module
     std::string output;   ///< its pin on the net; for a module's own port, the name of the port
     std::string input;    ///< the pin through which the chain goes on: of a register, its clock pin
