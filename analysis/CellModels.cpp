@@ -88,8 +88,11 @@ CellModel build(const Verific::Instance &instance, const Verific::Instance &name
 const Verific::Instance *CellModels::firstPartOf(const Verific::Instance &instance)
 {
     const char *const name = instance.Name();
-    const char *const colon = name != nullptr ? std::strrchr(name, ':') : nullptr;
-    if (colon == nullptr || instance.GetParameters() != nullptr || instance.Owner() == nullptr) {
+    if (name == nullptr || instance.GetParameters() != nullptr || instance.Owner() == nullptr) {
+        return nullptr;
+    }
+    const char *const colon = std::strrchr(name, ':');
+    if (colon == nullptr) {
         return nullptr;
     }
     const Verific::Instance *const first = instance.Owner()->GetInst(std::string(name, colon).c_str());
@@ -123,8 +126,8 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
     }
     const std::string_view cellName = deviceCellName(instance);
     const bool isPlain = known.parameters.empty() && !known.shifts;
-    if (isPlain && known.only != NONE && known.lastCellName == cellName) {
-        return known.only;
+    if (isPlain && known.latest != NONE && known.latestCellName == cellName) {
+        return known.latest;
     }
     m_key.assign(cellName);
     ConstantShift shift;
@@ -136,13 +139,17 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
         shift = constantShift(instance);
         m_key.append(1, '\0').append(shift ? std::to_string(*shift) : "");
     }
+    if (known.latest != NONE && m_key == known.latestKey) {
+        return known.latest;
+    }
     auto variant = known.variants.find(m_key);
     if (variant == known.variants.end()) {
         m_models.push_back(view != nullptr ? build(instance, named, shift) : CellModel());
         variant = known.variants.emplace(m_key, static_cast<std::uint32_t>(m_models.size()) - 1).first;
     }
-    known.only = variant->second;
-    known.lastCellName = cellName;
+    known.latest = variant->second;
+    known.latestCellName = cellName;
+    known.latestKey = m_key;
     return variant->second;
 }
 

@@ -38,8 +38,9 @@ class CellModels {
     struct View {
         std::vector<const char *> parameters; ///< that make a difference
         bool shifts = false;                  ///< the value on the pins B makes a difference
-        std::uint32_t only = NONE;            ///< the model, when nothing makes a difference
-        std::string_view lastCellName;        ///< of the instance that `only` was made for
+        std::uint32_t latest = NONE;          ///< the model of the latest instance
+        std::string_view latestCellName;      ///< its device cell
+        std::string latestKey;                ///< all that made a difference
         std::unordered_map<std::string, std::uint32_t> variants;
     };
 

@@ -47,17 +47,16 @@ DesignModel::DesignModel(DesignDatabase &from, IDesignDatabase::SOURCE_TYPE type
 void DesignModel::indexItems()
 {
     for (const ModuleGraph &module : hierarchy.modules) {
-        m_firstNet.push_back(static_cast<std::uint32_t>(m_nets.size()));
+        m_firstNet.push_back(module.firstNet);
         m_firstSub.push_back(static_cast<std::uint32_t>(m_subs.size()));
-        m_nets.insert(m_nets.end(), module.items.begin(), module.items.end());
         for (const ModuleGraph::SubInstance &sub : module.subs) {
             m_subs.push_back(sub.instance);
         }
     }
-    m_netIndex.reset(m_nets.size());
-    for (std::uint32_t net = 0; net < m_nets.size(); ++net) {
-        if (m_nets[net] != nullptr) {
-            m_netIndex.add(m_nets, net);
+    m_netIndex.reset(hierarchy.items.size());
+    for (std::uint32_t net = 0; net < hierarchy.items.size(); ++net) {
+        if (hierarchy.items[net] != nullptr) {
+            m_netIndex.add(hierarchy.items, net);
         }
     }
     m_subIndex.reset(m_subs.size());
@@ -68,7 +67,7 @@ void DesignModel::indexItems()
 
 DesignModel::ModuleNet DesignModel::find(const IVDBNet *net) const
 {
-    const std::uint32_t found = net != nullptr ? m_netIndex.find(m_nets, net) : NONE;
+    const std::uint32_t found = net != nullptr ? m_netIndex.find(hierarchy.items, net) : NONE;
     if (found == NONE) {
         if (net == nullptr || database.sourceNet(net, source) == nullptr) {
             throw std::invalid_argument("ClockMap: the net is no net of the source");
@@ -182,7 +181,7 @@ Place DesignModel::rootOf(std::uint32_t clock) const
 std::size_t DesignModel::memory() const
 {
     std::size_t bytes = sizeof(*this) + hierarchy.memory() + m_netIndex.memory() + m_subIndex.memory() +
-                        (m_nets.capacity() + m_subs.capacity()) * sizeof(void *) +
+                        m_subs.capacity() * sizeof(void *) +
                         (m_firstNet.capacity() + m_firstSub.capacity()) * sizeof(std::uint32_t);
     for (const ModuleClocks &module : clocks) {
         bytes += module.memory();

@@ -72,7 +72,7 @@ struct DesignModel {
     std::string pathOf(const Context &context) const;
     /// The path, "/" and the name of the net.
     std::string nameOf(const Place &place) const;
-    IVDBNet *itemOf(const Place &place) const { return module(place).items[place.net]; }
+    IVDBNet *itemOf(const Place &place) const { return hierarchy.items[module(place).firstNet + place.net]; }
     const ModuleGraph &module(const Place &place) const { return hierarchy.modules[place.context.back().module]; }
     /// Where clock @p clock of the whole design begins.
     Place rootOf(std::uint32_t clock) const;
@@ -81,9 +81,8 @@ struct DesignModel {
   private:
     void indexItems();
 
-    std::vector<const IVDBNet *> m_nets; ///< of all modules, module by module
-    std::vector<std::uint32_t> m_firstNet;
-    PointerIndex m_netIndex;
+    std::vector<std::uint32_t> m_firstNet; ///< by module: place in Hierarchy::items
+    PointerIndex m_netIndex;               ///< of Hierarchy::items
     std::vector<const Verific::Instance *> m_subs; ///< of all modules, module by module
     std::vector<std::uint32_t> m_firstSub;
     PointerIndex m_subIndex;

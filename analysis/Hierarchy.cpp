@@ -12,7 +12,7 @@ namespace {
 
 /// The modules below @p top and itself, each behind those that it instantiates. Without recursion: a chain of modules
 /// may be long.
-std::vector<const Verific::Netlist *> modulesBelow(const Verific::Netlist &top)
+std::vector<const Verific::Netlist *> modulesBelow(ModuleReader &reader, const Verific::Netlist &top)
 {
     std::vector<const Verific::Netlist *> order;
     ModuleReader::ModuleNumbers seen;
@@ -31,7 +31,7 @@ std::vector<const Verific::Netlist *> modulesBelow(const Verific::Netlist &top)
             order.push_back(open.back().first);
             open.pop_back();
         } else if (const auto *const known = static_cast<const Verific::Instance *>(instance);
-                   ModuleReader::isModule(*known)) {
+                   reader.isModule(*known)) {
             enter(*known->View());
         }
     }
@@ -42,22 +42,23 @@ std::vector<const Verific::Netlist *> modulesBelow(const Verific::Netlist &top)
 
 Hierarchy::Hierarchy(const DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source, const Verific::Netlist &top)
 {
-    const std::vector<const Verific::Netlist *> order = modulesBelow(top);
     ModuleReader::ModuleNumbers numbers;
+    ModuleReader reader(database, source, numbers, models, items);
+    const std::vector<const Verific::Netlist *> order = modulesBelow(reader, top);
     for (std::uint32_t number = 0; number < order.size(); ++number) {
         numbers.emplace(order[number], number);
     }
-    ModuleReader reader(database, source, numbers, models);
     modules.reserve(order.size());
     for (std::uint32_t number = 0; number < order.size(); ++number) {
         modules.push_back(reader.read(*order[number], number));
     }
     models.finish();
+    items.shrink_to_fit();
 }
 
 std::size_t Hierarchy::memory() const
 {
-    std::size_t bytes = sizeof(*this) + models.memory();
+    std::size_t bytes = sizeof(*this) + models.memory() + items.capacity() * sizeof(IVDBNet *);
     for (const ModuleGraph &module : modules) {
         bytes += module.memory();
     }

@@ -15,6 +15,7 @@ class Netlist;
 
 namespace kvr::netlistdb {
 class DesignDatabase;
+class IVDBNet;
 }
 
 namespace kvr::netlistdb::analysis {
@@ -25,6 +26,7 @@ struct Hierarchy {
     Hierarchy(const DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source, const Verific::Netlist &top);
 
     CellModels models;
+    std::vector<IVDBNet *> items; ///< of the nets, module by module; null where the source has no item
     /// A module stands behind those that it instantiates; the last one is the top.
     std::vector<ModuleGraph> modules;
 

@@ -14,10 +14,6 @@ class Netlist;
 class Port;
 } // namespace Verific
 
-namespace kvr::netlistdb {
-class IVDBNet;
-}
-
 namespace kvr::netlistdb::analysis {
 
 /// Where the value of a net comes from: a pin of a cell of the module, or a port of the module.
@@ -84,12 +80,12 @@ class ModuleGraph {
     };
 
     const Verific::Netlist *netlist = nullptr;
-    std::vector<IVDBNet *> items; ///< by net; null where the source has no item
+    std::uint32_t firstNet = 0; ///< place of the items of its nets in Hierarchy::items
     std::vector<ModulePort> ports;
     std::vector<SubInstance> subs; ///< in the order of their cells
     NetSources sources;
 
-    std::uint32_t netCount() const { return static_cast<std::uint32_t>(items.size()); }
+    std::uint32_t netCount() const { return m_nets; }
     std::uint32_t cellCount() const { return static_cast<std::uint32_t>(m_cells.size()); }
     /// Place in subs of a cell that is an instance of a module, NONE for a leaf.
     std::uint32_t subOf(std::uint32_t cell) const { return isSub(cell) ? m_cells[cell] & ~SUB : NONE; }
@@ -115,6 +111,7 @@ class ModuleGraph {
     static constexpr std::uint32_t SUB = 1U << 31;
     static constexpr std::uint32_t BLOCK = 16; ///< pins for which one cell is remembered
 
+    std::uint32_t m_nets = 0;
     std::vector<std::uint32_t> m_cells;
     std::vector<std::uint32_t> m_firstPin; ///< of each cell, and the number of all
     std::vector<std::uint32_t> m_pinNets;

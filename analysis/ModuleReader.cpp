@@ -29,7 +29,14 @@ std::uint32_t ModuleReader::PortNumbers::numberOf(const Verific::Port *port, std
 
 bool ModuleReader::isModule(const Verific::Instance &instance)
 {
-    return !CellModels::isLeaf(instance.View()) && !isDeviceCell(deviceCellName(instance));
+    // Cells of one type mostly stand in a row.
+    if (instance.View() != m_leafView) {
+        if (!CellModels::isLeaf(instance.View())) {
+            return !isDeviceCell(deviceCellName(instance));
+        }
+        m_leafView = instance.View();
+    }
+    return false;
 }
 
 ModuleGraph ModuleReader::read(const Verific::Netlist &netlist, std::uint32_t number)
@@ -54,10 +61,12 @@ void ModuleReader::readNets(const Verific::Netlist &netlist)
         m_nets.push_back(net);
     }
     m_netIndex.reset(m_nets.size());
-    m_graph.items.reserve(m_nets.size());
+    m_graph.m_nets = static_cast<std::uint32_t>(m_nets.size());
+    m_graph.firstNet = static_cast<std::uint32_t>(m_items.size());
+    m_items.reserve(m_items.size() + m_nets.size());
     for (std::uint32_t number = 0; number < m_nets.size(); ++number) {
         m_netIndex.add(m_nets, number);
-        m_graph.items.push_back(m_database.netItem(m_nets[number], m_source));
+        m_items.push_back(m_database.netItem(m_nets[number], m_source));
     }
 }
 

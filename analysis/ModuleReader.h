@@ -19,6 +19,7 @@ class Port;
 
 namespace kvr::netlistdb {
 class DesignDatabase;
+class IVDBNet;
 }
 
 namespace kvr::netlistdb::analysis {
@@ -28,15 +29,15 @@ class ModuleReader {
   public:
     using ModuleNumbers = std::unordered_map<const Verific::Netlist *, std::uint32_t>;
 
-    /// @p modules: the number of every netlist that is a module with contents.
+    /// @p modules: the number of every netlist that is a module with contents. @p items gains the items of all nets.
     ModuleReader(const DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source, const ModuleNumbers &modules,
-                 CellModels &models)
-        : m_database(database), m_source(source), m_modules(modules), m_models(models)
+                 CellModels &models, std::vector<IVDBNet *> &items)
+        : m_database(database), m_source(source), m_modules(modules), m_models(models), m_items(items)
     {
     }
 
     /// Whether the analysis looks into @p instance.
-    static bool isModule(const Verific::Instance &instance);
+    bool isModule(const Verific::Instance &instance);
 
     /// Reads module @p number. A module that would contain itself is a black box there.
     ModuleGraph read(const Verific::Netlist &netlist, std::uint32_t number);
@@ -64,6 +65,8 @@ class ModuleReader {
     IDesignDatabase::SOURCE_TYPE m_source;
     const ModuleNumbers &m_modules;
     CellModels &m_models;
+    std::vector<IVDBNet *> &m_items;
+    const Verific::Netlist *m_leafView = nullptr; ///< the view of the latest leaf
     std::unordered_map<const Verific::Netlist *, PortNumbers> m_ports;
     const Verific::Netlist *m_lastView = nullptr;
     const PortNumbers *m_lastPorts = nullptr;
