@@ -46,6 +46,8 @@ END {
         for (a = 1; a <= aliases; a++)
             if (net[a] == behind[b] && better(alias[a], best))
                 best = alias[a]
+        if (best == "")
+            continue
         printf "rename %s %s_g\n", best, best
         printf "rename %s %s\n", ahead[b], best
         if (position[best] != "")

@@ -5,6 +5,13 @@
 // -----------------------------------------------------------------------------
 `timescale 1ns / 1ps
 
+// With RANDOM_STATE, registers and memories start with anything instead.
+`ifdef RANDOM_STATE
+`define START(value) {32{$random}}
+`else
+`define START(value) value
+`endif
+
 module KVR_LUT1 #(parameter [1:0] INIT = 0) (input I0, output O);
     assign #1 O = INIT[I0];
 endmodule
@@ -36,7 +43,7 @@ module KVR_FF #(
     wire reset = R ^ R_INVERTED;
     wire clear = R_ASYNC & reset;
 
-    initial Q = INIT;
+    initial Q = `START(INIT);
 
     always @(posedge clk or posedge clear)
         if (clear)
@@ -49,14 +56,14 @@ endmodule
 
 module KVR_SRL16 #(parameter [15:0] INIT = 0, parameter [0:0] C_INVERTED = 0) (
     input C, D, E, input [3:0] A, output Q);
-    reg [15:0] line = 16'h0000;
+    reg [15:0] line = `START(16'h0000);
     always @(posedge (C ^ C_INVERTED)) if (E) line <= {line[14:0], D};
     assign Q = line[A];
 endmodule
 
 module KVR_SRL32 #(parameter [31:0] INIT = 0, parameter [0:0] C_INVERTED = 0) (
     input C, D, E, input [4:0] A, output Q);
-    reg [31:0] line = 32'h0000_0000;
+    reg [31:0] line = `START(32'h0000_0000);
     always @(posedge (C ^ C_INVERTED)) if (E) line <= {line[30:0], D};
     assign Q = line[A];
 endmodule
@@ -67,19 +74,19 @@ module KVR_RAMD16X4 #(parameter [63:0] INIT = 0) (
     integer   i;
     initial
         for (i = 0; i < 64; i = i + 1)
-            mem[i / 4][i % 4] = (INIT[i] === 1'b1);
+            mem[i / 4][i % 4] = `START(INIT[i] === 1'b1);
     always @(posedge W_CLK) if (W_EN) mem[W_ADDR] <= W_DATA;
     assign R_DATA = mem[R_ADDR];
 endmodule
 
 module KVR_RAM512X18 #(parameter [9215:0] INIT = 0) (
     input W_CLK, W_EN, input [8:0] W_ADDR, input [17:0] W_DATA,
-    input R_CLK, R_EN, input [8:0] R_ADDR, output reg [17:0] R_DATA = 0);
+    input R_CLK, R_EN, input [8:0] R_ADDR, output reg [17:0] R_DATA = `START(0));
     reg [17:0] mem [0:511];
     integer    i;
     initial
         for (i = 0; i < 9216; i = i + 1)
-            mem[i / 18][i % 18] = (INIT[i] === 1'b1);
+            mem[i / 18][i % 18] = `START(INIT[i] === 1'b1);
     always @(posedge W_CLK) if (W_EN) mem[W_ADDR] <= W_DATA;
     always @(posedge R_CLK) if (R_EN) R_DATA <= mem[R_ADDR];
 endmodule
@@ -92,11 +99,11 @@ module KVR_DPRAM512X8 #(parameter [4095:0] INIT = 0) (
     input        DIN0_B, DIN1_B, DIN2_B, DIN3_B, DIN4_B, DIN5_B, DIN6_B, DIN7_B,
     output       DOUT0_B, DOUT1_B, DOUT2_B, DOUT3_B, DOUT4_B, DOUT5_B, DOUT6_B, DOUT7_B);
     reg [7:0] mem [0:511];
-    reg [7:0] a = 0, b = 0;
+    reg [7:0] a = `START(0), b = `START(0);
     integer   i;
     initial
         for (i = 0; i < 4096; i = i + 1)
-            mem[i / 8][i % 8] = (INIT[i] === 1'b1);
+            mem[i / 8][i % 8] = `START(INIT[i] === 1'b1);
     always @(posedge CLK_A)
         if (EN_A) begin
             if (WE_A)
@@ -115,16 +122,16 @@ module KVR_DPRAM512X8 #(parameter [4095:0] INIT = 0) (
     assign {DOUT7_B, DOUT6_B, DOUT5_B, DOUT4_B, DOUT3_B, DOUT2_B, DOUT1_B, DOUT0_B} = b;
 endmodule
 
-module KVR_MULT (input CLK, CE, input [17:0] A, B, output reg [35:0] P = 0);
+module KVR_MULT (input CLK, CE, input [17:0] A, B, output reg [35:0] P = `START(0));
     always @(posedge CLK) if (CE) P <= $signed(A) * $signed(B);
 endmodule
 
-module KVR_DSP48 (input CLK, CE, input [17:0] A, B, input [47:0] C, output reg [47:0] P = 0);
+module KVR_DSP48 (input CLK, CE, input [17:0] A, B, input [47:0] C, output reg [47:0] P = `START(0));
     always @(posedge CLK) if (CE) P <= $signed(C) + $signed(A) * $signed(B);
 endmodule
 
-module KVR_IDDR (input C, D, output reg Q0 = 0, output reg Q1 = 0);
-    reg rise = 0, fall = 0;
+module KVR_IDDR (input C, D, output reg Q0 = `START(0), output reg Q1 = `START(0));
+    reg rise = `START(0), fall = `START(0);
     always @(posedge C) rise <= D;
     always @(negedge C) fall <= D;
     always @(posedge C) begin
@@ -134,7 +141,7 @@ module KVR_IDDR (input C, D, output reg Q0 = 0, output reg Q1 = 0);
 endmodule
 
 module KVR_ODDR (input C, D0, D1, output Q);
-    reg rise = 0, fall = 0;
+    reg rise = `START(0), fall = `START(0);
     always @(posedge C) begin
         rise <= D0;
         fall <= D1;
