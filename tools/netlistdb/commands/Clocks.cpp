@@ -1,14 +1,14 @@
 #include "commands/Command.h"
 #include "commands/Session.h"
+#include "design/ClockTree.h"
+#include "design/ClockWords.h"
 #include "design/Design.h"
-#include "design/InstanceWalk.h"
 #include "design/SourceText.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <netlistdb/netlistdb.h>
-#include <unordered_map>
 
 namespace kvr::netlistdb::tool {
 
@@ -17,12 +17,13 @@ namespace {
 class ClocksCommand : public DesignCommand {
   public:
     const char *name() const override { return "clocks"; }
-    const char *summary() const override { return "Show every clock domain with the number of nets it drives"; }
+    const char *summary() const override { return "Show the clock tree with the registers and nets of each clock"; }
     const char *more() const override
     {
-        return "A net, counted bit by bit in every instance, belongs to the domain that `clock-of` answers for it. "
-               "The\n"
-               "pins of black boxes are no nets of the design.\n\n"
+        return "A clock begins at a port, a black box, a register (a divided clock), logic (a gated or multiplexed\n"
+               "clock), and goes through buffers, pads, inverters and hierarchy; what it is called elsewhere stands\n"
+               "under ALSO. Below a clock stand those that are made from it. NETS counts the nets that its registers\n"
+               "reach, bit by bit in every instance; a net that several clocks reach counts for each of them.\n\n"
                "Examples:\n"
                "  netlistdb clocks soc.json\n"
                "  netlistdb clocks soc.json --format csv -o clocks.csv";
@@ -31,16 +32,21 @@ class ClocksCommand : public DesignCommand {
     int run(Session &session) override
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
-        const std::vector<IClockDomain *> &domains = design->clocks().clocks();
-        session.progress.begin("tracing nets");
+        session.progress.begin("tracing clocks");
         session.stats.begin("trace");
-        countNets(*design, session.progress);
+        const analysis::ClockMap &map = design->clocks();
+        const analysis::NetCounts counts = map.countNets();
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clocks";
         head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
-        head.columns = {{"nets", "NETS", Look::Plain, true},
-                        {"clock", "CLOCK", Look::Name},
+        head.columns = {{nullptr, "CLOCK", Look::Name},
+                        {"clock", nullptr},
+                        {"root", "ROOT"},
+                        {"edges", "EDGES"},
+                        {"registers", "REGISTERS", Look::Plain, true},
+                        {"nets", "NETS", Look::Plain, true},
+                        {"parents", nullptr},
                         {nullptr, "SOURCE", Look::Dim},
                         {nullptr, "ALSO"},
                         {"aliases", nullptr},
@@ -49,82 +55,71 @@ class ClocksCommand : public DesignCommand {
                         {"line", nullptr}};
         session.progress.clear();
         writer->begin(head);
-        const std::string directory = workingDirectory();
-        for (const IClockDomain *domain : domains) {
-            const IVDBLineInfo *source = domain->getNet()->getLineInfo();
-            const std::string shown = sourceText(source, directory);
-            const std::string instance = domain->getInstance()->getPath();
-            const std::vector<std::string> aliases = aliasesOf(*design, *domain);
-            const std::string also = beginningOf(aliases);
-            writer->row({m_nets[domain], std::string_view(domain->getName()), std::string_view(shown),
-                         std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
+        for (const ClockTreeLine &line : clockTreeOf(map)) {
+            write(*design, line, counts.launched[line.clock], *writer);
         }
         session.stats.end();
-        const int exitCode = session.finish(*writer, !domains.empty(), Ending::Complete,
-                                            {{"nets", m_total}, {"nets_without_clock", m_nets[nullptr]}});
+        const int exitCode = session.finish(*writer, !map.clocks().empty(), Ending::Complete,
+                                            {{"nets", counts.nets}, {"nets_without_clock", counts.withoutClock}});
         if (writer->isTable()) {
-            session.note(fmt::format("{} of {} nets are driven by no clock", m_nets[nullptr], m_total));
+            session.note(fmt::format("{} of {} nets are reached by no clock", counts.withoutClock, counts.nets));
         }
         return exitCode;
     }
 
   private:
-    /// What else the wire of @p clock is called, in its own instance and in others.
-    static std::vector<std::string> aliasesOf(Design &design, const IClockDomain &clock)
+    void write(Design &design, const ClockTreeLine &line, std::uint64_t nets, ResultWriter &writer) const
     {
-        IVDBInstance &instance = *clock.getInstance();
-        std::vector<std::string> aliases = design.names(*instance.getModule()).aliasesOf(*clock.getNet());
-        const std::string path = instance.getPath();
-        if (!path.empty()) {
-            for (std::string &alias : aliases) {
-                alias.insert(0, path + "/");
-            }
+        const std::vector<analysis::Clock> &clocks = design.clocks().clocks();
+        const analysis::Clock &clock = clocks[line.clock];
+        std::vector<std::string> parents;
+        for (const analysis::ClockId parent : clock.parents) {
+            parents.push_back(clocks[parent].name);
         }
-        const std::vector<std::string> &others = design.clocks().othersOf(&clock);
-        aliases.insert(aliases.begin(), others.begin(), others.end());
-        return aliases;
+        const IVDBLineInfo *source = clock.net != nullptr ? clock.net->getLineInfo() : nullptr;
+        const std::vector<std::string> aliases = aliasesOf(design, clock);
+        const std::string instance = clock.instance != nullptr ? clock.instance->getPath() : std::string();
+        const std::string drawn = line.drawing + clock.name;
+        const std::string shown = sourceText(source, m_directory);
+        const std::string also = alsoText(aliases, parents, line);
+        writer.row({std::string_view(drawn), std::string_view(clock.name), std::string_view(nameOf(clock.root)),
+                    std::string_view(edgesText(clock.edges)), clock.registers, nets, &parents, std::string_view(shown),
+                    std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
     }
 
-    /// The first few of @p names, for a table.
-    static std::string beginningOf(const std::vector<std::string> &names)
+    /// What else the wire of @p clock is called, as a domain of the database and in its own instance.
+    static std::vector<std::string> aliasesOf(Design &design, const analysis::Clock &clock)
     {
-        constexpr std::size_t MOST = 3;
-        const auto end = names.begin() + static_cast<std::ptrdiff_t>(std::min(names.size(), MOST));
-        std::string text = fmt::format("{}", fmt::join(names.begin(), end, " "));
-        return names.size() > MOST ? text + fmt::format(" and {} more", names.size() - MOST) : text;
-    }
-
-    /// The nets of a module, none for a black box. Lives as long as the command.
-    const std::vector<IVDBNet *> &netsOf(Design &design, IVDBNetlist *module)
-    {
-        const auto [nets, isNew] = m_netsOfModules.try_emplace(module);
-        if (isNew && !design.isBlackBox(*module)) {
-            nets->second = module->getNets(true);
-            const std::vector<IVDBNet *> others = module->getNets(false);
-            nets->second.insert(nets->second.end(), others.begin(), others.end());
-        }
-        return nets->second;
-    }
-
-    void countNets(Design &design, Progress &progress)
-    {
-        std::uint64_t all = 0;
-        for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
-            all += netsOf(design, walk.instance()->getModule()).size();
-        }
-        for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
-            for (IVDBNet *net : netsOf(design, walk.instance()->getModule())) {
-                ++m_nets[design.clockOf(*walk.instance(), *net)];
-                if (++m_total % 1024 == 0) {
-                    progress.update(m_total, all);
+        std::vector<std::string> aliases = clock.names;
+        if (clock.instance != nullptr && clock.net != nullptr) {
+            const std::string path = clock.instance->getPath();
+            for (const std::string &alias : design.names(*clock.instance->getModule()).aliasesOf(*clock.net)) {
+                std::string name = path.empty() ? alias : path + "/" + alias;
+                if (std::find(aliases.begin(), aliases.end(), name) == aliases.end()) {
+                    aliases.push_back(std::move(name));
                 }
             }
         }
+        return aliases;
     }
 
-    std::unordered_map<IVDBNetlist *, std::vector<IVDBNet *>> m_netsOfModules;
-    std::unordered_map<const IClockDomain *, std::uint64_t> m_nets;
-    std::uint64_t m_total = 0;
+    /// The first few of @p aliases and the parents that are not drawn, for a table.
+    static std::string alsoText(const std::vector<std::string> &aliases, const std::vector<std::string> &parents,
+                                const ClockTreeLine &line)
+    {
+        constexpr std::size_t MOST = 3;
+        const auto end = aliases.begin() + static_cast<std::ptrdiff_t>(std::min(aliases.size(), MOST));
+        std::string text = fmt::format("{}", fmt::join(aliases.begin(), end, " "));
+        if (aliases.size() > MOST) {
+            text += fmt::format(" and {} more", aliases.size() - MOST);
+        }
+        if (parents.size() > (line.drawing.empty() ? 0U : 1U)) {
+            text += fmt::format("{}(made from {})", text.empty() ? "" : " ", fmt::join(parents, ", "));
+        }
+        return text;
+    }
+
+    std::string m_directory = workingDirectory();
 };
 
 } // namespace

@@ -1,13 +1,14 @@
 #include "base/NumberOption.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
-#include "design/ClockOrder.h"
 #include "design/Design.h"
 #include "design/InstanceWalk.h"
 #include "design/PathResolver.h"
+#include "design/TreeDrawing.h"
 
 #include <CLI/CLI.hpp>
 #include <netlistdb/netlistdb.h>
+#include <unordered_map>
 
 namespace kvr::netlistdb::tool {
 
@@ -16,14 +17,25 @@ namespace {
 /// Name of an instance as the tree of a table draws it.
 std::string drawn(const InstanceWalk &walk, const std::string &name)
 {
-    std::string text;
-    for (std::size_t level = 1; level < walk.depth(); ++level) {
-        text += walk.isLast(level) ? "   " : "│  ";
+    std::vector<bool> isLast;
+    for (std::size_t level = 1; level <= walk.depth(); ++level) {
+        isLast.push_back(walk.isLast(level));
     }
-    if (walk.depth() > 0) {
-        text += walk.isLast(walk.depth()) ? "└─ " : "├─ ";
+    return treeDrawing(isLast) + name;
+}
+
+/// Names of the nets that begin a clock, by the instance they lie in.
+using ClocksByInstance = std::unordered_map<const IVDBInstance *, std::vector<std::string>>;
+
+ClocksByInstance clocksByInstance(const analysis::ClockMap &map)
+{
+    ClocksByInstance clocks;
+    for (const analysis::Clock &clock : map.clocks()) {
+        if (clock.instance != nullptr && clock.net != nullptr) {
+            clocks[clock.instance].push_back(clock.net->getName());
+        }
     }
-    return text + name;
+    return clocks;
 }
 
 class TreeCommand : public DesignCommand {
@@ -41,7 +53,7 @@ class TreeCommand : public DesignCommand {
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
         addNumber(app, "--depth", m_depth, 0, "Show at most N levels below the top");
-        app.add_flag("--clocks", m_clocks, "Show the clock domains that begin in each instance");
+        app.add_flag("--clocks", m_clocks, "Show the clocks that begin in each instance");
         app.add_flag("--user-modules", m_userModules, "Leave out instances of modules without source position");
         app.add_option("--from", m_from, "Show the instance PATH and what is below it")->type_name("PATH");
         DesignCommand::addOptions(app, common);
@@ -65,7 +77,7 @@ class TreeCommand : public DesignCommand {
                         {"user_declared", nullptr}};
         if (m_clocks) {
             head.columns.push_back({"clocks", "CLOCKS"});
-            m_domains = clocksByInstance(*design);
+            m_clocksOf = clocksByInstance(design->clocks());
         }
         const auto writer = session.makeWriter();
         writer->begin(head);
@@ -95,8 +107,8 @@ class TreeCommand : public DesignCommand {
                        std::string_view(module.getName()),    std::string_view(design.nameOf(module)),
                        std::string_view(module.GetLibName()), module.isUserDeclared()};
             if (m_clocks) {
-                const auto found = m_domains.find(&instance);
-                row.emplace_back(found != m_domains.end() ? &found->second : &NONE);
+                const auto found = m_clocksOf.find(&instance);
+                row.emplace_back(found != m_clocksOf.end() ? &found->second : &NONE);
             }
             writer.row(row);
             if (walk.depth() < m_depth) {
@@ -112,7 +124,7 @@ class TreeCommand : public DesignCommand {
     bool m_clocks = false;
     bool m_userModules = false;
     std::string m_from;
-    ClocksByInstance m_domains;
+    ClocksByInstance m_clocksOf;
 };
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "base/Progress.h"
 #include "base/Stats.h"
-#include "design/ClockOrder.h"
 #include "design/InstanceLimit.h"
 
 #include <DataBase.h>
@@ -18,6 +17,7 @@ Design::Design(std::string name, Form form, Clocks clocks, const Verific::Netlis
 
 Design::~Design()
 {
+    m_clocks.reset();
     m_database.reset();
     Verific::Libset::Reset();
 }
@@ -55,16 +55,15 @@ ItemFacts Design::factsOf(const IVDBInstance &instance) const
     return tool::factsOf(m_sources.of(instance));
 }
 
-IClockDomain *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
+IClockDomain *Design::firstClockOf(IVDBInstance &instance, IVDBNet &net)
 {
-    return clocks().of(m_database->findDrivingClockDomains(&instance, &net, type()));
+    return m_database->findDrivingClockDomains(&instance, &net, type());
 }
 
-const ClockWires &Design::clocks()
+const analysis::ClockMap &Design::clocks()
 {
     if (m_clocks == nullptr) {
-        m_clocks =
-            std::make_unique<ClockWires>(m_sources, domainsInOrder(root(), m_database->listAllClockDomains(type())));
+        m_clocks = std::make_unique<const analysis::ClockMap>(*m_database, type());
     }
     return *m_clocks;
 }

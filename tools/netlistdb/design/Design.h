@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/Failure.h"
-#include "design/ClockWires.h"
 #include "design/DeviceCensus.h"
 #include "design/Form.h"
 #include "design/ItemFacts.h"
@@ -11,6 +10,7 @@
 
 #include <memory>
 #include <netlistdb/DesignDatabase.h>
+#include <netlistdb/analysis/ClockMap.h>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -42,10 +42,10 @@ class Design {
     DesignDatabase &database() { return *m_database; }
     IVDBNetlist &top();
     IVDBInstance &root();
-    /// The clock that drives @p net in @p instance, or null: the one domain that stands for all on its wire.
-    IClockDomain *clockOf(IVDBInstance &instance, IVDBNet &net);
-    /// The clocks of the design. Found out at the first call of this or clockOf().
-    const ClockWires &clocks();
+    /// Every clock of every net. Built at the first call. Needs Clocks::Yes.
+    const analysis::ClockMap &clocks();
+    /// The domain that the database finds for @p net in @p instance: that of the first register it meets, or null.
+    IClockDomain *firstClockOf(IVDBInstance &instance, IVDBNet &net);
     /// True for a cell whose insides are not part of the design; what it has of nets are its pins.
     bool isBlackBox(const IVDBNetlist &module) const { return m_sources.isBlackBox(module); }
     /// What the nets of @p module are called.
@@ -63,7 +63,7 @@ class Design {
     SourceNetlists m_sources;
     DeviceCensus m_devices;
     std::unique_ptr<DesignDatabase> m_database;
-    std::unique_ptr<ClockWires> m_clocks;
+    std::unique_ptr<const analysis::ClockMap> m_clocks;
     std::unordered_map<const IVDBNetlist *, std::unique_ptr<ModuleNames>> m_names;
     std::unordered_map<const IVDBNetlist *, std::string> m_moduleNames;
 };

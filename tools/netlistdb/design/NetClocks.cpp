@@ -7,24 +7,18 @@
 
 namespace kvr::netlistdb::tool {
 
-namespace {
-
-void addClock(Design &design, IVDBInstance &instance, IVDBNet &net, std::vector<std::string> &clocks)
-{
-    const IClockDomain *domain = design.clockOf(instance, net);
-    if (domain != nullptr && std::find(clocks.begin(), clocks.end(), domain->getName()) == clocks.end()) {
-        clocks.push_back(domain->getName());
-    }
-}
-
-} // namespace
-
-void findClocks(Design &design, IVDBInstance &instance, const std::vector<IVDBNet *> &nets,
+void findClocks(Design &design, const IVDBInstance &instance, const std::vector<IVDBNet *> &nets,
                 std::vector<std::string> &clocks)
 {
     clocks.clear();
-    for (IVDBNet *net : nets) {
-        addClock(design, instance, *net, clocks);
+    const analysis::ClockMap &map = design.clocks();
+    for (const IVDBNet *net : nets) {
+        for (const analysis::ReachingClock &reaching : map.launch(&instance, net).clocks) {
+            const std::string &name = map.clocks()[reaching.clock].name;
+            if (std::find(clocks.begin(), clocks.end(), name) == clocks.end()) {
+                clocks.push_back(name);
+            }
+        }
     }
 }
 

@@ -12,9 +12,9 @@ namespace kvr::netlistdb::tool {
 
 class Design;
 
-/// Names of the clocks that drive @p nets, seen in @p instance: each once, in the order of the nets; none for what no
-/// clock drives.
-void findClocks(Design &design, IVDBInstance &instance, const std::vector<IVDBNet *> &nets,
+/// Names of the clocks whose registers reach @p nets, seen in @p instance: each once, in the order of the nets, and of
+/// one net the nearest first.
+void findClocks(Design &design, const IVDBInstance &instance, const std::vector<IVDBNet *> &nets,
                 std::vector<std::string> &clocks);
 
 } // namespace kvr::netlistdb::tool

@@ -23,6 +23,7 @@ struct Converter {
         }
         return object;
     }
+    Json operator()(const Json *value) const { return *value; }
 };
 
 Json convert(const Value &value)

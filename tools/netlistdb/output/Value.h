@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,9 +10,9 @@
 
 namespace kvr::netlistdb::tool {
 
-/// One field of a result. Texts and lists are not owned: they must live until the row has been written.
+/// One field of a result. Texts, lists and JSON values are not owned: they must live until the row has been written.
 using Value = std::variant<std::monostate, bool, std::uint64_t, std::string_view, const std::vector<std::string> *,
-                           const std::vector<std::pair<std::string, std::string>> *>;
+                           const std::vector<std::pair<std::string, std::string>> *, const nlohmann::ordered_json *>;
 
 /// One result: a value for each column.
 using Row = std::vector<Value>;

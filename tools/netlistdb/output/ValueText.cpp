@@ -1,5 +1,7 @@
 #include "output/ValueText.h"
 
+#include "output/Json.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -24,6 +26,7 @@ struct Texter {
         }
         return text;
     }
+    std::string operator()(const Json *value) const { return jsonText(*value); }
 };
 
 } // namespace
