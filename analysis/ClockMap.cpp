@@ -2,7 +2,7 @@
 #include "analysis/LaunchCounts.h"
 #include "analysis/Proof.h"
 
-#include <netlistdb/DesignDatabase.h>
+#include <netlistdb/netlistdb.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -149,7 +149,18 @@ LaunchProof ClockMap::why(const IVDBInstance *inst, const IVDBNet *net) const
     Context context;
     std::uint32_t number = NONE;
     if (!m_state->find(inst, net, context, number)) {
-        return {};
+        const std::string path = inst->getPath();
+        ChainStep end;
+        end.kind = StepKind::End;
+        end.instance = const_cast<IVDBInstance *>(inst);
+        end.net = const_cast<IVDBNet *>(net);
+        end.netName = path.empty() ? net->getName() : path + "/" + net->getName();
+        end.cell = path;
+        end.cellType = inst->getModule()->getName();
+        end.output = net->getName();
+        LaunchProof proof;
+        proof.ends.push_back({REACHED_BY_BLACK_BOX, {std::move(end)}});
+        return proof;
     }
     return prove(*m_state, {std::move(context), number});
 }
@@ -160,10 +171,10 @@ bool ClockMap::related(ClockId a, ClockId b) const
     return m_state->table.related(a, b);
 }
 
-std::vector<std::uint64_t> ClockMap::countNetsLaunched() const
+NetCounts ClockMap::countNets() const
 {
     m_state->check();
-    return kvr::netlistdb::analysis::countNetsLaunched(m_state->design, m_state->table);
+    return kvr::netlistdb::analysis::countNets(m_state->design, m_state->table);
 }
 
 std::size_t ClockMap::memory() const

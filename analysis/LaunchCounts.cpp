@@ -21,7 +21,7 @@ class LaunchCounter {
         }
     }
 
-    std::vector<std::uint64_t> count()
+    NetCounts count()
     {
         m_open.push_back({m_design.topLevel(), {}, {}, {}, 0});
         enter(m_open.back());
@@ -36,10 +36,15 @@ class LaunchCounter {
             enter(next);
             m_open.push_back(std::move(next));
         }
-        std::vector<std::uint64_t> result(m_table.clocks().size());
+        NetCounts result;
+        result.launched.resize(m_table.clocks().size());
         for (std::uint32_t set = 0; set < m_nets.size(); ++set) {
+            result.nets += m_nets[set];
+            if (m_sets[set].empty()) {
+                result.withoutClock += m_nets[set];
+            }
             for (const SetTable::Entry &entry : m_sets[set]) {
-                result[entry.atom.number()] += m_nets[set];
+                result.launched[entry.atom.number()] += m_nets[set];
             }
         }
         return result;
@@ -120,7 +125,7 @@ class LaunchCounter {
 
 } // namespace
 
-std::vector<std::uint64_t> countNetsLaunched(const DesignModel &design, const ClockTable &table)
+NetCounts countNets(const DesignModel &design, const ClockTable &table)
 {
     return LaunchCounter(design, table).count();
 }

@@ -3,12 +3,11 @@
 #include "analysis/ClockTable.h"
 #include "analysis/DesignModel.h"
 
-#include <cstdint>
-#include <vector>
+#include <netlistdb/analysis/Clocks.h>
 
 namespace kvr::netlistdb::analysis {
 
-/// For each clock, the number of nets, unfolded, that its registers reach.
-std::vector<std::uint64_t> countNetsLaunched(const DesignModel &design, const ClockTable &table);
+/// The unfolded nets by the clocks whose registers reach them.
+NetCounts countNets(const DesignModel &design, const ClockTable &table);
 
 } // namespace kvr::netlistdb::analysis

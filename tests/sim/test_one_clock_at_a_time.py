@@ -50,6 +50,21 @@ def made_from(clocks):
     return result
 
 
+def instances_with_contents(netlist, top):
+    """Paths of all instances of modules that are more than pins."""
+    with open(netlist) as stream:
+        modules = json.load(stream)["modules"]
+    paths, waiting = set(), [("", top)]
+    while waiting:
+        path, name = waiting.pop()
+        module = modules.get(name, {"attributes": {"blackbox": 1}})
+        if not {"blackbox", "whitebox"} & set(module["attributes"]):
+            paths.add(path)
+            waiting += [(f"{path}/{each}".strip("/"), cell["type"]) for each, cell in module["cells"].items()
+                        if cell["type"] in modules]
+    return paths
+
+
 class OneClockAtATime(unittest.TestCase):
     def test_a_net_that_changes_with_a_clock_is_reached_by_it(self):
         checked = changed = with_loops = violations = 0
@@ -59,8 +74,9 @@ class OneClockAtATime(unittest.TestCase):
                 reaching = self.reaching(netlist)
                 listed = {row["clock"] for row in results("clocks", netlist)}
                 self.assertLessEqual(set(clocks.values()), listed)
+                instances = instances_with_contents(netlist, top)
                 seen = {name: with_clocks for name, with_clocks in self.changes(top, netlist, clocks).items()
-                        if name in reaching}
+                        if name in reaching and name.rpartition("/")[0] in instances}
                 self.assertGreater(len(seen), 20)
                 wrong = []
                 for name, with_clocks in seen.items():
@@ -76,7 +92,7 @@ class OneClockAtATime(unittest.TestCase):
                 self.assertEqual(wrong, [])
         print(f"nets checked: {checked}, of which changed: {changed}; left out, behind loops: {with_loops}; "
               f"violations: {violations}", file=sys.stderr)
-        self.assertGreater(changed, 4000)
+        self.assertGreater(changed, 1500)
 
     def reaching(self, netlist):
         """For each net, the clocks it may change with, and whether a loop reaches it."""
@@ -97,7 +113,7 @@ class OneClockAtATime(unittest.TestCase):
             inputs = json.load(stream)["modules"][top]["ports"]
         resets = {"rst_ni": 0} if "rst_ni" in inputs else {}
         with tempfile.TemporaryDirectory() as scratch:
-            seen = simulate(netlist, top, clocks, resets, models, scratch, seed=1)
+            seen = simulate(netlist, top, clocks, resets, models, scratch, seed=1, rounds=10, cycles=60)
         return {name if bit is None else f"{name}[{bit}]": changed for (name, bit), changed in seen.items()}
 
 

@@ -62,9 +62,9 @@ class NETLISTDB_EXPORT ClockMap {
     /// Whether two clocks have an ancestor in common, or one is the other's ancestor: they are then in step, as far as
     /// the netlist tells.
     bool related(ClockId a, ClockId b) const;
-    /// For each clock, the number of nets, unfolded, that its registers reach. Walks the contexts in which modules are
-    /// used: keep the result.
-    std::vector<std::uint64_t> countNetsLaunched() const;
+    /// The unfolded nets by the clocks whose registers reach them. Walks the contexts in which modules are used: keep the
+    /// result.
+    NetCounts countNets() const;
     /// Bytes that the map holds.
     std::size_t memory() const;
 

@@ -77,6 +77,13 @@ struct LaunchClocks {
     std::uint32_t reached = 0; ///< mask of Reaching
 };
 
+/// Nets of a design, bit by bit in every instance of a module with contents.
+struct NetCounts {
+    std::vector<std::uint64_t> launched; ///< by ClockId: those that its registers reach
+    std::uint64_t nets = 0;              ///< all
+    std::uint64_t withoutClock = 0;      ///< those that the registers of no clock reach
+};
+
 /// How a register uses what it captures, one bit each.
 enum CaptureRole : std::uint8_t {
     CAPTURE_DATA = 1,      ///< data, address

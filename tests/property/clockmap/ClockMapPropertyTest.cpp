@@ -206,7 +206,7 @@ void compare(unsigned seed, bool elaborated)
         }
     });
     if (elaborated) {
-        ASSERT_EQ(map.countNetsLaunched(), launched);
+        ASSERT_EQ(map.countNets().launched, launched);
     }
 }
 

@@ -87,7 +87,7 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
     }
-    const std::string warning = design->devices().warning(source.form);
+    const std::string warning = design->devices().warning();
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);
     }

@@ -37,7 +37,7 @@ std::string familyOf(const Counts &families)
 
 } // namespace
 
-std::string DeviceCensus::warning(Form form) const
+std::string DeviceCensus::warning() const
 {
     if (unknown.empty()) {
         return {};
@@ -49,9 +49,8 @@ std::string DeviceCensus::warning(Form form) const
     const std::string types = unknown.size() == 1
                                   ? fmt::format("of the unknown type {}", unknown.front().first)
                                   : fmt::format("of {} unknown types, {} first", unknown.size(), unknown.front().first);
-    return fmt::format("{} cell{} {}: {}; --cells adds {}", cells, cells == 1 ? "" : "s", types,
-                       form == Form::PostMap ? "taken for combinational" : "no clock is followed further back",
-                       unknown.size() == 1 ? "it" : "them");
+    return fmt::format("{} cell{} {}: no clock is followed through {}; --cells adds {}", cells, cells == 1 ? "" : "s",
+                       types, cells == 1 ? "it" : "them", unknown.size() == 1 ? "it" : "them");
 }
 
 DeviceCensus takeDeviceCensus(const Verific::Netlist &netlist, Form form)

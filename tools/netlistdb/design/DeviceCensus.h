@@ -16,7 +16,7 @@ struct DeviceCensus {
     std::vector<std::pair<std::string, std::uint64_t>> unknown; ///< black boxes that nobody knows, the most first
 
     /// One line about the unknown cells; empty when there are none.
-    std::string warning(Form form) const;
+    std::string warning() const;
 };
 
 /// Counts the device cells at the top of @p netlist, and with the elaborated form in every module below it, too.
