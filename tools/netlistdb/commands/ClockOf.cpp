@@ -80,7 +80,7 @@ class ClockOfCommand : public DesignCommand {
             const std::vector<PathResolver::Bit> found = resolver.nets(path);
             bits.insert(bits.end(), found.begin(), found.end());
         }
-        const std::vector<const IClockDomain *> domains = trace(*design, bits);
+        const std::vector<const Clock *> clocks = trace(*design, bits);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "clock-of";
@@ -88,7 +88,7 @@ class ClockOfCommand : public DesignCommand {
         head.columns = {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
         writer->begin(head);
         for (std::size_t at = 0; at < bits.size(); ++at) {
-            write(*writer, bits[at], domains[at]);
+            write(*writer, bits[at], clocks[at]);
         }
         session.stats.end();
         const int exitCode = session.finish(*writer, m_found, Ending::Complete);
@@ -104,31 +104,31 @@ class ClockOfCommand : public DesignCommand {
     std::size_t mostOwnArguments() const override { return SIZE_MAX / 2; }
 
   private:
-    static std::vector<const IClockDomain *> trace(Design &design, const std::vector<PathResolver::Bit> &bits)
+    static std::vector<const Clock *> trace(Design &design, const std::vector<PathResolver::Bit> &bits)
     {
-        std::vector<const IClockDomain *> domains(bits.size());
+        std::vector<const Clock *> clocks(bits.size());
         // A database remembers what its traces met. Those that start on a pin of a black box meet nets of the design,
         // but may find no clock for them: they come last, so that they spoil no other answer.
         for (const bool onBlackBoxes : {false, true}) {
             for (std::size_t at = 0; at < bits.size(); ++at) {
                 const auto &[instance, net, name] = bits[at];
                 if (net != nullptr && design.isBlackBox(*instance->getModule()) == onBlackBoxes) {
-                    domains[at] = design.clockOf(*instance, *net);
+                    clocks[at] = design.clockOf(*instance, *net);
                 }
             }
         }
-        return domains;
+        return clocks;
     }
 
-    void write(ResultWriter &writer, const PathResolver::Bit &bit, const IClockDomain *domain)
+    void write(ResultWriter &writer, const PathResolver::Bit &bit, const Clock *clock)
     {
-        m_found = m_found || domain != nullptr;
+        m_found = m_found || clock != nullptr;
         std::string path = bit.net != nullptr ? VDBHelper::getNetFullName(bit.net, bit.instance) : bit.name;
         if (writer.isTable() && path != bit.name) {
             path += " (= " + bit.name + ")";
         }
         const Value none = writer.isTable() ? Value(std::string_view("(none)")) : Value();
-        writer.row({std::string_view(path), domain != nullptr ? Value(std::string_view(domain->getName())) : none});
+        writer.row({std::string_view(path), clock != nullptr ? Value(std::string_view(clock->name)) : none});
     }
 
     bool m_found = false;

@@ -9,6 +9,7 @@
 #include <fmt/ranges.h>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace kvr::netlistdb::tool {
 
@@ -31,7 +32,7 @@ class ClocksCommand : public DesignCommand {
     int run(Session &session) override
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
-        const std::vector<IClockDomain *> &domains = design->clocks().clocks();
+        const std::vector<Clock> &clocks = design->clocks().clocks();
         session.progress.begin("tracing nets");
         session.stats.begin("trace");
         countNets(*design, session.progress);
@@ -50,17 +51,17 @@ class ClocksCommand : public DesignCommand {
         session.progress.clear();
         writer->begin(head);
         const std::string directory = workingDirectory();
-        for (const IClockDomain *domain : domains) {
-            const IVDBLineInfo *source = domain->getNet()->getLineInfo();
+        for (const Clock &clock : clocks) {
+            const IVDBLineInfo *source = clock.nets.front().net->getLineInfo();
             const std::string shown = sourceText(source, directory);
-            const std::string instance = domain->getInstance()->getPath();
-            const std::vector<std::string> aliases = aliasesOf(*design, *domain);
+            const std::string instance = clock.nets.front().instance->getPath();
+            const std::vector<std::string> aliases = aliasesOf(*design, clock);
             const std::string also = beginningOf(aliases);
-            writer->row({m_nets[domain], std::string_view(domain->getName()), std::string_view(shown),
-                         std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
+            writer->row({m_nets[&clock], std::string_view(clock.name), std::string_view(shown), std::string_view(also),
+                         &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
         }
         session.stats.end();
-        const int exitCode = session.finish(*writer, !domains.empty(), Ending::Complete,
+        const int exitCode = session.finish(*writer, !clocks.empty(), Ending::Complete,
                                             {{"nets", m_total}, {"nets_without_clock", m_nets[nullptr]}});
         if (writer->isTable()) {
             session.note(fmt::format("{} of {} nets are driven by no clock", m_nets[nullptr], m_total));
@@ -69,19 +70,25 @@ class ClocksCommand : public DesignCommand {
     }
 
   private:
-    /// What else the wire of @p clock is called, in its own instance and in others.
-    static std::vector<std::string> aliasesOf(Design &design, const IClockDomain &clock)
+    /// What else the nets of @p clock are called, each name once.
+    static std::vector<std::string> aliasesOf(Design &design, const Clock &clock)
     {
-        IVDBInstance &instance = *clock.getInstance();
-        std::vector<std::string> aliases = design.names(*instance.getModule()).aliasesOf(*clock.getNet());
-        const std::string path = instance.getPath();
-        if (!path.empty()) {
-            for (std::string &alias : aliases) {
-                alias.insert(0, path + "/");
+        std::vector<std::string> aliases;
+        std::unordered_set<std::string> seen = {clock.name};
+        const auto add = [&](const std::string &name) {
+            if (seen.insert(name).second) {
+                aliases.push_back(name);
+            }
+        };
+        for (const ClockNet &each : clock.nets) {
+            add(each.fullName());
+        }
+        for (const ClockNet &each : clock.nets) {
+            const std::string path = each.instance->getPath();
+            for (const std::string &name : design.names(*each.instance->getModule()).aliasesOf(*each.net)) {
+                add(path.empty() ? name : path + "/" + name);
             }
         }
-        const std::vector<std::string> &others = design.clocks().othersOf(&clock);
-        aliases.insert(aliases.begin(), others.begin(), others.end());
         return aliases;
     }
 
@@ -123,7 +130,7 @@ class ClocksCommand : public DesignCommand {
     }
 
     std::unordered_map<IVDBNetlist *, std::vector<IVDBNet *>> m_netsOfModules;
-    std::unordered_map<const IClockDomain *, std::uint64_t> m_nets;
+    std::unordered_map<const Clock *, std::uint64_t> m_nets;
     std::uint64_t m_total = 0;
 };
 

@@ -10,7 +10,6 @@
 #include "design/OtherNameHits.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
-#include "design/SourceText.h"
 
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
@@ -219,8 +218,7 @@ class SearchCommand : public DesignCommand {
                 alias.insert(0, m_prefix);
             }
         }
-        const IVDBLineInfo *source = hit.item != nullptr ? hit.item->getLineInfo() : hit.source;
-        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.declared;
+        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.signal->declared;
         const std::uint64_t width = hit.item != nullptr ? hit.item->getWidth() : hit.signal->bits.size();
         writer.row({std::string_view(kindOf(hit) == ITEM_NET_BUS ? "bus" : "net"),
                     width,
@@ -229,8 +227,8 @@ class SearchCommand : public DesignCommand {
                     {},
                     {},
                     declared,
-                    fileOf(source),
-                    lineOf(source),
+                    facts.fileValue(),
+                    facts.lineValue(),
                     matched.empty() ? Value() : std::string_view(matched),
                     &facts.aliases,
                     &facts.sources,

@@ -35,8 +35,8 @@ std::vector<IClockDomain *> domainsInOrder(IVDBInstance &root, const std::vector
 ClocksByInstance clocksByInstance(Design &design)
 {
     ClocksByInstance clocks;
-    for (IClockDomain *domain : design.clocks().clocks()) {
-        clocks[domain->getInstance()].push_back(domain->getNet()->getName());
+    for (const Clock &clock : design.clocks().clocks()) {
+        clocks[clock.nets.front().instance].push_back(clock.nets.front().net->getName());
     }
     return clocks;
 }

@@ -7,31 +7,46 @@
 namespace kvr::netlistdb {
 class IClockDomain;
 class IVDBInstance;
+class IVDBNet;
 } // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::tool {
 
+class Design;
 class SourceNetlists;
 
-/// Tells which clock domains are one wire: a clock that enters a module is a net there as well, and a domain of its own
-/// to the database. People count wires.
+/// A net in an instance.
+struct ClockNet {
+    IVDBInstance *instance;
+    IVDBNet *net;
+
+    std::string fullName() const;
+};
+
+/// A clock as people know it: one wire, from where it enters the design to the pins that it clocks.
+struct Clock {
+    std::string name;           ///< full name of the first of the nets
+    std::vector<ClockNet> nets; ///< the one that names the clock, then those of the clock domains, in order
+};
+
+/// Groups clock domains into clocks. A clock that enters a module is a net there as well, and a domain of its own to
+/// the database; so is the net in front of a clock buffer, and the one behind it. Clock gates, multiplexers and
+/// dividers begin another clock.
 class ClockWires {
   public:
-    /// @p domains stand in the order in which the program shows them.
-    ClockWires(const SourceNetlists &sources, const std::vector<IClockDomain *> &domains);
+    /// @p domains are in the order in which the program shows them.
+    ClockWires(Design &design, const SourceNetlists &sources, const std::vector<IClockDomain *> &domains);
+    ClockWires(const ClockWires &) = delete;
+    ClockWires &operator=(const ClockWires &) = delete;
 
-    /// The domain that stands for all on the wire of @p domain: the one nearest to the top, the first of several.
-    /// Null for null.
-    IClockDomain *of(IClockDomain *domain) const;
-    /// The domains that stand for their wires, in order.
-    const std::vector<IClockDomain *> &clocks() const { return m_clocks; }
-    /// Names of the others on the wire of @p clock, in order.
-    const std::vector<std::string> &othersOf(const IClockDomain *clock) const;
+    /// The clock that @p domain belongs to, or null for null.
+    const Clock *of(const IClockDomain *domain) const;
+    /// All clocks, in order.
+    const std::vector<Clock> &clocks() const { return m_clocks; }
 
   private:
-    std::unordered_map<const IClockDomain *, IClockDomain *> m_wires;
-    std::unordered_map<const IClockDomain *, std::vector<std::string>> m_others;
-    std::vector<IClockDomain *> m_clocks;
+    std::vector<Clock> m_clocks;
+    std::unordered_map<const IClockDomain *, std::size_t> m_numbers;
 };
 
 } // namespace kvr::netlistdb::tool

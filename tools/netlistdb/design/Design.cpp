@@ -55,7 +55,7 @@ ItemFacts Design::factsOf(const IVDBInstance &instance) const
     return tool::factsOf(m_sources.of(instance));
 }
 
-IClockDomain *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
+const Clock *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
 {
     return clocks().of(m_database->findDrivingClockDomains(&instance, &net, type()));
 }
@@ -63,8 +63,8 @@ IClockDomain *Design::clockOf(IVDBInstance &instance, IVDBNet &net)
 const ClockWires &Design::clocks()
 {
     if (m_clocks == nullptr) {
-        m_clocks =
-            std::make_unique<ClockWires>(m_sources, domainsInOrder(root(), m_database->listAllClockDomains(type())));
+        m_clocks = std::make_unique<ClockWires>(*this, m_sources,
+                                                domainsInOrder(root(), m_database->listAllClockDomains(type())));
     }
     return *m_clocks;
 }
@@ -87,6 +87,9 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     }
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
+    }
+    if (std::string note = noteOnHierarchy(*source.netlist, source.form); !note.empty()) {
+        reading.notes.push_back(std::move(note));
     }
     const std::string warning = design->devices().warning(source.form);
     if (clocks == Clocks::Yes && !warning.empty()) {

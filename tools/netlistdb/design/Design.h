@@ -42,9 +42,9 @@ class Design {
     DesignDatabase &database() { return *m_database; }
     IVDBNetlist &top();
     IVDBInstance &root();
-    /// The clock that drives @p net in @p instance, or null: the one domain that stands for all on its wire.
-    IClockDomain *clockOf(IVDBInstance &instance, IVDBNet &net);
-    /// The clocks of the design. Found out at the first call of this or clockOf().
+    /// The clock that drives @p net in @p instance, or null.
+    const Clock *clockOf(IVDBInstance &instance, IVDBNet &net);
+    /// The clocks of the design. The first call of this or clockOf() finds them.
     const ClockWires &clocks();
     /// True for a cell whose insides are not part of the design; what it has of nets are its pins.
     bool isBlackBox(const IVDBNetlist &module) const { return m_sources.isBlackBox(module); }

@@ -40,7 +40,9 @@ struct OtherSignal {
     bool isVector = false;
     int left = 0;
     int right = 0;
+    bool declared = false;      ///< by the user
     std::string src;            ///< as the netlist has it; empty when there is none
+    std::size_t segments = 0;   ///< of the hierarchical name; 0 when not known
     std::vector<NamedBit> bits; ///< from the right end of the vector on
 
     /// Place of @p index in bits, when it has one.

@@ -11,9 +11,9 @@ namespace {
 
 void addClock(Design &design, IVDBInstance &instance, IVDBNet &net, std::vector<std::string> &clocks)
 {
-    const IClockDomain *domain = design.clockOf(instance, net);
-    if (domain != nullptr && std::find(clocks.begin(), clocks.end(), domain->getName()) == clocks.end()) {
-        clocks.push_back(domain->getName());
+    const Clock *clock = design.clockOf(instance, net);
+    if (clock != nullptr && std::find(clocks.begin(), clocks.end(), clock->name) == clocks.end()) {
+        clocks.push_back(clock->name);
     }
 }
 
