@@ -78,7 +78,7 @@ void CellParts::connect(Verific::Instance &inst, CellType &type, const CellPlan 
             isElsewhere[output] = 1;
         }
     }
-    // What decides on the clock of an output stands first: the clock, or what an output without a clock depends on.
+    // What decides on the clock of an output comes first: the clock, or what an output without a clock depends on.
     Connections ordered;
     const auto put = [&](unsigned pin) {
         if (nets[pin] != nullptr && isElsewhere[pin] == 0) {

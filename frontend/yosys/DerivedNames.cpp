@@ -115,8 +115,8 @@ bool DerivedNames::contains(std::string_view name) const
     return false;
 }
 
-/// True when at @p typeAt stand a cell type, one of its ports, perhaps a number, and something that begins another
-/// port.
+/// True when a cell type follows at @p typeAt, then one of its ports, perhaps a number, and something that begins
+/// another port.
 bool DerivedNames::namesPin(std::string_view name, std::size_t typeAt) const
 {
     const std::string_view rest = name.substr(typeAt);

@@ -58,7 +58,7 @@ std::string textOf(std::string_view bits)
     return quoted(text);
 }
 
-/// `s32'0101…`, `t40'…` for texts, `12'…` for vectors without sign; anything else as it stands.
+/// `s32'0101…`, `t40'…` for texts, `12'…` for vectors without sign; anything else as is.
 std::string valueOf(std::string_view text)
 {
     const std::size_t tick = text.find('\'');

@@ -13,11 +13,11 @@ constexpr const char *USER_MODULE = "netlistdb.module";
 
 /// What the user wrote for a module that has a generated name.
 struct UserModuleName {
-    std::string module; ///< empty for modules that bear the user's name anyway
+    std::string module; ///< empty for modules that have the user's name anyway
     std::string text;   ///< with its parameters
 };
 
-/// Takes apart `$paramod\module\NAME=value…` or `$paramod$hash\module`. The second form tells no parameters;
+/// Takes apart `$paramod\module\NAME=value…` or `$paramod$hash\module`. The second form has no parameters;
 /// @p parameters, those of the module as the file lists them, stand for them.
 UserModuleName userModuleName(std::string_view name,
                               const std::vector<std::pair<std::string, std::string>> &parameters);

@@ -53,7 +53,7 @@ def index_of(fields, position):
 
 
 def is_vector(name, fields):
-    """A bit of a vector that was split keeps the offset, and bears it in its name."""
+    """A bit of a vector that was split keeps the offset, and has it in its name."""
     offset = fields.get("offset", 0)
     return len(fields["bits"]) != 1 or (offset != 0 and not name.endswith(f"[{offset}]"))
 

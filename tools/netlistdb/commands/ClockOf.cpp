@@ -43,10 +43,10 @@ class ClockOfCommand : public DesignCommand {
     const char *arguments() const override { return "DESIGN... PATH... [OPTIONS]"; }
     const char *more() const override
     {
-        return "PATH is any of the full names of a net, or of a bus, which answers for each of its bits; `-` reads "
+        return "PATH is any of the full names of a net, or of a bus, which gives a row for each of its bits; `-` reads "
                "paths from\n"
                "standard input, one a line. The clock domain of a net is the clock of the first register that is\n"
-               "met on the way back from it. Nothing is answered when one of the paths does not exist.\n\n"
+               "met on the way back from it. Nothing is shown when one of the paths does not exist.\n\n"
                "Examples:\n"
                "  netlistdb clock-of soc.json u_uart/tx_shift_q 'u_uart/count_q[3]'\n"
                "  netlistdb search soc.json fifo --paths | netlistdb clock-of soc.json -";
@@ -108,7 +108,7 @@ class ClockOfCommand : public DesignCommand {
     {
         std::vector<const Clock *> clocks(bits.size());
         // A database remembers what its traces met. Those that start on a pin of a black box meet nets of the design,
-        // but may find no clock for them: they come last, so that they spoil no other answer.
+        // but may find no clock for them: they come last, so that they spoil no other result.
         for (const bool onBlackBoxes : {false, true}) {
             for (std::size_t at = 0; at < bits.size(); ++at) {
                 const auto &[instance, net, name] = bits[at];

@@ -18,10 +18,10 @@ namespace {
 class ClocksCommand : public DesignCommand {
   public:
     const char *name() const override { return "clocks"; }
-    const char *summary() const override { return "Show every clock domain with the number of nets it drives"; }
+    const char *summary() const override { return "Show every clock with the number of nets it drives"; }
     const char *more() const override
     {
-        return "A net, counted bit by bit in every instance, belongs to the domain that `clock-of` answers for it. "
+        return "A net, counted bit by bit in every instance, belongs to the clock that `clock-of` shows for it. "
                "The\n"
                "pins of black boxes are no nets of the design.\n\n"
                "Examples:\n"

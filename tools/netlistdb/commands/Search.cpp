@@ -124,7 +124,7 @@ class SearchCommand : public DesignCommand {
         OtherNameHits others(design, pattern, m_param.userNetsOnly);
         for (;;) {
             IVDBItem *item = !session.interrupt.requested() && results.next() ? results.getCurrent() : nullptr;
-            // Hits by other names stand between the buses and the nets of their instance.
+            // Hits by other names come between the buses and the nets of their instance.
             if (item == nullptr || item->getItemType() != ITEM_NET_BUS) {
                 for (const OtherNameHit &hit : others.take()) {
                     if (!m_kinds.has(kindOf(hit))) {

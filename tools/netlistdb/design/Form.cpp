@@ -28,7 +28,7 @@ bool isIn(const Verific::Netlist &netlist, const char *library)
     return name != nullptr && std::strcmp(name, library) == 0;
 }
 
-/// What an instance says about the form of the netlist that it stands in.
+/// What an instance says about the form of its netlist.
 enum class Hint { Nothing, Mapped, LooksMapped, LooksElaborated, Elaborated };
 
 Hint hintOf(const Verific::Instance &instance)

@@ -41,7 +41,7 @@ std::string hdlNameOf(const Verific::DesignObj &object)
                                    textOf(object.GetAttValue("scopename")));
 }
 
-/// The bits of @p bus from its right end on. Members of a made-up bus stand in ascending order of their subscripts,
+/// The bits of @p bus from its right end on. Members of a made-up bus are in ascending order of their subscripts,
 /// those of a declared one from left to right.
 std::vector<NamedBit> bitsOf(IVDBNetBus &bus)
 {
@@ -155,7 +155,7 @@ void ModuleNames::readOtherNames()
     });
 }
 
-/// Adds the hierarchical names of the nets and buses that bear their own.
+/// Adds the hierarchical names of the nets and buses that have their own.
 void ModuleNames::addPaths()
 {
     Verific::MapIter mi;

@@ -32,7 +32,7 @@ class OtherNameHits {
     {
     }
 
-    /// Looks through the names in @p instance; @p prefix stands in front of them.
+    /// Looks through the names in @p instance; @p prefix precedes them.
     void enter(IVDBInstance &instance, const std::string &prefix);
     /// Hands out the hits in the instance, once.
     std::vector<OtherNameHit> take();
