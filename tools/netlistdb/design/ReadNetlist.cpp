@@ -127,6 +127,7 @@ Verific::Netlist *findModule(const std::string &file, const std::string &name)
     }
     if (variants.size() > 1) {
         std::vector<std::string> names;
+        names.reserve(variants.size());
         for (const auto &variant : variants) {
             names.push_back(variant.first);
         }
