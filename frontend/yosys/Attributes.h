@@ -19,15 +19,15 @@ class AttributeReader {
   public:
     explicit AttributeReader(JsonText &text) : m_text(text) {}
 
-    /// What a first look at the attributes of a net tells, without carrying anything over.
+    /// What a first look at the attributes of a net finds, without copying any.
     struct Summary {
         Verific::linefile_type position = 0;
         bool any = false;    ///< there are attributes
-        bool others = false; ///< something stands there beside one position
+        bool others = false; ///< something else than one position
     };
     Summary summarize(json::object &attributes);
 
-    /// The attributes that tell where a net comes from. The texts live until the next call.
+    /// The attributes that say where a net comes from. The texts live until the next call.
     struct Origin {
         std::string_view src;
         std::string_view hdlName;
@@ -42,7 +42,7 @@ class AttributeReader {
     {
         apply(attributes, object, source, [](std::string_view, std::string_view) {});
     }
-    /// The same; @p seen(key, value) is told what becomes an attribute.
+    /// The same; @p seen(key, value) is called with what becomes an attribute.
     template <typename Seen>
     void apply(json::object &attributes, Verific::DesignObj &object, Source source, Seen &&seen)
     {

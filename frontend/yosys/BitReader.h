@@ -14,7 +14,7 @@ unsigned readDirection(json::value &value, const JsonText &text, const ReadFault
 /// Completes @p range, read from a port or net, with its width. Fails when its indices leave 32 bits.
 void setWidth(VectorRange &range, std::size_t width, const ReadFault &fault);
 
-/// The same for a port or net called @p name. A single bit that bears its index in its name, as a vector leaves when it
+/// The same for a port or net called @p name. A single bit that has its index in its name, as a vector leaves when it
 /// is split, is no vector for the offset that it keeps.
 void setWidth(VectorRange &range, std::size_t width, std::string_view name, const ReadFault &fault);
 

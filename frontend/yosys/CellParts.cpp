@@ -78,9 +78,8 @@ void CellParts::connect(Verific::Instance &inst, CellType &type, const CellPlan 
             isElsewhere[output] = 1;
         }
     }
-    // What decides on the clock of an output stands first: the clock, or what an output without a clock depends on.
+    // What decides on the clock of an output comes first: the clock, or what an output without a clock depends on.
     Connections ordered;
-    Connections inputs;
     const auto put = [&](unsigned pin) {
         if (nets[pin] != nullptr && isElsewhere[pin] == 0) {
             ordered.emplace_back(pin, nets[pin]);

@@ -8,7 +8,7 @@
 
 namespace kvr::netlistdb::yosys {
 
-/// How one cell becomes instances, so that each of its outputs has one clock: the first part bears the cell's name and
+/// How one cell becomes instances, so that each of its outputs has one clock: the first part has the cell's name and
 /// its inputs. All pins are places in CellType::pins().
 struct CellPlan {
     static constexpr unsigned NO_CLOCK = 0xFFFFFFFFu;

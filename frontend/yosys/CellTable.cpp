@@ -75,7 +75,7 @@ bool fits(std::string_view text, std::string_view pattern)
     return false;
 }
 
-/// Reads one table; knows where it stands for messages.
+/// Reads one table; keeps its position for messages.
 class TableReader {
   public:
     explicit TableReader(const std::string &file) : m_file(file) {}

@@ -42,7 +42,7 @@ class CellType {
   public:
     /// A port of the file: one bit or a vector.
     struct Group {
-        std::string_view raw; ///< name as it stands between the quotes
+        std::string_view raw; ///< name as written between the quotes
         std::string_view name;
         unsigned direction = 0;
         bool widthKnown = false;
@@ -66,7 +66,7 @@ class CellType {
     const std::vector<Verific::Port *> &pins() const { return m_pins; }
     std::vector<Group> &groups() { return m_groups; }
 
-    /// Adds a port whose width is not known yet. Answers null when the name is taken.
+    /// Adds a port whose width is not known yet. Returns null when the name is taken.
     Group *declare(std::string_view raw, std::string_view name, unsigned direction);
     /// Makes the port objects of @p group.
     void define(Group &group, const VectorRange &range, CText &scratch);
@@ -82,9 +82,9 @@ class CellType {
     }
     Group *findByName(std::string_view name);
 
-    /// The library that the netlist stands in.
+    /// The library of the netlist.
     Home home = Home::Work;
-    /// What is known of the device cell that the type is; null when it is none, or a cell that nobody knows.
+    /// What is known of the device cell that the type is; null when it is none, or a cell of unknown type.
     const CellDescription *device = nullptr;
     /// Set for whole memories.
     std::optional<MemoryPorts> memory;

@@ -9,7 +9,7 @@
 
 namespace kvr::netlistdb::yosys {
 
-/// One netlist of a cell type, for cells that are clocked alike: a netlist is a register with one clock or none, and
+/// One netlist of a cell type, for cells with the same clocks: a netlist is a register with one clock or none, and
 /// its ports say which pins are clocks in use.
 struct CellView {
     CellType *base = nullptr; ///< the type that the file names

@@ -46,6 +46,26 @@ bool hasRoutingSuffix(std::string_view name)
     return false;
 }
 
+/// True when `.0.0_DO` follows the name of a memory, or something like it.
+bool hasMemoryPort(std::string_view name)
+{
+    const auto skipDigits = [name](std::size_t at) {
+        while (at < name.size() && isDigit(name[at])) {
+            ++at;
+        }
+        return at;
+    };
+    for (std::size_t dot = name.find('.', 1); dot != std::string_view::npos; dot = name.find('.', dot + 1)) {
+        const std::size_t middle = skipDigits(dot + 1);
+        const std::size_t end = skipDigits(middle + 1);
+        if (middle > dot + 1 && end > middle + 1 && end + 1 < name.size() && name[middle] == '.' && name[end] == '_' &&
+            isCapital(name[end + 1])) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Cells that netlists after packing name although they hold none of them any more.
 bool isPackedCell(std::string_view type)
 {
@@ -84,7 +104,7 @@ void DerivedNames::addCellType(CellType &type)
 
 bool DerivedNames::contains(std::string_view name) const
 {
-    if (startsWith(name, "_auto_") || isNumbered(name) || hasRoutingSuffix(name)) {
+    if (startsWith(name, "_auto_") || isNumbered(name) || hasRoutingSuffix(name) || hasMemoryPort(name)) {
         return true;
     }
     for (std::size_t at = name.find('_', 1); at != std::string_view::npos; at = name.find('_', at + 1)) {
@@ -95,8 +115,8 @@ bool DerivedNames::contains(std::string_view name) const
     return false;
 }
 
-/// True when at @p typeAt stand a cell type, one of its ports, perhaps a number, and something that begins another
-/// port.
+/// True when a cell type follows at @p typeAt, then one of its ports, perhaps a number, and something that begins
+/// another port.
 bool DerivedNames::namesPin(std::string_view name, std::size_t typeAt) const
 {
     const std::string_view rest = name.substr(typeAt);

@@ -28,7 +28,7 @@ class DeviceCells {
     bool knows(std::string_view name) const;
     /// The device cell @p name whose ports are called @p ports.
     DeviceMatch find(std::string_view name, const std::vector<std::string_view> &ports) const;
-    /// The library that a cell of this kind belongs to: what analyses look through stands with the primitives.
+    /// The library that a cell of this kind belongs to: what analyses look through is kept with the primitives.
     static Home homeOf(const CellDescription &cell);
 
     /// Makes @p type, an empty black box, the device cell that was found.

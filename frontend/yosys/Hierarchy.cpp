@@ -7,21 +7,20 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-/// A message names at most this many modules.
-constexpr std::size_t MOST_LISTED = 10;
+/// What the user calls @p modules.
+std::vector<std::string> namesOf(const std::vector<Module *> &modules)
+{
+    std::vector<std::string> names;
+    for (const Module *module : modules) {
+        const std::string &userName = module->userName.text;
+        names.push_back(userName.empty() ? std::string(module->type.name()) : userName);
+    }
+    return names;
+}
 
 std::string listOf(const std::vector<Module *> &modules)
 {
-    std::string list;
-    for (std::size_t at = 0; at < modules.size() && at < MOST_LISTED; ++at) {
-        const UserModuleName &userName = modules[at]->userName;
-        list.append(at == 0 ? "'" : ", '");
-        list.append(userName.text.empty() ? modules[at]->type.name() : userName.text).append("'");
-    }
-    if (modules.size() > MOST_LISTED) {
-        list += " and " + std::to_string(modules.size() - MOST_LISTED) + " more";
-    }
-    return list;
+    return quotedList(namesOf(modules));
 }
 
 } // namespace
@@ -93,8 +92,7 @@ Module &chooseTop(std::deque<Module> &modules, const std::string &wanted, const 
         }
     }
     if (variants.size() > 1) {
-        fault.fail("several modules were made from '" + wanted +
-                   "', which was asked for as the top: " + listOf(variants));
+        fault.fail(severalMadeFrom(wanted, namesOf(variants)));
     }
     if (variants.size() == 1) {
         return *variants.front();

@@ -21,11 +21,11 @@ inline void check(simdjson::error_code code)
     }
 }
 
-/// The key of a field as it stands between its quotes. @p value is the field's value, not yet touched.
+/// The key of a field as written between its quotes. @p value is the field's value, not yet touched.
 inline std::string_view rawKey(const json::field &field, json::value &value)
 {
     const char *begin = field.key().raw();
-    // The parser offers no end of a key. Between its closing quote and the value stand a colon and white space alone.
+    // The parser offers no end of a key. Between its closing quote and the value are only a colon and white space.
     const char *end = value.raw_json_token().data() - 1;
     while (*end != '"') {
         --end;
@@ -72,7 +72,7 @@ class TextBuffer {
     std::size_t m_reusedSize = 0;
 };
 
-/// Typed access to the values of one JSON document, with errors that tell what was expected.
+/// Typed access to the values of one JSON document, with errors that say what was expected.
 class JsonText {
   public:
     /// Both must outlive the object.
@@ -102,7 +102,7 @@ class JsonText {
         return isPlain(raw) ? raw : unescape(raw, scratch.reuse(raw.size() + simdjson::SIMDJSON_PADDING));
     }
 
-    /// The value of an attribute or a parameter as text: texts as they stand, but for the blank that yosys puts behind
+    /// The value of an attribute or a parameter as text: texts as written, without the blank that yosys puts behind
     /// texts that look like bits; numbers as they are written.
     std::string_view attributeValue(json::value &value, TextBuffer &scratch, const char *what) const;
 

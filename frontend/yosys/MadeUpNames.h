@@ -10,7 +10,7 @@ namespace kvr::netlistdb::yosys {
 constexpr std::string_view NAMELESS = "$bit$";
 constexpr std::string_view CONSTANT = "$const$";
 
-/// True for names of the file that could clash with made-up ones.
+/// True for names of the file that could clash with generated ones.
 inline bool looksMadeUp(std::string_view name)
 {
     return name.substr(0, NAMELESS.size()) == NAMELESS || name.substr(0, CONSTANT.size()) == CONSTANT;

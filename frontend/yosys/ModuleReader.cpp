@@ -105,7 +105,7 @@ void ModuleReader::readCell(std::string_view raw, json::value &value)
     unsigned met = 0;
     const auto once = [&](unsigned part, std::string_view key) {
         if ((met & part) != 0) {
-            m_fault.fail("\"" + std::string(key) + "\" stands in the cell twice");
+            m_fault.fail("\"" + std::string(key) + "\" appears in the cell twice");
         }
         met |= part;
     };

@@ -34,7 +34,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     m_fault.enterModule(name);
     json::object object = m_text.object(value, "a module");
     if (m_byName.count(name) != 0) {
-        m_fault.fail("the module stands in the file twice");
+        m_fault.fail("the module appears in the file twice");
     }
     const DeviceMatch device = m_devices.knows(name) ? deviceCell(name, object) : DeviceMatch();
     Verific::Netlist *netlist = m_design.add(device ? DeviceCells::homeOf(*device.cell) : Home::Work, name);
@@ -47,7 +47,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     std::vector<std::pair<std::string, std::string>> parameters;
     const auto once = [&](std::optional<json::object> &part, json::value &field, const char *what) {
         if (part) {
-            m_fault.fail(std::string(what) + " stands in the module twice");
+            m_fault.fail(std::string(what) + " appears in the module twice");
         }
         part = m_text.object(field, what);
     };
@@ -63,7 +63,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
                                });
         } else if (key == "ports") {
             if (portsRead) {
-                m_fault.fail("\"ports\" stands in the module twice");
+                m_fault.fail("\"ports\" appears in the module twice");
             }
             portsRead = true;
             json::object ports = m_text.object(field, "\"ports\"");
@@ -138,7 +138,7 @@ void ModuleTable::readPorts(Module &module, json::object &ports)
             } else if (key == "bits") {
                 json::array bits = m_text.array(field, "\"bits\"");
                 if (bitsRead) {
-                    m_fault.fail("\"bits\" stands there twice");
+                    m_fault.fail("\"bits\" appears twice");
                 }
                 bitsRead = true;
                 eachElement(bits, [&](json::value &bit) { module.portBits.push_back(readBit(bit, m_fault)); });
@@ -159,7 +159,7 @@ void ModuleTable::readPorts(Module &module, json::object &ports)
         setWidth(range, module.portBits.size() - firstBit, name, m_fault);
         CellType::Group *group = module.type.declare(raw, name, direction);
         if (group == nullptr) {
-            m_fault.fail("the port stands in the module twice");
+            m_fault.fail("the port appears in the module twice");
         }
         module.type.define(*group, range, m_scratch);
     });

@@ -19,7 +19,7 @@ struct Module {
     Module(std::string_view name, Verific::Netlist *netlist, unsigned number) : type(name, netlist, number) {}
 
     CellType type;
-    UserModuleName userName;   ///< empty when the module bears it
+    UserModuleName userName;   ///< empty when the module has it
     std::vector<Bit> portBits; ///< the bit on each of type.pins()
     std::optional<json::object> netNames;
     std::optional<json::object> memories;
@@ -40,11 +40,11 @@ class ModuleTable {
     {
     }
 
-    /// Reads the modules' attributes and ports, makes their netlists and notes where their bodies stand.
+    /// Reads the modules' attributes and ports, makes their netlists and notes where their bodies are.
     void read(json::object &modules);
 
     std::deque<Module> &modules() { return m_modules; }
-    /// The module that a cell of type @p raw (as it stands between its quotes) instantiates, or null.
+    /// The module that a cell of type @p raw (as written between its quotes) instantiates, or null.
     CellType *find(std::string_view raw)
     {
         const auto found = m_byRaw.find(raw);

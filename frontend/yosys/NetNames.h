@@ -10,7 +10,7 @@
 
 namespace kvr::netlistdb::yosys {
 
-/// The names of one module's bits, and which of its names each bit bears.
+/// The names of one module's bits, and which of its names each bit has.
 ///
 /// A bit takes the best of its names: the name of a port, then one that the user declared, then a visible one that
 /// synthesis derived from such a name, then a hidden one. Among equals the one with the fewest hierarchy separators
@@ -28,8 +28,8 @@ class NetNames {
         Verific::linefile_type position = 0;
         std::uint32_t attributes = NO_ATTRIBUTES; ///< index of the caller's
         Rank rank = Rank::Hidden;
-        bool declared = false; ///< the user wrote it, as far as the file tells
-        bool more = false;     ///< the attributes tell more than the position
+        bool declared = false; ///< the user wrote it, as far as the file says
+        bool more = false;     ///< the attributes hold more than the position
     };
     static constexpr std::uint32_t NO_ATTRIBUTES = 0xFFFFFFFFu;
 
@@ -50,7 +50,7 @@ class NetNames {
 
     std::vector<Name> &names() { return m_names; }
     Bit bitOf(const Name &name, unsigned position) const { return m_bits[name.firstBit + position]; }
-    /// The entry of bit @p position of name number @p name when the bit bears that name, there and nowhere else in the
+    /// The entry of bit @p position of name number @p name when the bit has that name, there and nowhere else in the
     /// name; otherwise null.
     BitTable::Entry *taken(std::uint32_t name, unsigned position)
     {
@@ -61,7 +61,7 @@ class NetNames {
         BitTable::Entry &entry = m_table.at(bit);
         return entry.name == name && entry.position == position ? &entry : nullptr;
     }
-    /// True when every bit of name number @p name bears it.
+    /// True when every bit of name number @p name has it.
     bool takenWhole(std::uint32_t name)
     {
         for (unsigned position = 0; position < m_names[name].range.width; ++position) {

@@ -85,7 +85,7 @@ void NetReader::readNetNames(json::object &netNames)
 
 NetNames::Rank NetReader::rankOf(std::string_view name, bool hidden, bool hasPosition) const
 {
-    // Nobody vouches for a name that looks generated and stands nowhere.
+    // A name that looks generated and is used nowhere is no user's name.
     if (hidden || (looksGenerated(name) && !hasPosition)) {
         return NetNames::Rank::Hidden;
     }
@@ -107,7 +107,7 @@ void NetReader::readNetName(std::string_view raw, json::value &value)
         if (key == "bits") {
             json::array bits = m_text.array(field, "\"bits\"");
             if (bitsRead) {
-                m_fault.fail("\"bits\" stands there twice");
+                m_fault.fail("\"bits\" appears twice");
             }
             bitsRead = true;
             eachElement(bits, [&](json::value &bit) { m_names.addBit(readBit(bit, m_fault)); });

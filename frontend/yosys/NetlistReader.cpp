@@ -10,7 +10,7 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-/// Where in @p text the parser stands: " at line 3, column 14".
+/// Where in @p text the parser is: " at line 3, column 14".
 std::string placeOf(std::string_view text, json::document &document)
 {
     const char *place = nullptr;
@@ -85,7 +85,7 @@ void Reading::findModules(json::document &document)
     eachField(root, [&](std::string_view key, json::value &value) {
         if (key == "modules") {
             if (found) {
-                m_fault.fail("\"modules\" stands in the file twice");
+                m_fault.fail("\"modules\" appears in the file twice");
             }
             found = true;
             json::object object = m_text.object(value, "\"modules\"");

@@ -27,7 +27,7 @@ class OtherCellTypes {
     {
     }
 
-    /// The type of a cell; @p raw is its type as it stands between the quotes, the others are the cell's objects.
+    /// The type of a cell; @p raw is its type as written between the quotes, the others are the cell's objects.
     /// Word-level cells and gates have one type for every set of parameters. Ports get their widths when they are first
     /// connected.
     CellType &find(std::string_view raw, std::optional<json::object> &parameters,
@@ -48,7 +48,7 @@ class OtherCellTypes {
     /// All types of one internal cell.
     struct Family {
         std::string_view name;
-        std::unordered_map<std::string_view, CellType *> byText;  ///< parameters as they stand in the file
+        std::unordered_map<std::string_view, CellType *> byText;  ///< parameters as written in the file
         std::unordered_map<std::string, CellType *> byParameters; ///< parameters in order of their names
     };
 
@@ -69,9 +69,9 @@ class OtherCellTypes {
     CText m_scratch;
     std::vector<std::string_view> m_portNames;
     std::deque<CellType> m_types;
-    std::unordered_map<std::string_view, Family> m_families; ///< by type as it stands between the quotes
+    std::unordered_map<std::string_view, Family> m_families; ///< by type as written between the quotes
     std::vector<Internal> m_internals;
-    std::unordered_map<std::string_view, CellType *> m_blackBoxes; ///< by type as it stands between the quotes
+    std::unordered_map<std::string_view, CellType *> m_blackBoxes; ///< by type as written between the quotes
     std::unordered_map<std::string_view, CellType *> m_blackBoxNames;
     std::array<Verific::Netlist *, CONSTANTS> m_constants{};
 };

@@ -7,8 +7,8 @@
 
 namespace kvr::netlistdb::yosys {
 
-/// Attribute of a netlist that keeps what its nets are called beside their own names. A net bears the best of its
-/// names, and a vector is a net bus only when all of its bits bear its name: everything else that the file calls
+/// Attribute of a netlist that keeps the other names of its nets. A net has the best of its
+/// names, and a vector is a net bus only when all of its bits have its name: everything else that the file calls
 /// something stands here, so that it is saved, restored and copied with the netlist.
 ///
 /// The value has a line for each name, of fields separated by tabs; a backslash, a tab and a line feed within a field
@@ -28,7 +28,7 @@ constexpr const char *OTHER_NAMES = "netlistdb.names";
 
 enum class NameKind : char { Declared = 'd', Derived = 's', Hidden = 'h' };
 
-/// Bits of a name that stand side by side, from the least significant one on.
+/// Adjacent bits of a name, from the least significant one on.
 struct NetRun {
     enum class Kind { Net, Vector, Constant };
     Kind kind = Kind::Net;

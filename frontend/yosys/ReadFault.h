@@ -20,7 +20,7 @@ class ReadFault {
         leaveItem();
     }
     void leaveModule() { enterModule({}); }
-    /// @p kind is what stands before the name in a message: "cell", "net", "port", "memory".
+    /// @p kind is what precedes the name in a message: "cell", "net", "port", "memory".
     void enterItem(const char *kind, std::string_view name)
     {
         m_kind = kind;

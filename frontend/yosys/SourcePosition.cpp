@@ -7,7 +7,7 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-/// Splits `file:line.column-…`; the file may hold colons itself. Answers false when it is no range.
+/// Splits `file:line.column-…`; the file may hold colons itself. Returns false when it is no range.
 bool parseRange(std::string_view text, SourceRange &range)
 {
     const std::size_t colon = text.rfind(':');

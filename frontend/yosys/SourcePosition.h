@@ -14,15 +14,15 @@ struct SourceRange {
     unsigned line = 0;
 };
 
-/// Which range of several says where an object stands, where its hierarchical name does not tell: that of a net is the
-/// innermost one, its declaration; that of an instance the outermost one, for cells that synthesis put in place of
-/// others bear the position of their template behind it.
+/// Which range of several says where an object is declared, where its hierarchical name does not say: that of a net is
+/// the innermost one, its declaration; that of an instance the outermost one, for cells that synthesis put in place of
+/// others have the position of their template behind it.
 enum class Innermost { No, Yes };
 
-/// Finds in @p src, a list of ranges separated by `|`, the one where the object itself stands. Answers false when it
+/// Finds in @p src, a list of ranges separated by `|`, the one of the object itself. Returns false when it
 /// holds no range.
 ///
-/// A flattened object bears the positions of the instances that it came through as well. Yosys keeps the list as a set
+/// A flattened object has the positions of the instances that it came through as well. Yosys keeps the list as a set
 /// that turns round at every level: the object's own range, the only one at first, has half of the others in front of
 /// it. @p segments is the number of segments of the object's hierarchical name (0: not known), which is the number of
 /// ranges then; where they differ, @p innermost decides.

@@ -11,6 +11,8 @@ namespace {
 constexpr std::string_view DERIVED = "$paramod";
 /// Bits behind which a value is too long for a number that people read.
 constexpr std::size_t MOST_BITS = 64;
+/// A message names at most this many modules.
+constexpr std::size_t MOST_LISTED = 10;
 
 bool isBits(std::string_view text)
 {
@@ -56,7 +58,7 @@ std::string textOf(std::string_view bits)
     return quoted(text);
 }
 
-/// `s32'0101…`, `t40'…` for texts, `12'…` for vectors without sign; anything else as it stands.
+/// `s32'0101…`, `t40'…` for texts, `12'…` for vectors without sign; anything else as is.
 std::string valueOf(std::string_view text)
 {
     const std::size_t tick = text.find('\'');
@@ -115,6 +117,29 @@ UserModuleName userModuleName(std::string_view name, const std::vector<std::pair
         rest.remove_prefix(parameter.size());
     }
     return named(module, list);
+}
+
+bool isMadeFrom(std::string_view userName, std::string_view module)
+{
+    return userName.size() > module.size() && userName[module.size()] == '(' &&
+           userName.substr(0, module.size()) == module;
+}
+
+std::string quotedList(const std::vector<std::string> &names)
+{
+    std::string list;
+    for (std::size_t at = 0; at < names.size() && at < MOST_LISTED; ++at) {
+        list.append(at == 0 ? "'" : ", '").append(names[at]).append("'");
+    }
+    if (names.size() > MOST_LISTED) {
+        list += " and " + std::to_string(names.size() - MOST_LISTED) + " more";
+    }
+    return list;
+}
+
+std::string severalMadeFrom(const std::string &wanted, const std::vector<std::string> &names)
+{
+    return "several modules were made from '" + wanted + "', which was asked for as the top: " + quotedList(names);
 }
 
 } // namespace kvr::netlistdb::yosys

@@ -11,7 +11,7 @@
 /// (`$_AND_`, `$_DFF_P_`, …).
 namespace kvr::netlistdb::yosys {
 
-/// Value of a parameter as it stands in the file, empty when the cell has none of that name.
+/// Value of a parameter as written in the file, empty when the cell has none of that name.
 using ParameterLookup = std::function<std::string_view(std::string_view name)>;
 
 struct CellMeaning {
@@ -37,8 +37,8 @@ bool isAnnotation(std::string_view type);
 
 /// What the internal cell @p type with these parameters is to the netlist database.
 ///
-/// - Gates (`$_…_`) are primitives; word-level cells are operators, but for one-bit buffers (`$pos`, `$buf`), which are
-///   primitives like `$_BUF_`.
+/// - Gates (`$_…_`) are primitives; word-level cells are operators, except for one-bit buffers (`$pos`, `$buf`), which
+///   are primitives like `$_BUF_`.
 /// - Flip-flops of every kind, `$fsm`, and memory ports that are clocked are registers. Latches are not: a latch is
 ///   transparent while it is enabled, and its enable is no clock. Flip-flops on the global clock (`$ff`, `$_FF_`) have
 ///   no clock port and are not registers either.
@@ -46,7 +46,7 @@ bool isAnnotation(std::string_view type);
 ///   read port without a clock depend on its address at any time, as those of an operator do.
 CellMeaning meaningOf(std::string_view type, const ParameterLookup &parameter);
 
-/// The direction of port @p port of internal cell @p type (port_direction), for files that do not tell; DIR_NONE when
+/// The direction of port @p port of internal cell @p type (port_direction), for files that do not say; DIR_NONE when
 /// the cell is not known.
 unsigned directionOf(std::string_view type, std::string_view port);
 

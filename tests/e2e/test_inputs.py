@@ -5,7 +5,7 @@ import os
 import threading
 import unittest
 
-from program import ELABORATED, REPOSITORY, ProgramTest, environment, run
+from program import ELABORATED, REPOSITORY, ProgramTest, bit_module, environment, net, netlist, run
 
 
 class Inputs(ProgramTest):
@@ -92,6 +92,18 @@ class Inputs(ProgramTest):
         result = run("info", "-", stdin=self.saved(), text=False, env=environment(TMPDIR=self.path("tmp")))
         self.assertEqual(result.returncode, 0)
         self.assertEqual(os.listdir(self.path("tmp")), [])
+
+    def test_a_mapped_netlist_with_hierarchy_says_what_is_left_out(self):
+        cell = {"type": "KVR_FF", "parameters": {}, "attributes": {"KVR_ATTRIBUTE_CELL_NAME": "KVR_FF"},
+                "port_directions": {"Q": "output"}, "connections": {"Q": [2]}}
+        below = {"type": "below", "parameters": {}, "attributes": {}, "port_directions": {}, "connections": {}}
+        flat = bit_module({"ff": cell}, {"q": net(2)})
+        top = bit_module({"ff": cell, "u": below}, {"q": net(2)}, attributes={"top": 1})
+        design = self.file("mapped.json", netlist(top=top, below=flat))
+        self.assertEqual(run("tree", design).stderr,
+                         "netlistdb: a post-map netlist is looked at on its top level only: what is inside 1 instance with "
+                         "contents is left out (u first); flatten the netlist to see it\n")
+        self.assertEqual(run("tree", self.file("flat.json", netlist(top=flat))).stderr, "")
 
 
 if __name__ == "__main__":

@@ -10,11 +10,15 @@ import os
 import re
 import unittest
 
+from names_rtl import declaration_of, rtl_declarations
 from program import DESIGNS, ELABORATED, REPOSITORY, ProgramTest, bit_module, net, netlist, run
 
 NAMES = "designs/names"
 FLOWS = sorted(
     os.path.relpath(path, REPOSITORY) for path in glob.glob(os.path.join(REPOSITORY, NAMES, "netlists", "*.json"))
+)
+FAMILIES = sorted(
+    os.path.relpath(path, REPOSITORY) for path in glob.glob(os.path.join(REPOSITORY, "designs/families/*_*.json"))
 )
 ROUTED = f"{NAMES}/netlists/ice40_routed.json"
 
@@ -49,7 +53,7 @@ def index_of(fields, position):
 
 
 def is_vector(name, fields):
-    """A bit of a vector that was split keeps the offset, and bears it in its name."""
+    """A bit of a vector that was split keeps the offset, and has it in its name."""
     offset = fields.get("offset", 0)
     return len(fields["bits"]) != 1 or (offset != 0 and not name.endswith(f"[{offset}]"))
 
@@ -71,36 +75,6 @@ def from_left_to_right(fields):
 def declared(module):
     """Names that are not hidden, with their bits. Wires without bits are none."""
     return {name: fields for name, fields in module["netnames"].items() if not fields["hide_name"] and fields["bits"]}
-
-
-def rtl_declarations():
-    """Line of each declaration in the RTL of the small design, by module and name."""
-    lines, module = {}, None
-    with open(os.path.join(REPOSITORY, NAMES, "names.v")) as stream:
-        for number, line in enumerate(stream, 1):
-            line = line.split("//")[0]
-            if match := re.match(r"\s*module (\w+)", line):
-                module = match[1]
-            if match := re.match(r"\s*(?:input|output|wire|reg)\b(?:\s+(?:wire|reg))?\s*(?:\[[^]]*\])?\s*(\\\S+|\w+)", line):
-                lines[module, match[1].removeprefix("\\")] = number
-    return lines
-
-
-CHILDREN = {
-    "names_top": {"u_pair": "names_pair"},
-    "names_pair": {"u_first": "names_stage", "u_second": "names_stage"},
-    "names_stage": {},
-}
-
-
-def declaration_of(path):
-    """Module and name of what a path of the small design, with whatever separators, comes from."""
-    module, rest = "names_top", path
-    while match := re.match(r"(\w+)[./](.*)", rest):
-        if match[1] not in CHILDREN[module]:
-            break
-        module, rest = CHILDREN[module][match[1]], match[2]
-    return module, re.sub(r"\[[\d:]+\]$", "", rest).removeprefix("\\")
 
 
 class Names(ProgramTest):
@@ -131,7 +105,8 @@ class Names(ProgramTest):
 
     def test_every_declared_name_is_found_and_means_its_bits(self):
         self.assertGreater(len(FLOWS), 10)
-        for design in (*DESIGNS, *FLOWS):
+        self.assertGreater(len(FAMILIES), 40)
+        for design in (*DESIGNS, *FLOWS, *FAMILIES):
             with self.subTest(design):
                 wanted = {}
                 for prefix, module in instances(load(design)):
@@ -262,6 +237,24 @@ class Names(ProgramTest):
         self.assertIn("'names_stage(STEP=3,WIDTH=4)'", message)
         top = self.json("tree", f"{NAMES}/netlists/proc.json", "--top", "names_stage(WIDTH=4)")["top"]
         self.assertEqual(top, "names_stage(WIDTH=4)")
+
+    def test_a_saved_netlist_takes_what_the_user_calls_a_module_for_its_top(self):
+        design = f"{NAMES}/netlists/proc.json"
+        saved = self.path("saved.netlist")
+        self.succeed("save", design, saved)
+        for file in (design, saved):
+            with self.subTest(file):
+                message = self.fail_with(3, "tree", file, "--top", "names_stage")
+                self.assertEqual(message, f"{file}: several modules were made from 'names_stage', which was asked for as the "
+                                          "top: 'names_stage(STEP=3,WIDTH=4)', 'names_stage(WIDTH=4)'")
+                self.assertEqual(self.json("tree", file, "--top", "names_stage(WIDTH=4)")["top"], "names_stage(WIDTH=4)")
+                message = self.fail_with(3, "tree", file, "--top", "names_stag(WIDTH=4)")
+                self.assertIn("; did you mean 'names_stage(WIDTH=4)'", message)
+        module = bit_module({}, {"a": net(2)})
+        once = json.loads(netlist(**{"$paramod\\fifo\\DEPTH=s32'00000000000000000000000000000100": module}))
+        self.succeed("save", self.file("once.json", json.dumps(once)), saved, "--force")
+        for name in ("fifo", "fifo(DEPTH=4)"):
+            self.assertEqual(self.json("info", saved, "--top", name)["top"], "fifo(DEPTH=4)")
 
     def test_placement_shows_in_the_result_of_a_search(self):
         rows = self.results("search", ROUTED, "")

@@ -42,7 +42,7 @@ class Save(ProgramTest):
         self.succeed("save", ELABORATED, saved)
         self.assertEqual(self.succeed("tree", saved, "--top", "uart"), self.succeed("tree", ELABORATED, "--top", "uart"))
         message = self.fail_with(3, "tree", saved, "--top", "uarf")
-        self.assertEqual(message.split(";")[0], f"{saved}: has no module 'uarf'")
+        self.assertEqual(message.split(";")[0], f"{saved}: no module 'uarf', which was asked for as the top")
         self.assertIn("'uart'", message)
 
     def test_a_file_that_cannot_be_written_is_an_error(self):

@@ -51,6 +51,13 @@ REGISTERS = [
     (r"CC_BRAM_[24]0K", {}, "A_CLK", "A_DO"),
     (r"CC_BRAM_[24]0K", {}, "B_CLK", "B_DO"),
     (r"\$s?a?dffs?r?c?e?", {}, "CLK", "Q"),
+    (r"\$_S?A?L?DFFC?E?S?R?E?_[PN01]+_", {}, "C", "Q"),
+    (r"KVR_(FF|SRL\d+)", {}, "C", "Q"),
+    (r"KVR_(MULT|DSP48)", {}, "CLK", "P"),
+    (r"KVR_RAM512X18", {}, "R_CLK", "R_DATA"),
+    (r"KVR_DPRAM512X8", {}, "CLK_A", r"DOUT\d_A"),
+    (r"KVR_DPRAM512X8", {}, "CLK_B", r"DOUT\d_B"),
+    (r"ICESTORM_LC", {"DFF_ENABLE": 1}, "CLK", "O"),
 ]
 # Sequential in the eyes of the program, but none of its outputs is a register: it reads at once.
 READ_AT_ONCE = re.compile(r"(TRELLIS_)?DPR16X4C?|RAM\d+(M|X\d+[DS])\w*|RAM16SDP\d|RAM16S\d|MISTRAL_MLAB|"
@@ -58,7 +65,8 @@ READ_AT_ONCE = re.compile(r"(TRELLIS_)?DPR16X4C?|RAM\d+(M|X\d+[DS])\w*|RAM16SDP\
 # (type, input, output) of what passes a clock on.
 BUFFERS = [
     (r"SB_GB", "USER_SIGNAL_TO_GLOBAL_BUFFER", "GLOBAL_BUFFER_OUTPUT"),
-    (r"BUFG|IBUF|CC_BUFG", "I", "O"),
+    (r"BUFG|IBUF|IB|CC_BUFG|KVR_GBUFCE|KVR_IBUF", "I", "O"),
+    (r"SB_IO", "PACKAGE_PIN", "D_IN_0"),
     (r"CC_IBUF", "I", "Y"),
     (r"FACADE_IO", "PAD", "O"),
     (r"DCCA", "CLKI", "CLKO"),
@@ -89,61 +97,128 @@ def clock_pin(cell, output):
     return None
 
 
+def is_set(value):
+    return int(str(value), 2) != 0
+
+
 class Netlist:
-    """The top module of a netlist."""
+    """A netlist with the instances of all modules unfolded. Nets that ports connect are one net."""
 
     def __init__(self, path):
         with open(path) as stream:
-            modules = json.load(stream)["modules"]
-        self.top = next(module for module in modules.values() if int(str(module["attributes"].get("top", "0")), 2))
+            self.modules = json.load(stream)["modules"]
+        self.cells = []
+        self.names = defaultdict(set)
         self.source = {}
-        for cell in self.top["cells"].values():
+        self.parents = {}
+        top = next(module for module in self.modules.values() if is_set(module["attributes"].get("top", "0")))
+        # The bits of the top keep their numbers; those of other instances have the path in front.
+        self.unfold(top, "", lambda bit: bit)
+        self.names = {name: {self.joined(bit) for bit in bits} for name, bits in self.names.items()}
+        for cell in self.cells:
+            cell["connections"] = {port: [self.joined(bit) for bit in bits]
+                                   for port, bits in cell["connections"].items()}
+        for cell in self.cells:
             for kind, taken, given in BUFFERS:
                 if re.fullmatch(kind, cell["type"]) and taken in cell["connections"]:
                     for bit in cell["connections"].get(given, []):
                         self.source[bit] = cell["connections"][taken][0]
-        self.names = defaultdict(set)
-        for name, net in self.top["netnames"].items():
+
+    def unfold(self, module, path, number):
+        for name, net in [*module["netnames"].items(), *module["ports"].items()]:
+            # A bit of a vector that was split keeps the offset, and has it in its name.
+            offset = net.get("offset", 0)
+            wide = len(net["bits"]) > 1 or (offset and not name.endswith(f"[{offset}]"))
             for place, bit in enumerate(net["bits"]):
-                wide = len(net["bits"]) > 1 or net.get("offset", 0)
-                index = net.get("offset", 0) + (len(net["bits"]) - 1 - place if net.get("upto") else place)
-                self.names[f"{name}[{index}]" if wide else name].add(bit)
+                index = offset + (len(net["bits"]) - 1 - place if net.get("upto") else place)
+                self.names[path + (f"{name}[{index}]" if wide else name)].add(number(bit))
+        for name, cell in module["cells"].items():
+            connections = {port: [number(bit) for bit in bits] for port, bits in cell["connections"].items()}
+            inside = self.modules.get(cell["type"])
+            if inside is None or any(is_set(inside["attributes"].get(box, "0")) for box in ("blackbox", "whitebox")):
+                self.cells.append(dict(cell, connections=connections))
+                continue
+            below = f"{path}{name}/"
+            numbered = (lambda below: lambda bit: (below, bit) if isinstance(bit, int) else bit)(below)
+            self.unfold(inside, below, numbered)
+            for port, bits in connections.items():
+                for outer, inner in zip(bits, inside["ports"][port]["bits"]):
+                    self.join(outer, numbered(inner))
+
+    def joined(self, bit):
+        while bit in self.parents:
+            bit = self.parents[bit]
+        return bit
+
+    def join(self, outer, inner):
+        outer, inner = self.joined(outer), self.joined(inner)
+        if outer != inner:
+            # A constant stays one.
+            if isinstance(inner, str):
+                outer, inner = inner, outer
+            self.parents[inner] = outer
 
     def root(self, bit):
-        while bit in self.source:
+        seen = set()
+        while bit in self.source and bit not in seen:
+            seen.add(bit)
             bit = self.source[bit]
         return bit
 
     def register_outputs(self):
-        """From the bit of each register output to the bit of its clock, followed back through buffers."""
-        found = {}
-        for cell in self.top["cells"].values():
+        """From the bit of each register output to the bit of its clock, followed back through buffers. A net that two
+        registers drive may have either of their clocks."""
+        found = defaultdict(set)
+        for cell in self.cells:
             for port, bits in cell["connections"].items():
                 if cell["port_directions"].get(port) != "output":
                     continue
                 if cell["type"] == "$mem_v2":
-                    found.update(self.memory_outputs(cell))
+                    for bit, clock in self.memory_outputs(cell):
+                        found[bit].add(clock)
                     continue
                 pin = clock_pin(cell, port)
                 if pin is None:
                     continue
                 clock = cell["connections"][pin][0]
-                found.update((bit, self.root(clock)) for bit in bits if isinstance(bit, int) and isinstance(clock, int))
+                if not isinstance(clock, str):
+                    for bit in bits:
+                        if not isinstance(bit, str):
+                            found[bit].add(self.root(clock))
         return found
+
+    def reached_by_clocks(self):
+        """The bits that a register drives, directly or through cells without a clock."""
+        reached = set(self.register_outputs())
+        fanout = defaultdict(set)
+        for cell in self.cells:
+            inputs, outputs = set(), set()
+            for port, bits in cell["connections"].items():
+                bits = {bit for bit in bits if not isinstance(bit, str)}
+                (outputs if cell["port_directions"].get(port) == "output" else inputs).update(bits)
+            for bit in inputs:
+                fanout[bit] |= outputs
+        waiting = list(reached)
+        for bit in waiting:
+            new = fanout[bit] - reached
+            reached |= new
+            waiting += new
+        return reached
 
     def memory_outputs(self, cell):
         """Of a whole memory: each read port has its own clock, or none."""
         width = int(cell["parameters"]["WIDTH"], 2)
         for port, clocked in enumerate(reversed(cell["parameters"]["RD_CLK_ENABLE"])):
             clock = cell["connections"]["RD_CLK"][port]
-            if clocked == "1" and isinstance(clock, int):
+            if clocked == "1" and not isinstance(clock, str):
                 for bit in cell["connections"]["RD_DATA"][port * width:(port + 1) * width]:
                     yield bit, self.root(clock)
 
     def bit(self, name):
         """The bit that the program calls @p name."""
-        nameless = re.fullmatch(r"\$bit\$(\d+)", name)
+        nameless = re.fullmatch(r"(.*/)?\$bit\$(\d+)", name)
         if nameless:
-            return int(nameless.group(1))
+            number = int(nameless.group(2))
+            return self.joined((nameless.group(1), number) if nameless.group(1) else number)
         bits = self.names.get(name, set())
         return next(iter(bits)) if len(bits) == 1 else None

@@ -11,7 +11,7 @@ namespace {
 
 class YosysAllocationFailure : public ReaderTest {
   protected:
-    /// The JSON parser chooses its code for this processor on first use, and cannot bear a failure then.
+    /// The JSON parser chooses its code for this processor on first use, and cannot handle a failure then.
     void SetUp() override
     {
         readText(R"({"modules": {"top": {}}})");

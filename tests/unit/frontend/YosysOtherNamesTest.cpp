@@ -27,7 +27,7 @@ class YosysOtherNames : public ReaderTest {
         return "\"" + name + R"(": {"hide_name": )" + hidden + ", \"bits\": [" + bits + "], \"attributes\": {" +
                attributes + "}}";
     }
-    /// The name that bit 2 bears and the others, of these names.
+    /// The name that bit 2 has and the others, of these names.
     static std::string namesOf(const std::vector<std::string> &names, const std::string &modules = "")
     {
         std::string netNames;

@@ -101,7 +101,7 @@ int parseProgramOptions(Arguments arguments, const Commands &commands)
     throw wrongUsage("no command given (netlistdb --help lists them)");
 }
 
-/// Parts @p arguments into options, which go to @p app, and the others, which are answered. Everything behind `--` is
+/// Parts @p arguments into options, which go to @p app, and the others, which are handled. Everything behind `--` is
 /// no option. CLI11's own positional arguments would take brackets for lists.
 Arguments parseOptions(CLI::App &app, Arguments arguments)
 {

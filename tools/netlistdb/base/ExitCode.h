@@ -2,7 +2,7 @@
 
 namespace kvr::netlistdb::tool {
 
-/// What the program answers to its caller.
+/// Exit codes of the program.
 enum ExitCode : int {
     EXIT_FOUND = 0,
     EXIT_NOTHING_FOUND = 1,

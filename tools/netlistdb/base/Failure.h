@@ -35,7 +35,7 @@ class Interrupted : public std::runtime_error {
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-/// The reader of standard output has gone away: there is nobody left to write for, and nothing to complain about.
+/// The reader of standard output has gone away: nobody is left to write for, and this is no error.
 class OutputClosed : public std::runtime_error {
   public:
     OutputClosed() : std::runtime_error("output closed") {}

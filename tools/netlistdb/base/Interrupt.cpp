@@ -77,12 +77,12 @@ void Interrupt::watch()
         }
         signalfd_siginfo info;
         if (read(m_signals, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-            heed(static_cast<int>(info.ssi_signo));
+            handle(static_cast<int>(info.ssi_signo));
         }
     }
 }
 
-void Interrupt::heed(int number)
+void Interrupt::handle(int number)
 {
     if (requested()) {
         leave(number, "");
@@ -94,7 +94,7 @@ void Interrupt::heed(int number)
         }
         m_signal = number;
     }
-    // The action may wait for a step of the main thread; a second signal must still be heeded here.
+    // The action may wait for a step of the main thread; a second signal must still be handled here.
     m_actor = std::thread([this] {
         const std::lock_guard<std::mutex> guard(m_lock);
         if (m_action) {

@@ -9,7 +9,7 @@
 
 namespace kvr::netlistdb::tool {
 
-/// Heeds Ctrl-C, a request to terminate and a terminal that goes away, on a thread of its own so that no code runs
+/// Handles Ctrl-C, a request to terminate and a terminal that goes away, on a thread of its own so that no code runs
 /// inside a signal handler. Signals that were ignored when the program started stay ignored.
 ///
 /// A signal ends the process at once, whatever the main thread is in the middle of: nothing is freed, but temporary
@@ -48,7 +48,7 @@ class Interrupt {
 
   private:
     void watch();
-    void heed(int number);
+    void handle(int number);
     [[noreturn]] void leave(int number, const char *message);
 
     TemporaryPaths m_temporaries;

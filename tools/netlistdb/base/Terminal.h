@@ -4,13 +4,13 @@
 
 namespace kvr::netlistdb::tool {
 
-/// Answers of --color and --progress.
+/// Values of --color and --progress.
 enum class When { Auto, Always, Never };
 
 /// True when the terminal knows nothing but text.
 bool isDumbTerminal();
 
-/// True when text on @p descriptor (1 or 2) shall carry colours: as told, or else when it is a terminal that knows them
+/// True when text on @p descriptor (1 or 2) has colours: as chosen, or else when it is a terminal that shows them
 /// and NO_COLOR is not set.
 bool useColor(When when, int descriptor);
 

@@ -18,7 +18,7 @@ class Command {
     virtual const char *name() const = 0;
     /// One line for the list of commands.
     virtual const char *summary() const = 0;
-    /// What stands behind the name of the command on a command line.
+    /// What follows the name of the command on a command line.
     virtual const char *arguments() const = 0;
     /// What the help ends with: examples, and what is worth knowing.
     virtual const char *more() const = 0;
@@ -30,7 +30,7 @@ class Command {
     /// Gets ready to run once options and arguments are known; returns the files that will be read.
     /// @throws Failure
     virtual std::vector<std::string> prepare(CommonOptions &common) = 0;
-    /// Does it; answers an exit code.
+    /// Runs the command; returns the exit code.
     virtual int run(Session &session) = 0;
 };
 

@@ -34,7 +34,7 @@ struct CommonOptions {
 
 /// Adds the options about the design to a command.
 void addDesignOptions(CLI::App &command, CommonOptions &options);
-/// Adds those of them that tell how a design is read, whatever is done with it.
+/// Adds those of them that say how a design is read, for every command.
 void addSourceOptions(CLI::App &command, CommonOptions &options);
 /// Adds the options about results to a command.
 void addOutputOptions(CLI::App &command, CommonOptions &options);

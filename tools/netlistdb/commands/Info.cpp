@@ -15,7 +15,8 @@ class InfoCommand : public DesignCommand {
     const char *summary() const override { return "Show what the design holds"; }
     const char *more() const override
     {
-        return "Nets and ports are counted bit by bit. The answer says nothing of the file: a design gives the same\n"
+        return "Nets and ports are counted bit by bit. The result does not depend on the file: a design gives the "
+               "same\n"
                "one from every file that holds it.\n\n"
                "Examples:\n"
                "  netlistdb info soc.json\n"

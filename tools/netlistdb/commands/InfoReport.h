@@ -7,7 +7,7 @@
 
 namespace kvr::netlistdb::tool {
 
-/// The answer of `info`, in every format.
+/// The result of `info`, in every format.
 struct InfoReport {
     std::string top;
     Form form = Form::Elaborated;

@@ -9,7 +9,7 @@ class App;
 
 namespace kvr::netlistdb::tool {
 
-/// Which kinds of items a result shows; all of them unless told.
+/// Which kinds of items a result shows; all of them by default.
 class Kinds {
   public:
     /// @p type is a type code of IVDBItem.

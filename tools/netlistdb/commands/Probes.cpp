@@ -26,7 +26,7 @@ class ProbesCommand : public DesignCommand {
     {
         return "Shows the nets and vectors that the user declared and that are neither protected nor excluded, with "
                "the\n"
-               "clock that drives them. A vector stands there whole, also when some of its bits bear other names.\n"
+               "clock that drives them. A vector is shown whole, also when some of its bits have other names.\n"
                "The pins of black boxes are no nets of the design. A bus whose bits belong to several clock domains\n"
                "shows them all.\n\n"
                "Examples:\n"

@@ -10,7 +10,6 @@
 #include "design/OtherNameHits.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
-#include "design/SourceText.h"
 
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
@@ -125,7 +124,7 @@ class SearchCommand : public DesignCommand {
         OtherNameHits others(design, pattern, m_param.userNetsOnly);
         for (;;) {
             IVDBItem *item = !session.interrupt.requested() && results.next() ? results.getCurrent() : nullptr;
-            // Hits by other names stand between the buses and the nets of their instance.
+            // Hits by other names come between the buses and the nets of their instance.
             if (item == nullptr || item->getItemType() != ITEM_NET_BUS) {
                 for (const OtherNameHit &hit : others.take()) {
                     if (!m_kinds.has(kindOf(hit))) {
@@ -219,8 +218,7 @@ class SearchCommand : public DesignCommand {
                 alias.insert(0, m_prefix);
             }
         }
-        const IVDBLineInfo *source = hit.item != nullptr ? hit.item->getLineInfo() : hit.source;
-        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.declared;
+        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.signal->declared;
         const std::uint64_t width = hit.item != nullptr ? hit.item->getWidth() : hit.signal->bits.size();
         writer.row({std::string_view(kindOf(hit) == ITEM_NET_BUS ? "bus" : "net"),
                     width,
@@ -229,8 +227,8 @@ class SearchCommand : public DesignCommand {
                     {},
                     {},
                     declared,
-                    fileOf(source),
-                    lineOf(source),
+                    facts.fileValue(),
+                    facts.lineValue(),
                     matched.empty() ? Value() : std::string_view(matched),
                     &facts.aliases,
                     &facts.sources,

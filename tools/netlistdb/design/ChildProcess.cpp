@@ -72,7 +72,7 @@ int start(pid_t &child, const std::vector<std::string> &words, const std::vector
         posix_spawn_file_actions_adddup2(&actions, pipes[at].writeEnd(), STDERR_FILENO + static_cast<int>(at));
     }
 
-    // This process blocks and ignores signals that the child must heed. In a group of its own the child can be ended
+    // This process blocks and ignores signals that the child must handle. In a group of its own the child can be ended
     // with all that it starts.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);

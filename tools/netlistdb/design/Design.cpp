@@ -87,6 +87,9 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
     }
+    if (std::string note = noteOnHierarchy(*source.netlist, source.form); !note.empty()) {
+        reading.notes.push_back(std::move(note));
+    }
     const std::string warning = design->devices().warning();
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);

@@ -30,7 +30,7 @@ enum class Clocks { No, Yes };
 /// An imported design. Frees the netlist database with itself: one at a time in a process.
 class Design {
   public:
-    /// Keeps @p netlist, from which the database is to be filled, for what the database does not tell.
+    /// Keeps @p netlist, from which the database is to be filled, for what the database does not hold.
     Design(std::string name, Form form, Clocks clocks, const Verific::Netlist &netlist);
     ~Design();
     Design(const Design &) = delete;
@@ -72,7 +72,7 @@ class Design {
 /// @throws Failure, Interrupted
 SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading);
 
-/// Reads @p files and imports them. Notes which cells nobody knows when clocks are asked about.
+/// Reads @p files and imports them. Notes cells of unknown type when a command asks about clocks.
 /// @throws Failure, Interrupted
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
 

@@ -12,8 +12,9 @@ namespace kvr::netlistdb::tool {
 /// What a netlist holds of device cells.
 struct DeviceCensus {
     std::string family; ///< that most of the cells belong to; empty without device cells, "A or B" when both have them
-    std::vector<std::pair<std::string, std::uint64_t>> kinds;   ///< cells by what they are, the most first
-    std::vector<std::pair<std::string, std::uint64_t>> unknown; ///< black boxes that nobody knows, the most first
+    std::vector<std::pair<std::string, std::uint64_t>> kinds; ///< cells by what they are, the most first
+    std::vector<std::pair<std::string, std::uint64_t>>
+        unknown; ///< black boxes of unknown type, the most frequent first
 
     /// One line about the unknown cells; empty when there are none.
     std::string warning() const;

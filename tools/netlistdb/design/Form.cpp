@@ -2,6 +2,7 @@
 
 #include <DataBase.h>
 #include <cstring>
+#include <fmt/format.h>
 
 namespace kvr::netlistdb::tool {
 
@@ -27,7 +28,7 @@ bool isIn(const Verific::Netlist &netlist, const char *library)
     return name != nullptr && std::strcmp(name, library) == 0;
 }
 
-/// What an instance says about the form of the netlist that it stands in.
+/// What an instance says about the form of its netlist.
 enum class Hint { Nothing, Mapped, LooksMapped, LooksElaborated, Elaborated };
 
 Hint hintOf(const Verific::Instance &instance)
@@ -83,6 +84,30 @@ Form detectForm(const Verific::Netlist &netlist)
         }
     }
     return hasNamedCells || (looksMapped && !looksElaborated) ? Form::PostMap : Form::Elaborated;
+}
+
+std::string noteOnHierarchy(const Verific::Netlist &netlist, Form form)
+{
+    if (form != Form::PostMap) {
+        return {};
+    }
+    std::size_t closed = 0;
+    const char *first = nullptr;
+    Verific::MapIter mi;
+    Verific::Instance *instance = nullptr;
+    FOREACH_INSTANCE_OF_NETLIST (&netlist, mi, instance) {
+        const Verific::Netlist *view = instance->View();
+        if (view != nullptr && view->IsBlackBox() == 0 && view->GetInsts()->Size() > 0) {
+            ++closed;
+            first = first == nullptr ? instance->Name() : first;
+        }
+    }
+    if (closed == 0) {
+        return {};
+    }
+    return fmt::format("a post-map netlist is looked at on its top level only: what is inside {} instance{} with "
+                       "contents is left out ({} first); flatten the netlist to see it",
+                       closed, closed == 1 ? "" : "s", first != nullptr ? first : "");
 }
 
 } // namespace kvr::netlistdb::tool

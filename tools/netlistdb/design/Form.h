@@ -23,4 +23,7 @@ inline const char *nameOf(Form form)
 /// cells.
 Form detectForm(const Verific::Netlist &netlist);
 
+/// A note for the user about the modules of @p netlist that are not unfolded in @p form; empty when there are none.
+std::string noteOnHierarchy(const Verific::Netlist &netlist, Form form);
+
 } // namespace kvr::netlistdb::tool

@@ -9,7 +9,7 @@ namespace kvr::netlistdb::tool {
 struct Input {
     std::string name; ///< in messages
     std::string file; ///< empty: the text is in memory
-    std::string text; ///< with room behind it for what a JSON parser wants there
+    std::string text; ///< with the padding that a JSON parser needs
     bool isJson = false;
 };
 

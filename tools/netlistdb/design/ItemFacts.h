@@ -19,7 +19,7 @@ namespace kvr::netlistdb::tool {
 class ModuleNames;
 struct OtherSignal;
 
-/// What the netlist keeps of an item beside what every item has.
+/// What the netlist holds of an item besides what every item has.
 struct ItemFacts {
     std::vector<std::string> aliases;
     std::vector<std::string> sources; ///< every range that it comes from, as the netlist has it

@@ -5,7 +5,10 @@
 
 #include <DataBase.h>
 #include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <frontend/yosys/OtherNames.h>
+#include <frontend/yosys/SourcePosition.h>
 #include <map>
 #include <netlistdb/netlistdb.h>
 #include <set>
@@ -38,7 +41,7 @@ std::string hdlNameOf(const Verific::DesignObj &object)
                                    textOf(object.GetAttValue("scopename")));
 }
 
-/// The bits of @p bus from its right end on. Members of a made-up bus stand in ascending order of their subscripts,
+/// The bits of @p bus from its right end on. Members of a made-up bus are in ascending order of their subscripts,
 /// those of a declared one from left to right.
 std::vector<NamedBit> bitsOf(IVDBNetBus &bus)
 {
@@ -129,7 +132,9 @@ void ModuleNames::readOtherNames()
         signal.isVector = name.isVector;
         signal.left = name.left;
         signal.right = name.right;
+        signal.declared = name.kind == yosys::NameKind::Declared;
         signal.src = name.src;
+        signal.segments = yosys::segmentsOf(name.hdlName);
         for (const yosys::NetRun &run : name.bits) {
             const int step = run.first <= run.last ? 1 : -1;
             for (unsigned bit = 0; bit < run.count; ++bit) {
@@ -150,7 +155,7 @@ void ModuleNames::readOtherNames()
     });
 }
 
-/// Adds the hierarchical names of the nets and buses that bear their own.
+/// Adds the hierarchical names of the nets and buses that have their own.
 void ModuleNames::addPaths()
 {
     Verific::MapIter mi;
@@ -159,7 +164,9 @@ void ModuleNames::addPaths()
         const std::string hdlName = hdlNameOf(*bus);
         const auto found = hdlName.empty() ? m_buses.end() : m_buses.find(textOf(bus->Name()));
         if (found != m_buses.end()) {
-            addPath(hdlName, signalOf(*found->second));
+            OtherSignal signal = signalOf(*found->second);
+            signal.declared = bus->IsUserDeclared() != 0;
+            addPath(hdlName, std::move(signal));
         }
     }
     Verific::Net *net = nullptr;
@@ -174,6 +181,9 @@ void ModuleNames::addPaths()
                                std::string_view(hdlName).substr(hdlName.size() - subscript.size()) != subscript;
             OtherSignal signal;
             signal.bits.push_back({found->second});
+            signal.declared = net->IsUserDeclared() != 0;
+            signal.src = fmt::format("{}", fmt::join(tool::sourcesOf(*net), "|"));
+            signal.segments = yosys::segmentsOf(hdlName);
             addPath(whole ? hdlName + std::string(subscript) : hdlName, std::move(signal));
         }
     }
@@ -207,10 +217,12 @@ void ModuleNames::addSplitVectors()
         }
     }
     std::set<std::string> known;
+    std::map<std::string, const OtherSignal *> described; // a bit that tells where the vector comes from
     for (const OtherSignal &other : m_others) {
         known.insert(other.name);
         if (!other.isVector) {
             offer(other.name, other.bits.empty() ? nullptr : other.bits.front().net);
+            described.emplace(other.name.substr(0, subscriptOf(other.name)), &other);
         }
     }
     for (const auto &[name, nets] : groups) {
@@ -229,8 +241,14 @@ void ModuleNames::addSplitVectors()
         signal.left = nets.rbegin()->first;
         signal.right = nets.begin()->first;
         signal.bits.resize(static_cast<std::size_t>(span));
+        if (const auto bit = described.find(name); bit != described.end()) {
+            signal.declared = bit->second->declared;
+            signal.src = bit->second->src;
+            signal.segments = bit->second->segments;
+        }
         for (const auto &[index, net] : nets) {
             signal.bits[static_cast<std::size_t>(index - signal.right)].net = net;
+            signal.declared = signal.declared || net->isUserDeclared();
         }
         m_others.push_back(std::move(signal));
     }

@@ -29,18 +29,20 @@ struct NamedBit {
     char constant = '\0'; ///< one of 01xz where there is no net
 };
 
-/// A name beside those that nets and buses bear themselves.
+/// A name other than those of the nets and buses themselves.
 struct OtherSignal {
     enum class Kind : std::uint8_t { Declared, Derived, Hidden, Path, Split };
 
     std::string name;
-    /// Path: hierarchical name of a flattened net, its segments joined with '/'. Split: a vector that nobody names, of
-    /// nets that are called like its bits.
+    /// Path: hierarchical name of a flattened net, its segments joined with '/'. Split: a vector without a name of its
+    /// own, of nets that are called like its bits.
     Kind kind = Kind::Hidden;
     bool isVector = false;
     int left = 0;
     int right = 0;
+    bool declared = false;      ///< by the user
     std::string src;            ///< as the netlist has it; empty when there is none
+    std::size_t segments = 0;   ///< of the hierarchical name; 0 when not known
     std::vector<NamedBit> bits; ///< from the right end of the vector on
 
     /// Place of @p index in bits, when it has one.
@@ -71,12 +73,12 @@ class ModuleNames {
     std::vector<Found> find(std::string_view name);
 
     /// The other names of @p item, a net or bus of the module: declared ones first. A vector of which only some bits
-    /// are in @p item stands there with a range.
+    /// are in @p item is listed with a range.
     std::vector<std::string> aliasesOf(const IVDBItem &item);
     /// The same for what is no item of its own.
     std::vector<std::string> aliasesOf(const OtherSignal &signal);
 
-    /// The vector of which @p net is a bit, by its own name, although it is no bus because other bits bear other names;
+    /// The vector of which @p net is a bit, by its own name, although it is no bus because other bits have other names;
     /// null for all other nets.
     const OtherSignal *brokenVectorOf(const IVDBNet &net);
 
@@ -107,7 +109,7 @@ class ModuleNames {
     const Verific::Netlist *m_source;
     Nets m_nets;
     Buses m_buses;
-    // Made when somebody asks for what is no net or bus of its own: most names are.
+    // Made on demand: most names are those of nets and buses.
     bool m_othersRead = false;
     std::deque<OtherSignal> m_others;
     std::unordered_map<std::string_view, std::uint32_t> m_otherByName;

@@ -53,7 +53,7 @@ std::size_t editCost(std::string_view a, std::string_view b, std::size_t limit)
     return above[b.size()];
 }
 
-/// True when @p part, which is no mere letter or two, stands somewhere in @p name.
+/// True when @p part, which is longer than two letters, occurs in @p name.
 bool holds(std::string_view name, std::string_view part)
 {
     return part.size() >= 3 && name.find(part) != std::string_view::npos;

@@ -27,18 +27,6 @@ IVDBNetBus *busOf(const OtherSignal &signal)
     return bus;
 }
 
-/// A bit of @p vector that is called like one; null when all of them have other names.
-IVDBNet *ownBitOf(const OtherSignal &vector)
-{
-    for (std::size_t position = 0; position < vector.bits.size(); ++position) {
-        IVDBNet *net = vector.bits[position].net;
-        if (net != nullptr && net->getName() == vector.bitName(position)) {
-            return net;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 void OtherNameHits::enter(IVDBInstance &instance, const std::string &prefix)
@@ -63,7 +51,7 @@ void OtherNameHits::enter(IVDBInstance &instance, const std::string &prefix)
         }
     }
     for (const OtherSignal &other : m_names->others()) {
-        if (other.kind == OtherSignal::Kind::Split || other.bits.empty() || isFoundAsNamed(other)) {
+        if (other.bits.empty() || isFoundAsNamed(other)) {
             continue;
         }
         if (!other.isVector) {
@@ -80,7 +68,7 @@ void OtherNameHits::enter(IVDBInstance &instance, const std::string &prefix)
             } else {
                 addVector(other);
             }
-        } else {
+        } else if (other.kind != OtherSignal::Kind::Split) {
             for (std::size_t position = 0; position < other.bits.size(); ++position) {
                 if (other.bits[position].net != nullptr && matches(other.bitName(position))) {
                     addItem(*other.bits[position].net, other.bitName(position));
@@ -127,10 +115,7 @@ void OtherNameHits::addVector(const OtherSignal &vector)
 {
     OtherNameHit hit;
     hit.signal = &vector;
-    hit.declared = vector.kind == OtherSignal::Kind::Declared;
-    IVDBNet *own = ownBitOf(vector);
-    hit.source = own != nullptr ? own->getLineInfo() : nullptr;
-    if (hit.declared || !m_declaredOnly) {
+    if (vector.declared || !m_declaredOnly) {
         m_hits.push_back(std::move(hit));
         m_vectors.insert(&vector);
     }

@@ -6,7 +6,6 @@
 
 namespace kvr::netlistdb {
 class IVDBInstance;
-class IVDBLineInfo;
 class IVDBNetBase;
 } // namespace kvr::netlistdb
 
@@ -19,11 +18,9 @@ struct OtherSignal;
 
 /// A net or bus that a search found, or a vector or constant that is none.
 struct OtherNameHit {
-    IVDBNetBase *item = nullptr;          ///< the net or bus; null: what the signal names
-    const OtherSignal *signal = nullptr;  ///< where there is no item
-    std::string matched;                  ///< the name by which it was found when that is not its own
-    const IVDBLineInfo *source = nullptr; ///< of a signal
-    bool declared = false;                ///< of a signal
+    IVDBNetBase *item = nullptr;         ///< the net or bus; null: what the signal names
+    const OtherSignal *signal = nullptr; ///< where there is no item
+    std::string matched;                 ///< the name by which it was found when that is not its own
 };
 
 /// Finds, in the instances that a search meets, what the pattern matches by another name than that of a net or bus.
@@ -35,7 +32,7 @@ class OtherNameHits {
     {
     }
 
-    /// Looks through the names in @p instance; @p prefix stands in front of them.
+    /// Looks through the names in @p instance; @p prefix precedes them.
     void enter(IVDBInstance &instance, const std::string &prefix);
     /// Hands out the hits in the instance, once.
     std::vector<OtherNameHit> take();

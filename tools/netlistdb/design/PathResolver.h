@@ -19,7 +19,7 @@ class PathResolver {
   public:
     explicit PathResolver(Design &design);
 
-    /// A net seen in an instance, by whichever of its names.
+    /// A net seen in an instance, by any of its names.
     struct Bit {
         IVDBInstance *instance;
         IVDBNet *net;     ///< null for a bit that is tied to a constant without a net

@@ -9,7 +9,7 @@ namespace {
 /// Ways to choose among more dots than these are too many to try.
 constexpr std::size_t MOST_DOTS = 8;
 
-/// @p path without the backslash in front of escaped names and the blank behind them. What stands between is a name as
+/// @p path without the backslash in front of escaped names and the blank behind them. What is between is a name as
 /// a whole, in which @p dots leaves the dots out.
 std::string unescaped(const std::string &path, std::vector<std::size_t> &dots)
 {

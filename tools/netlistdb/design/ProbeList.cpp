@@ -118,7 +118,7 @@ class Lister {
         return nets.size() < 2;
     }
 
-    /// @p own is a bit that bears the name of the vector.
+    /// @p own is a bit that has the name of the vector.
     void addVector(const OtherSignal &vector, IVDBNet &own)
     {
         Probe probe;
@@ -140,7 +140,7 @@ class Lister {
     ModuleNames &m_names;
     std::vector<Probe> m_probes;
     std::vector<Probe> m_single;
-    std::unordered_map<const OtherSignal *, IVDBNet *> m_vectors; ///< with a bit that bears the name
+    std::unordered_map<const OtherSignal *, IVDBNet *> m_vectors; ///< with a bit that has the name
 };
 
 } // namespace

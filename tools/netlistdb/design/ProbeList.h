@@ -15,7 +15,7 @@ namespace kvr::netlistdb::tool {
 class Design;
 
 /// Something in a module that an on-chip debugger may probe: a net, or a vector as the user declared it, also when some
-/// of its bits bear other names.
+/// of its bits have other names.
 struct Probe {
     std::string name;
     bool isBus = false;
@@ -27,7 +27,7 @@ struct Probe {
     std::vector<std::string> sources; ///< all that is known of where it comes from, as the netlist has it
 };
 
-/// The probes of @p module: buses, then vectors of which some bits bear other names, then nets, in the order of the
+/// The probes of @p module: buses, then vectors of which some bits have other names, then nets, in the order of the
 /// netlist. Every net that may be probed is in one of them.
 std::vector<Probe> probesOf(Design &design, IVDBNetlist &module);
 

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <frontend/yosys/NetlistReader.h>
+#include <frontend/yosys/UserModuleName.h>
 #include <frontend/yosys/YosysReader.h>
 #include <string_view>
 #include <sys/mman.h>
@@ -26,22 +27,36 @@ bool endsWith(const std::string &text, std::string_view end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// A question for the modules in the library set that are called much like @p name.
-std::string nearestModules(const std::string &name)
+/// Hands every module in the library set to @p visit, with the name of its cell and the one that the user wrote.
+template <class Visit> void visitModules(Visit visit)
 {
-    NearestNames nearest(name);
     Verific::MapIter li;
     Verific::Library *library = nullptr;
     FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
         Verific::MapIter ci;
         const Verific::Cell *cell = nullptr;
         FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
-            if (cell->Name() != nullptr) {
-                nearest.offer(cell->Name());
+            Verific::Netlist *netlist = cell->GetFirstNetlist();
+            if (netlist == nullptr || cell->Name() == nullptr) {
+                continue;
             }
+            const char *userName = netlist->GetAttValue(yosys::USER_MODULE);
+            visit(*netlist, std::string(cell->Name()), std::string(userName != nullptr ? userName : cell->Name()));
         }
     }
-    return didYouMean(nearest.best());
+}
+
+/// A question for the modules in the library set that are called much like @p name. None when some were made from the
+/// module of that name: the message lists those.
+std::string nearestModules(const std::string &name)
+{
+    NearestNames nearest(name);
+    bool isKnown = false;
+    visitModules([&](const Verific::Netlist &, const std::string &, const std::string &userName) {
+        nearest.offer(userName);
+        isKnown = isKnown || yosys::isMadeFrom(userName, name);
+    });
+    return isKnown ? "" : didYouMean(nearest.best());
 }
 
 Verific::Netlist *readJson(const Input &input, const yosys::ReadOptions &options)
@@ -94,18 +109,34 @@ Verific::Netlist *readVerilog(const std::vector<std::string> &files, const Readi
     return readJson(input, reading);
 }
 
-/// The netlist of module @p name in the library set.
+/// The netlist of module @p name in the library set: a cell of that name, or the only one that was made from the module
+/// that the user calls so.
 Verific::Netlist *findModule(const std::string &file, const std::string &name)
 {
-    Verific::MapIter li;
-    Verific::Library *library = nullptr;
-    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
-        const Verific::Cell *cell = library->GetCell(name.c_str());
-        if (cell != nullptr && cell->GetFirstNetlist() != nullptr) {
-            return cell->GetFirstNetlist();
+    Verific::Netlist *exact = nullptr;
+    std::vector<std::pair<std::string, Verific::Netlist *>> variants;
+    visitModules([&](Verific::Netlist &netlist, const std::string &cellName, const std::string &userName) {
+        if (cellName == name) {
+            exact = exact == nullptr ? &netlist : exact;
+        } else if (userName != cellName && (userName == name || yosys::isMadeFrom(userName, name))) {
+            variants.emplace_back(userName, &netlist);
         }
+    });
+    if (exact != nullptr) {
+        return exact;
     }
-    throw refused(file, "has no module '" + name + "'" + nearestModules(name));
+    if (variants.size() > 1) {
+        std::vector<std::string> names;
+        names.reserve(variants.size());
+        for (const auto &variant : variants) {
+            names.push_back(variant.first);
+        }
+        throw refused(file, yosys::severalMadeFrom(name, names));
+    }
+    if (variants.empty()) {
+        throw refused(file, "no module '" + name + "', which was asked for as the top" + nearestModules(name));
+    }
+    return variants.front().second;
 }
 
 /// A netlist in memory under a name that can be opened.

@@ -14,7 +14,7 @@ class Interrupt;
 class Progress;
 class Stats;
 
-/// How to read a design, and whom to tell how far it is.
+/// How to read a design, and where to report progress.
 struct Reading {
     std::optional<Form> form;            ///< found out from the netlist when not given
     std::string top;                     ///< empty: found out from the netlist

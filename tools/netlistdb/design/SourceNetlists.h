@@ -17,7 +17,7 @@ class IVDBNetlist;
 
 namespace kvr::netlistdb::tool {
 
-/// The netlists of the netlist database from which a design was imported, found by what their items tell.
+/// The netlists of the netlist database from which a design was imported, found by the names of their items.
 class SourceNetlists {
   public:
     /// @p top and what is below it must outlive the object.

@@ -30,7 +30,7 @@ inline std::string sourceText(const IVDBLineInfo *info, const std::string &direc
     return fmt::format("{}:{}", file, info->getLineNumber());
 }
 
-/// The working directory with a slash behind it; empty when there is none.
+/// The working directory with a slash at its end; empty when there is none.
 std::string workingDirectory();
 
 } // namespace kvr::netlistdb::tool

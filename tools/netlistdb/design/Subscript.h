@@ -8,7 +8,7 @@ namespace kvr::netlistdb::tool {
 /// Where the subscript at the end of @p name begins, `[5]` or `[7:0]`; npos when it ends in none.
 std::size_t subscriptOf(std::string_view name);
 
-/// Takes `vector[index]` apart. Answers false when @p name is nothing like that.
+/// Takes `vector[index]` apart. Returns false when @p name has no such end.
 bool takeSubscript(std::string_view name, std::string_view &vector, int &index);
 
 /// The same for `vector[from:to]`; a single index is a range of one.

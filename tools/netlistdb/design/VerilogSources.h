@@ -5,7 +5,7 @@
 
 namespace kvr::netlistdb::tool {
 
-/// How Verilog sources are read beside what stands in them.
+/// How Verilog sources are read.
 struct VerilogOptions {
     std::vector<std::string> includeDirectories;
     std::vector<std::string> defines;   ///< NAME or NAME=VALUE
@@ -17,7 +17,7 @@ struct VerilogOptions {
 ///
 /// Sources and options are separated by blanks and line ends: `-I DIR`, `+incdir+DIR`, `-D NAME=VALUE`,
 /// `+define+NAME=VALUE`, and `-f LIST` for a further list. `//`, `#` and `/*` begin comments where a word could begin;
-/// quotes keep blanks; `$NAME` and `${NAME}` stand for variables of the environment. A relative path is taken from the
+/// quotes keep blanks; `$NAME` and `${NAME}` are variables of the environment. A relative path is taken from the
 /// directory of the list, or else, when nothing is there, from the working directory.
 /// @throws Failure that names the list and the line.
 void readFileList(const std::string &list, std::vector<std::string> &sources, VerilogOptions &options);

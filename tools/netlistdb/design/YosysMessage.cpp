@@ -82,7 +82,7 @@ bool declares(std::string_view text, std::string_view name)
     return false;
 }
 
-/// The module that @p message speaks of: what stands in quotes behind "in module", or behind "Module", as its source
+/// The module that @p message speaks of: what is in quotes after "in module", or behind "Module", as its source
 /// calls it.
 std::optional<std::string> moduleIn(std::string_view message)
 {

@@ -17,7 +17,7 @@ struct OutputTarget {
     Kind kind = Kind::Stream;
     int descriptor = 1;    ///< of a stream
     std::string path;      ///< without symbolic links at its end; empty for a stream
-    bool exists = false;   ///< a regular file stands there
+    bool exists = false;   ///< a regular file is there
     struct stat status {}; ///< of that file
 
     /// Directory of the file.

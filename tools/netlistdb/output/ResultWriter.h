@@ -22,7 +22,7 @@ struct Column {
     unsigned width = 0;  ///< least width in tables; 0 waits for the first rows to find out
 };
 
-/// What stands at the head of a result.
+/// The head of a result.
 struct ResultHead {
     const char *command; ///< names the format
     std::vector<Fact> facts;
