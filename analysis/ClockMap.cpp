@@ -3,9 +3,12 @@
 #include "analysis/Proof.h"
 
 #include <netlistdb/DesignDatabase.h>
+#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/IVDBNet.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace kvr::netlistdb::analysis {
 
@@ -149,7 +152,10 @@ LaunchProof ClockMap::why(const IVDBInstance *inst, const IVDBNet *net) const
     Context context;
     std::uint32_t number = NONE;
     if (!m_state->find(inst, net, context, number)) {
-        return {};
+        ChainStep inside{
+            StepKind::End, const_cast<IVDBInstance *>(inst), const_cast<IVDBNet *>(net), {}, {}, {}, {}, {}, {}};
+        inside.netName = inst->getPath() + "/" + net->getName();
+        return {{}, {}, {{REACHED_BY_BLACK_BOX, {std::move(inside)}}}};
     }
     return prove(*m_state, {std::move(context), number});
 }
