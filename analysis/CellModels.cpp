@@ -18,7 +18,7 @@ std::string_view typeOf(const Verific::Netlist &view)
     return name != nullptr ? std::string_view(name) : std::string_view();
 }
 
-std::vector<const char *> parametersOf(const Verific::Netlist &view)
+std::vector<std::string> parametersOf(const Verific::Netlist &view)
 {
     const std::string_view type = typeOf(view);
     return !type.empty() && type.front() == '$' ? wordParameters() : deviceParameters(view);
@@ -132,8 +132,8 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
     m_key.assign(cellName);
     ConstantShift shift;
     const Verific::Instance &named = isPlain ? instance : withParameters(instance);
-    for (const char *parameter : known.parameters) {
-        m_key.append(1, '\0').append(parameterOf(named, parameter));
+    for (const std::string &parameter : known.parameters) {
+        m_key.append(1, '\0').append(parameterOf(named, parameter.c_str()));
     }
     if (known.shifts) {
         shift = constantShift(instance);

@@ -36,11 +36,11 @@ class CellModels {
 
   private:
     struct View {
-        std::vector<const char *> parameters; ///< that make a difference
-        bool shifts = false;                  ///< the value on the pins B makes a difference
-        std::uint32_t latest = NONE;          ///< the model of the latest instance
-        std::string_view latestCellName;      ///< its device cell
-        std::string latestKey;                ///< all that made a difference
+        std::vector<std::string> parameters; ///< that make a difference
+        bool shifts = false;                 ///< the value on the pins B makes a difference
+        std::uint32_t latest = NONE;         ///< the model of the latest instance
+        std::string_view latestCellName;     ///< its device cell
+        std::string latestKey;               ///< all that made a difference
         std::unordered_map<std::string, std::uint32_t> variants;
     };
 

@@ -2,10 +2,13 @@
 #include "analysis/LaunchCounts.h"
 #include "analysis/Proof.h"
 
-#include <netlistdb/netlistdb.h>
+#include <netlistdb/DesignDatabase.h>
+#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/IVDBNet.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace kvr::netlistdb::analysis {
 
@@ -37,25 +40,25 @@ const char *nameOf(ClockRoot root)
     return "";
 }
 
-void ClockMap::State::check() const
+void requireCurrent(const ClockMap::State &map)
 {
-    if (design.database.generation(design.source) != design.generation) {
+    if (map.design.database.generation(map.design.source) != map.design.generation) {
         throw std::logic_error("ClockMap: the source has been reset or imported anew");
     }
 }
 
-bool ClockMap::State::find(const IVDBInstance *inst, const IVDBNet *net, Context &context, std::uint32_t &number) const
+bool findPlace(const ClockMap::State &map, const IVDBInstance *inst, const IVDBNet *net, Place &place)
 {
-    check();
-    const DesignModel::ModuleNet found = design.find(net);
-    const bool isInside = design.find(inst, context);
+    requireCurrent(map);
+    const DesignModel::ModuleNet found = map.design.find(net);
+    const bool isInside = map.design.find(inst, place.context);
     if (!isInside || found.module == NONE) {
         return false;
     }
-    if (context.back().module != found.module) {
+    if (place.context.back().module != found.module) {
         throw std::invalid_argument("ClockMap: the net is no net of the instance");
     }
-    number = found.net;
+    place.net = found.net;
     return true;
 }
 
@@ -70,7 +73,7 @@ ClockMap &ClockMap::operator=(ClockMap &&) noexcept = default;
 
 const std::vector<Clock> &ClockMap::clocks() const
 {
-    m_state->check();
+    requireCurrent(*m_state);
     return m_state->table.clocks();
 }
 
@@ -91,13 +94,12 @@ std::optional<ClockId> ClockMap::find(std::string_view name) const
 LaunchClocks ClockMap::launch(const IVDBInstance *inst, const IVDBNet *net) const
 {
     LaunchClocks result;
-    Context context;
-    std::uint32_t number = NONE;
-    if (!m_state->find(inst, net, context, number)) {
+    Place place{{}, NONE};
+    if (!findPlace(*m_state, inst, net, place)) {
         result.reached = REACHED_BY_BLACK_BOX;
         return result;
     }
-    const BoundSet bound = boundLaunch(m_state->design, context, number);
+    const BoundSet bound = boundLaunch(m_state->design, place.context, place.net);
     result.reached = bound.flags;
     for (const BoundClock &each : bound.clocks) {
         const ClockId clock = m_state->table.idOf(each.clock);
@@ -113,13 +115,12 @@ LaunchClocks ClockMap::launch(const IVDBInstance *inst, const IVDBNet *net) cons
 CaptureClocks ClockMap::capture(const IVDBInstance *inst, const IVDBNet *net) const
 {
     CaptureClocks result;
-    Context context;
-    std::uint32_t number = NONE;
-    if (!m_state->find(inst, net, context, number)) {
+    Place place{{}, NONE};
+    if (!findPlace(*m_state, inst, net, place)) {
         result.reached = REACHES_BLACK_BOX;
         return result;
     }
-    const BoundSet bound = boundCapture(m_state->design, context, number);
+    const BoundSet bound = boundCapture(m_state->design, place.context, place.net);
     result.reached = bound.flags;
     for (const BoundClock &each : bound.clocks) {
         result.clocks.push_back({m_state->table.idOf(each.clock), each.roles});
@@ -131,13 +132,12 @@ CaptureClocks ClockMap::capture(const IVDBInstance *inst, const IVDBNet *net) co
 
 ElectricalNet ClockMap::electrical(const IVDBInstance *inst, const IVDBNet *net) const
 {
-    Context context;
-    std::uint32_t number = NONE;
-    if (!m_state->find(inst, net, context, number)) {
+    Place place{{}, NONE};
+    if (!findPlace(*m_state, inst, net, place)) {
         return {const_cast<IVDBInstance *>(inst), const_cast<IVDBNet *>(net), ClockRoot::BlackBox, false, std::nullopt};
     }
     const DesignModel &design = m_state->design;
-    const ElectricalRoot root = electricalRoot(design, {std::move(context), number});
+    const ElectricalRoot root = electricalRoot(design, place);
     const ClockId clock = root.clock != NONE ? m_state->table.idOf(root.clock) : NONE;
     return {design.itemOf(root.place.context), design.itemOf(root.place),
             kindOfRoot(design, root.place.context.back().module, root.place.net), root.inverted,
@@ -146,40 +146,31 @@ ElectricalNet ClockMap::electrical(const IVDBInstance *inst, const IVDBNet *net)
 
 LaunchProof ClockMap::why(const IVDBInstance *inst, const IVDBNet *net) const
 {
-    Context context;
-    std::uint32_t number = NONE;
-    if (!m_state->find(inst, net, context, number)) {
-        const std::string path = inst->getPath();
-        ChainStep end;
-        end.kind = StepKind::End;
-        end.instance = const_cast<IVDBInstance *>(inst);
-        end.net = const_cast<IVDBNet *>(net);
-        end.netName = path.empty() ? net->getName() : path + "/" + net->getName();
-        end.cell = path;
-        end.cellType = inst->getModule()->getName();
-        end.output = net->getName();
-        LaunchProof proof;
-        proof.ends.push_back({REACHED_BY_BLACK_BOX, {std::move(end)}});
-        return proof;
+    Place place{{}, NONE};
+    if (!findPlace(*m_state, inst, net, place)) {
+        ChainStep inside{
+            StepKind::End, const_cast<IVDBInstance *>(inst), const_cast<IVDBNet *>(net), {}, {}, {}, {}, {}, {}};
+        inside.netName = inst->getPath() + "/" + net->getName();
+        return {{}, {}, {{REACHED_BY_BLACK_BOX, {std::move(inside)}}}};
     }
-    return prove(*m_state, {std::move(context), number});
+    return prove(*m_state, place);
 }
 
 bool ClockMap::related(ClockId a, ClockId b) const
 {
-    m_state->check();
+    requireCurrent(*m_state);
     return m_state->table.related(a, b);
 }
 
 NetCounts ClockMap::countNets() const
 {
-    m_state->check();
+    requireCurrent(*m_state);
     return kvr::netlistdb::analysis::countNets(m_state->design, m_state->table);
 }
 
 std::size_t ClockMap::memory() const
 {
-    m_state->check();
+    requireCurrent(*m_state);
     return m_state->design.memory() + m_state->table.memory();
 }
 

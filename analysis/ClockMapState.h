@@ -10,13 +10,13 @@ namespace kvr::netlistdb::analysis {
 struct ClockMap::State {
     State(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source) : design(database, source), table(design) {}
 
-    /// @throws std::logic_error when the source is not the one any more that the map was built from.
-    void check() const;
-    /// The place of a net; false for the inside of something that is not looked into.
-    bool find(const IVDBInstance *inst, const IVDBNet *net, Context &context, std::uint32_t &number) const;
-
     DesignModel design;
     ClockTable table;
 };
+
+/// @throws std::logic_error when the source is no more the one that the map was built from.
+void requireCurrent(const ClockMap::State &map);
+/// The place of a net; false for the inside of something that is not looked into. As ClockMap throws otherwise.
+bool findPlace(const ClockMap::State &map, const IVDBInstance *inst, const IVDBNet *net, Place &place);
 
 } // namespace kvr::netlistdb::analysis

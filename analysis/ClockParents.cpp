@@ -62,7 +62,12 @@ std::vector<ClockId> clockInputs(const DesignModel &design, const std::vector<Cl
         const BoundSet set = boundLaunch(design, place.context, place.net);
         std::vector<ClockId> clocks =
             chosen(set, ids, [&](const BoundClock &each) { return each.isNetwork && each.clock != clock; });
-        return clocks.empty() ? chosen(set, ids, [](const BoundClock &each) { return !each.isNetwork; }) : clocks;
+        // A port or black box that goes in may be the clock, and the registers then only gate it.
+        const bool isMadeOfRegisters = (set.flags & (REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX)) == 0;
+        if (clocks.empty() && isMadeOfRegisters) {
+            clocks = chosen(set, ids, [](const BoundClock &each) { return !each.isNetwork; });
+        }
+        return clocks;
     }
     case ClockRoot::BlackBox:
         return generatorInputs(design, ids, place);

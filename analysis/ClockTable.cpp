@@ -5,41 +5,66 @@
 
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IClockDomain.h>
+#include <netlistdb/IVDBNet.h>
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
+#include <tuple>
+#include <utility>
 
 namespace kvr::netlistdb::analysis {
+
+namespace {
+
+/// True when a person would rather read @p a: nearest to the top, then shortest, then first in byte order.
+bool isBetterName(const std::string &a, const std::string &b)
+{
+    const auto levels = [](const std::string &name) { return std::count(name.begin(), name.end(), '/'); };
+    return std::make_tuple(levels(a), a.size(), std::cref(a)) < std::make_tuple(levels(b), b.size(), std::cref(b));
+}
+
+} // namespace
 
 ClockTable::ClockTable(const DesignModel &design) : m_ids(design.clocks.back().count(), NONE)
 {
     const std::vector<ClockUse> uses = countRegisters(design.hierarchy, design.clocks);
-    std::vector<Clock> found;
-    found.reserve(uses.size());
+    m_clocks.reserve(uses.size());
     for (const ClockUse &use : uses) {
         const Place place = design.rootOf(use.clock);
-        found.push_back({design.nameOf(place),
-                         design.itemOf(place.context),
-                         design.itemOf(place),
-                         kindOfRoot(design, place.context.back().module, place.net),
-                         use.edges,
-                         use.registers,
-                         {},
-                         {}});
+        m_ids[use.clock] = static_cast<ClockId>(m_clocks.size());
+        m_numbers.push_back(use.clock);
+        m_clocks.push_back({design.nameOf(place),
+                            design.itemOf(place.context),
+                            design.itemOf(place),
+                            kindOfRoot(design, place.context.back().module, place.net),
+                            use.edges,
+                            use.registers,
+                            {},
+                            {}});
     }
-    std::vector<std::uint32_t> order(found.size());
+    nameAsInDatabase(design);
+    sortByName();
+    findParents(design);
+}
+
+void ClockTable::sortByName()
+{
+    std::vector<ClockId> order(m_clocks.size());
     std::iota(order.begin(), order.end(), 0U);
     std::stable_sort(order.begin(), order.end(),
-                     [&](std::uint32_t a, std::uint32_t b) { return found[a].name < found[b].name; });
-    m_clocks.reserve(found.size());
-    m_numbers.reserve(found.size());
-    for (const std::uint32_t place : order) {
-        m_ids[uses[place].clock] = static_cast<ClockId>(m_clocks.size());
-        m_numbers.push_back(uses[place].clock);
-        m_clocks.push_back(std::move(found[place]));
+                     [this](ClockId a, ClockId b) { return m_clocks[a].name < m_clocks[b].name; });
+    std::vector<Clock> clocks;
+    std::vector<std::uint32_t> numbers;
+    clocks.reserve(order.size());
+    numbers.reserve(order.size());
+    for (const ClockId old : order) {
+        m_ids[m_numbers[old]] = static_cast<ClockId>(clocks.size());
+        numbers.push_back(m_numbers[old]);
+        clocks.push_back(std::move(m_clocks[old]));
     }
-    findParents(design);
-    nameAsInDatabase(design);
+    m_clocks = std::move(clocks);
+    m_numbers = std::move(numbers);
 }
 
 void ClockTable::findParents(const DesignModel &design)
@@ -68,6 +93,7 @@ void ClockTable::findParents(const DesignModel &design)
 
 void ClockTable::nameAsInDatabase(const DesignModel &design)
 {
+    std::vector<std::string> declared(m_clocks.size()); ///< best name of a net that a user declared
     for (const IClockDomain *domain : design.database.listAllClockDomains(design.source)) {
         Context context;
         const DesignModel::ModuleNet net = design.find(domain->getNet());
@@ -76,13 +102,24 @@ void ClockTable::nameAsInDatabase(const DesignModel &design)
         }
         const ElectricalRoot root = electricalRoot(design, {std::move(context), net.net});
         const ClockId clock = root.clock != NONE ? m_ids[root.clock] : NONE;
-        if (clock != NONE && m_clocks[clock].name != domain->getName()) {
-            m_clocks[clock].names.push_back(domain->getName());
+        if (clock == NONE || m_clocks[clock].name == domain->getName()) {
+            continue;
+        }
+        m_clocks[clock].names.push_back(domain->getName());
+        if (domain->getNet()->isUserDeclared() && !root.inverted &&
+            (declared[clock].empty() || isBetterName(domain->getName(), declared[clock]))) {
+            declared[clock] = domain->getName();
         }
     }
-    for (Clock &clock : m_clocks) {
-        std::sort(clock.names.begin(), clock.names.end());
-        clock.names.erase(std::unique(clock.names.begin(), clock.names.end()), clock.names.end());
+    for (ClockId clock = 0; clock < m_clocks.size(); ++clock) {
+        std::vector<std::string> &names = m_clocks[clock].names;
+        const IVDBNet *const begin = m_clocks[clock].net;
+        if (begin != nullptr && !begin->isUserDeclared() && !declared[clock].empty()) {
+            names.push_back(std::exchange(m_clocks[clock].name, declared[clock]));
+            names.erase(std::find(names.begin(), names.end(), declared[clock]));
+        }
+        std::sort(names.begin(), names.end());
+        names.erase(std::unique(names.begin(), names.end()), names.end());
     }
 }
 

@@ -26,6 +26,7 @@ class ClockTable {
   private:
     void findParents(const DesignModel &design);
     void nameAsInDatabase(const DesignModel &design);
+    void sortByName();
     std::vector<bool> ancestorsOf(ClockId clock) const;
 
     std::vector<Clock> m_clocks;

@@ -81,8 +81,8 @@ struct DesignModel {
   private:
     void indexItems();
 
-    std::vector<std::uint32_t> m_firstNet; ///< by module: place in Hierarchy::items
-    PointerIndex m_netIndex;               ///< of Hierarchy::items
+    std::vector<std::uint32_t> m_firstNet;         ///< by module: place in Hierarchy::items
+    PointerIndex m_netIndex;                       ///< of Hierarchy::items
     std::vector<const Verific::Instance *> m_subs; ///< of all modules, module by module
     std::vector<std::uint32_t> m_firstSub;
     PointerIndex m_subIndex;

@@ -125,6 +125,23 @@ void buildLookUpTable(ModelBuilder &cell)
     }
 }
 
+/// A cell of one input is a buffer or an inverter when its name says so.
+void buildLogic(ModelBuilder &cell)
+{
+    wholeLogic(cell);
+    const PinList inputs = cell.inputs();
+    const PinList outputs = cell.outputs();
+    if (inputs.size() != 1 || outputs.size() != 1 || inputs == outputs) {
+        return;
+    }
+    const std::string type = upperCase(cell.type());
+    const bool inverts = endsWith(type, "INV") || endsWith(type, "NOT");
+    if (inverts || endsWith(type, "BUF")) {
+        cell.setKind(CellKind::Buffer);
+        cell.markPass(outputs.front(), inputs.front(), inverts);
+    }
+}
+
 void buildClockGenerator(ModelBuilder &cell)
 {
     cell.setKind(CellKind::ClockGenerator);
@@ -304,6 +321,8 @@ bool buildDescribedCell(ModelBuilder &cell)
         buildPad(cell);
     } else if (kind == "lut") {
         buildLookUpTable(cell);
+    } else if (kind == "logic") {
+        buildLogic(cell);
     } else {
         wholeLogic(cell);
         if (kind == "latch") {
@@ -389,9 +408,9 @@ void buildGenericCell(ModelBuilder &cell)
     }
 }
 
-std::vector<const char *> deviceParameters(const Verific::Netlist &view)
+std::vector<std::string> deviceParameters(const Verific::Netlist &view)
 {
-    std::vector<const char *> names;
+    std::vector<std::string> names = invertingParameters(view);
     const char *const type = view.CellBaseName();
     const std::string_view name = type != nullptr ? type : "";
     const char *const kind = view.GetAttValue("NETLISTDB_CELL_KIND");

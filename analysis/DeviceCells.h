@@ -2,7 +2,9 @@
 
 #include "analysis/ModelBuilder.h"
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 /// Cells of devices, and cells of which only the netlist database's own marks are known.
 namespace kvr::netlistdb::analysis {
@@ -25,6 +27,6 @@ bool buildKvrCell(ModelBuilder &cell, std::string_view deviceCell);
 void buildGenericCell(ModelBuilder &cell);
 
 /// Parameters that change how cells of @p view carry clocks.
-std::vector<const char *> deviceParameters(const Verific::Netlist &view);
+std::vector<std::string> deviceParameters(const Verific::Netlist &view);
 
 } // namespace kvr::netlistdb::analysis

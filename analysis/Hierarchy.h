@@ -16,7 +16,7 @@ class Netlist;
 namespace kvr::netlistdb {
 class DesignDatabase;
 class IVDBNet;
-}
+} // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::analysis {
 

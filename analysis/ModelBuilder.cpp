@@ -3,6 +3,7 @@
 #include <DataBase.h>
 
 #include <algorithm>
+#include <cctype>
 
 namespace kvr::netlistdb::analysis {
 
@@ -184,6 +185,15 @@ CellModel ModelBuilder::finish()
     m_model.launches.shrink();
     m_model.captures.shrink();
     return std::move(m_model);
+}
+
+std::string upperCase(std::string_view text)
+{
+    std::string upper(text);
+    for (char &c : upper) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    return upper;
 }
 
 bool isNonZero(std::string_view value)

@@ -3,6 +3,7 @@
 #include "analysis/CellModel.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -72,6 +73,14 @@ class ModelBuilder {
     std::vector<PinList> m_launches;
     std::vector<PinList> m_captures;
 };
+
+inline bool endsWith(std::string_view text, std::string_view end)
+{
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+/// @p text with its ASCII letters in upper case.
+std::string upperCase(std::string_view text);
 
 /// Value of a parameter of @p instance, empty when it has none of that name.
 std::string_view parameterOf(const Verific::Instance &instance, const char *name);

@@ -30,8 +30,8 @@ CellPin ModuleGraph::pinAt(std::uint32_t position) const
 
 std::size_t ModuleGraph::memory() const
 {
-    return sizeof(*this) + ports.capacity() * sizeof(ModulePort) +
-           subs.capacity() * sizeof(SubInstance) + sources.memory() +
+    return sizeof(*this) + ports.capacity() * sizeof(ModulePort) + subs.capacity() * sizeof(SubInstance) +
+           sources.memory() +
            (m_cells.capacity() + m_firstPin.capacity() + m_pinNets.capacity() + m_cellOfBlock.capacity()) *
                sizeof(std::uint32_t);
 }

@@ -20,7 +20,7 @@ class Port;
 namespace kvr::netlistdb {
 class DesignDatabase;
 class IVDBNet;
-}
+} // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::analysis {
 

@@ -25,20 +25,6 @@ std::string_view roleTextOf(const ModelBuilder &cell, std::uint32_t pin)
     return text != nullptr ? std::string_view(text) : std::string_view();
 }
 
-std::string upperCase(std::string_view text)
-{
-    std::string upper(text);
-    for (char &c : upper) {
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    }
-    return upper;
-}
-
-bool endsWith(std::string_view text, std::string_view end)
-{
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 PinRole roleByName(std::string_view name)
 {
     static constexpr std::string_view ENABLES[] = {"E", "EN", "CE", "CEN", "ENA", "CLKEN", "OCE", "WE", "WEN", "WRE"};
@@ -148,6 +134,26 @@ void markControlPins(ModelBuilder &cell)
         const std::string_view text = roleTextOf(cell, pin);
         cell.setRole(pin, text.empty() ? roleByName(cell.nameOf(pin)) : roleByText(text));
     }
+}
+
+std::vector<std::string> invertingParameters(const Verific::Netlist &view)
+{
+    std::vector<std::string> names;
+    Verific::MapIter ports;
+    const Verific::Port *port = nullptr;
+    FOREACH_PORT_OF_NETLIST (&view, ports, port) {
+        const char *const text = port->GetAttValue(INVERTED_BY);
+        std::string_view condition = text != nullptr ? std::string_view(text) : std::string_view();
+        while (!condition.empty()) {
+            const std::string_view term = condition.substr(0, condition.find(' '));
+            condition.remove_prefix(std::min(term.size() + 1, condition.size()));
+            const std::string_view name = term.substr(0, term.find('='));
+            if (std::find(names.begin(), names.end(), name) == names.end()) {
+                names.emplace_back(name);
+            }
+        }
+    }
+    return names;
 }
 
 bool isOnSideOf(std::string_view pin, std::string_view clock)

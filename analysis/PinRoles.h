@@ -2,7 +2,9 @@
 
 #include "analysis/ModelBuilder.h"
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace kvr::netlistdb::analysis {
 
@@ -19,6 +21,9 @@ bool isDescribedAsRead(const ModelBuilder &cell, std::uint32_t pin);
 /// The edges on which the clock pin @p pin acts, as its port and the parameters of the instance say; otherwise a rising
 /// one.
 std::uint8_t edgesOf(const ModelBuilder &cell, std::uint32_t pin);
+
+/// Names of the parameters that turn round the edges of clock pins of @p view, as its ports say.
+std::vector<std::string> invertingParameters(const Verific::Netlist &view);
 
 /// Whether a pin called @p pin belongs to the side of a cell whose clock pin is called @p clock, as the names of the
 /// two say: `W_DATA` to `W_CLK`, `ADDR_A` to `CLK_A`, `RADDR` to `RCLK`.

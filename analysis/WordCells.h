@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -28,6 +29,6 @@ void buildWordOperator(ModelBuilder &cell, const ConstantShift &amount);
 bool buildWordRegister(ModelBuilder &cell);
 
 /// Parameters that change how a cell of yosys carries clocks.
-const std::vector<const char *> &wordParameters();
+const std::vector<std::string> &wordParameters();
 
 } // namespace kvr::netlistdb::analysis

@@ -220,11 +220,11 @@ bool buildWordRegister(ModelBuilder &cell)
     return true;
 }
 
-const std::vector<const char *> &wordParameters()
+const std::vector<std::string> &wordParameters()
 {
-    static const std::vector<const char *> names = {"A_SIGNED",   "B_SIGNED",      "OFFSET",          "CLK_POLARITY",
-                                                    "CLK_ENABLE", "RD_CLK_ENABLE", "RD_CLK_POLARITY", "RD_PORTS",
-                                                    "WR_PORTS",   "WR_CLK_ENABLE", "WR_CLK_POLARITY"};
+    static const std::vector<std::string> names = {"A_SIGNED",   "B_SIGNED",      "OFFSET",          "CLK_POLARITY",
+                                                   "CLK_ENABLE", "RD_CLK_ENABLE", "RD_CLK_POLARITY", "RD_PORTS",
+                                                   "WR_PORTS",   "WR_CLK_ENABLE", "WR_CLK_POLARITY"};
     return names;
 }
 

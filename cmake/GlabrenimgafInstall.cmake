@@ -11,8 +11,8 @@ file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig 
 string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
 
 # Libraries and their headers.
-set_target_properties(glabrenimgaf verific PROPERTIES INSTALL_RPATH "$ORIGIN")
-install(TARGETS glabrenimgaf verific EXPORT glabrenimgafTargets
+set_target_properties(glabrenimgaf glabrenimgaf_analysis verific PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS glabrenimgaf glabrenimgaf_analysis verific EXPORT glabrenimgafTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 install(DIRECTORY include/netlistdb DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
     FILES_MATCHING PATTERN "*.h")
@@ -48,7 +48,7 @@ write_basic_package_version_file(glabrenimgafConfigVersion.cmake COMPATIBILITY S
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/glabrenimgafConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/glabrenimgafConfigVersion.cmake
     DESTINATION ${glabrenimgaf_package_dir} COMPONENT development)
-set(pkgconfig_files glabrenimgaf)
+set(pkgconfig_files glabrenimgaf glabrenimgaf-analysis)
 if(NOT VERIFIC_ROOT)
     list(APPEND pkgconfig_files glabrenimgaf-verific)
 endif()

@@ -20,7 +20,8 @@ bool isMade(const CellType::Group *group)
     return group != nullptr && group->widthKnown && group->range.width > 0;
 }
 
-/// The pin that a table calls @p name: `name` or `name[position]`.
+} // namespace
+
 unsigned pinCalled(CellType &type, std::string_view name)
 {
     unsigned position = 0;
@@ -34,6 +35,8 @@ unsigned pinCalled(CellType &type, std::string_view name)
     }
     return isMade(group) && position < group->range.width ? group->firstPin + position : CellPlan::NO_CLOCK;
 }
+
+namespace {
 
 void findPinsOfDevice(CellType &type, ClockPins &found)
 {

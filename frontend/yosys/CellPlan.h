@@ -30,6 +30,9 @@ struct CellPlan {
     }
 };
 
+/// The pin that a table calls @p name, `name` or `name[position]`: its place in CellType::pins(), or NO_CLOCK.
+unsigned pinCalled(CellType &type, std::string_view name);
+
 /// Finds out what clocks the outputs of cells.
 class CellPlanner {
   public:

@@ -1,5 +1,6 @@
 #include "DeviceCells.h"
 
+#include "PinRoles.h"
 #include "YosysReader.h"
 
 #include <algorithm>
@@ -95,8 +96,8 @@ void DeviceCells::adopt(CellType &type, const DeviceMatch &match)
     }
     addAttribute(*type.netlist(), "NETLISTDB_CELL_FAMILY", match.families.c_str());
     addAttribute(*type.netlist(), "NETLISTDB_CELL_KIND", nameOf(cell.kind));
+    m_adopted.push_back(&type);
     if (cell.selfDescribing) {
-        m_selfDescribing.push_back(&type);
         return;
     }
     // Everything else is the same for all cells of the type.
@@ -105,7 +106,11 @@ void DeviceCells::adopt(CellType &type, const DeviceMatch &match)
 
 void DeviceCells::finish()
 {
-    for (CellType *type : m_selfDescribing) {
+    for (CellType *type : m_adopted) {
+        describePins(*type);
+        if (!type->device->selfDescribing) {
+            continue;
+        }
         for (const CellClock &clock : type->device->clocks) {
             const CellType::Group *group = type->findByName(clock.pin);
             if (group == nullptr || !group->widthKnown || group->range.width == 0) {

@@ -33,12 +33,13 @@ class DeviceCells {
 
     /// Makes @p type, an empty black box, the device cell that was found.
     void adopt(CellType &type, const DeviceMatch &match);
-    /// Marks the clock ports of cells whose files describe them themselves and leave that out.
+    /// Describes the pins of all device cells, and marks the clock ports of those whose files describe them themselves
+    /// and leave that out.
     void finish();
 
   private:
     CellTable m_own;
-    std::vector<CellType *> m_selfDescribing;
+    std::vector<CellType *> m_adopted;
 };
 
 } // namespace kvr::netlistdb::yosys

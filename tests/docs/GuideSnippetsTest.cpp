@@ -3,6 +3,8 @@
 
 #include "frontend/yosys/YosysReader.h"
 
+#include <netlistdb/analysis/ClockMap.h>
+
 #include <DataBase.h>
 
 #include <gtest/gtest.h>
@@ -44,6 +46,24 @@ int printClocks(const std::string &savedNetlist)
 // [end]
 
 namespace {
+
+// [clock_map]
+/// The clocks that the net can change with, the nearest first, each with the cells between.
+std::string allClocksOf(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source, IVDBInstance *inst, IVDBNet *net)
+{
+    const analysis::ClockMap map(database, source); // build it once, and ask for as many nets as you like
+    std::string text;
+    for (const analysis::ReachingClock &each : map.launch(inst, net).clocks) {
+        text += map.clocks()[each.clock].name + " over " + std::to_string(each.cells) + " cells\n";
+    }
+    for (const analysis::ClockChain &chain : map.why(inst, net).clocks) {
+        for (const analysis::ChainStep &step : chain.data) {
+            text += "    " + step.netName + " from " + step.cell + ' ' + step.output + '\n';
+        }
+    }
+    return text;
+}
+// [end]
 
 // [instance_at]
 /// Finds the instance at @p path below @p start; null when there is none. Names may hold slashes themselves, so every
@@ -277,6 +297,19 @@ TEST_F(Guide, AsksForClocks)
     // [end]
     EXPECT_FALSE(database.listAllClockDomains(type).empty());
     static_cast<void>(driving);
+}
+
+TEST_F(Guide, AsksForEveryClock)
+{
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    IVDBInstance *const root = database.getRoot(IDesignDatabase::SOURCE_ELABORATED);
+    const std::vector<IVDBNet *> nets = root->getModule()->getNets(false);
+    const auto divided =
+        std::find_if(nets.begin(), nets.end(), [](const IVDBNet *net) { return net->getName() == "clk_div"; });
+    ASSERT_NE(divided, nets.end());
+    EXPECT_EQ(allClocksOf(database, IDesignDatabase::SOURCE_ELABORATED, root, *divided).substr(0, 27),
+              "clk_sys_i over 0 cells\n    ");
 }
 
 TEST_F(Guide, ResetsAndReloads)

@@ -44,6 +44,7 @@ hardened() {
 }
 hardened root/usr/bin/netlistdb _chk@
 hardened "root/usr/$libdir/libglabrenimgaf.so.0"
+hardened "root/usr/$libdir/libglabrenimgaf-analysis.so.0"
 hardened "root/usr/$libdir/libverific.so.1"
 
 lintian --fail-on error ./*.deb >lintian.log 2>&1 || { cat lintian.log >&2; exit 1; }

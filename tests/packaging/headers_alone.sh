@@ -11,4 +11,4 @@ check() {
         -I . -x c++ - || { echo "error: $1 does not compile alone with $compiler" >&2; return 1; }
 }
 export -f check
-printf '%s\0' netlistdb/*.h | xargs -0 -n 1 -P 2 bash -c 'check "$0"'
+printf '%s\0' netlistdb/*.h netlistdb/analysis/*.h | xargs -0 -n 1 -P 2 bash -c 'check "$0"'

@@ -11,7 +11,8 @@ if grep -rl --include='*.cmake' --include='*.pc' -e "$build" -e "$prefix.first" 
     echo "error: these files name the place where they were built" >&2
     exit 1
 fi
-for file in "$prefix/bin/netlistdb" "$prefix/$libdir"/libglabrenimgaf.so "$prefix/$libdir"/libverific.so; do
+for file in "$prefix/bin/netlistdb" "$prefix/$libdir"/libglabrenimgaf.so "$prefix/$libdir"/libglabrenimgaf-analysis.so \
+    "$prefix/$libdir"/libverific.so; do
     readelf -d "$file" | awk -v file="$file" \
         '/\((RPATH|RUNPATH)\)/ && !/\[\$ORIGIN[^:]*\]/ { print "error: " file ": " $0; bad = 1 } END { exit bad }' >&2
 done

@@ -39,7 +39,9 @@ class NETLISTDB_EXPORT ClockMap {
     ~ClockMap();
     ClockMap(const ClockMap &) = delete;
     ClockMap &operator=(const ClockMap &) = delete;
+    /// Takes over the other map, which may then only be assigned to or destroyed.
     ClockMap(ClockMap &&) noexcept;
+    /// As the move constructor.
     ClockMap &operator=(ClockMap &&) noexcept;
 
     // All of these throw std::logic_error "ClockMap: the source has been reset or imported anew" when it has; those
@@ -59,8 +61,8 @@ class NETLISTDB_EXPORT ClockMap {
     ElectricalNet electrical(const IVDBInstance *inst, const IVDBNet *net) const;
     /// The chains that prove launch(): walks the fan-in of the net, nearest first, until all are found.
     LaunchProof why(const IVDBInstance *inst, const IVDBNet *net) const;
-    /// Whether two clocks have an ancestor in common, or one is the other's ancestor: they are then in step, as far as
-    /// the netlist tells.
+    /// Whether two clocks, both of clocks(), have an ancestor in common, or one is the other's ancestor: they are then
+    /// in step, as far as the netlist tells.
     bool related(ClockId a, ClockId b) const;
     /// The unfolded nets by the clocks whose registers reach them. Walks the contexts in which modules are used: keep the
     /// result.

@@ -28,38 +28,42 @@ NETLISTDB_EXPORT const char *nameOf(ClockRoot root);
 
 /// Clock edges, one bit each.
 enum ClockEdge : std::uint8_t {
-    EDGE_RISE = 1,
-    EDGE_FALL = 2,
+    EDGE_RISE = 1, ///< rising
+    EDGE_FALL = 2, ///< falling
 };
 
 /// One clock of the design: a net where it begins, with everything that is electrically that net. Inverters do not make
 /// another clock; logic, registers and black boxes do.
 struct Clock {
-    std::string name;               ///< path of the instance, "/" and name of the net where it begins
+    /// Path of an instance, "/" and name of a net: of the net where it begins, or, when no user declared that one, of the
+    /// best net under which the database lists it as a domain: declared by a user, not inverted, nearest to the top, with
+    /// the shortest name.
+    std::string name;
     IVDBInstance *instance;         ///< where it begins; null when the tree has no item for that instance
     IVDBNet *net;                   ///< the net where it begins
     ClockRoot root;                 ///< what drives that net
     std::uint8_t edges;             ///< mask of ClockEdge: the edges of that net that registers use
     std::uint64_t registers;        ///< number of register, memory and DSP cells that it clocks, unfolded
     std::vector<ClockId> parents;   ///< clocks that it is made from, in ascending order; empty when none is known
-    std::vector<std::string> names; ///< the other names under which the database lists it as a domain, in byte order
+    std::vector<std::string> names; ///< its other names: of the net where it begins, and of its domains; in byte order
 };
 
 /// What reaches a net besides clocks, one bit each.
 enum Reaching : std::uint32_t {
     REACHED_BY_INPUT_PORT = 1, ///< a port of the top
-    REACHED_BY_CONSTANT = 2,
-    REACHED_BY_BLACK_BOX = 4, ///< an output of a cell whose inside is not known
-    REACHED_BY_LATCH = 8,     ///< a latch was looked through on the way
-    REACHED_BY_UNDRIVEN = 16, ///< a net or pin that nothing drives, or a register without a clock net
+    REACHED_BY_CONSTANT = 2,   ///< a constant
+    REACHED_BY_BLACK_BOX = 4,  ///< an output of a cell whose inside is not known
+    REACHED_BY_LATCH = 8,      ///< a latch was looked through on the way
+    REACHED_BY_UNDRIVEN = 16, ///< a net or pin that nothing drives, or a register whose clock pin is open or led to one
     REACHED_BY_LOOP = 32,     ///< a combinational loop
 };
 
 /// A clock that reaches a net.
 struct ReachingClock {
-    ClockId clock;
+    ClockId clock;       ///< the clock
     std::uint32_t cells; ///< number of cells on the shortest way, without the register
 
+    /// Whether both are the same clock, as far away.
     friend bool operator==(const ReachingClock &a, const ReachingClock &b)
     {
         return a.clock == b.clock && a.cells == b.cells;
@@ -101,9 +105,10 @@ enum Reached : std::uint32_t {
 
 /// A clock whose registers a net reaches.
 struct CapturingClock {
-    ClockId clock;
+    ClockId clock;      ///< the clock
     std::uint8_t roles; ///< mask of CaptureRole
 
+    /// Whether both are the same clock, in the same roles.
     friend bool operator==(const CapturingClock &a, const CapturingClock &b)
     {
         return a.clock == b.clock && a.roles == b.roles;
@@ -127,8 +132,8 @@ struct ElectricalNet {
 
 /// A place in the source text; the file is empty when there is none.
 struct SourcePlace {
-    std::string file;
-    unsigned line = 0;
+    std::string file;  ///< absolute path
+    unsigned line = 0; ///< counted from 1
 };
 
 /// How a step of a chain leaves its net, going back.
@@ -141,11 +146,11 @@ enum class StepKind : std::uint8_t {
 
 /// One net of a chain, and how the chain goes on from there.
 struct ChainStep {
-    StepKind kind;
+    StepKind kind;          ///< how the net is left
     IVDBInstance *instance; ///< where the net is seen; null when the tree has no item for that instance
-    IVDBNet *net;
-    std::string netName; ///< full name of the net
-    std::string cell;    ///< path of the cell or instance that is passed, or that drives the net; empty: a port or none
+    IVDBNet *net;           ///< the net
+    std::string netName;    ///< full name of the net
+    std::string cell; ///< path of the cell or instance that is passed, or that drives the net; empty: a port or none
     std::string cellType; ///< name of its module
     std::string output;   ///< its pin on the net; for a module's own port, the name of the port
     std::string input;    ///< the pin through which the chain goes on: of a register, its clock pin
@@ -154,7 +159,7 @@ struct ChainStep {
 
 /// Why a clock reaches a net.
 struct ClockChain {
-    ClockId clock;
+    ClockId clock;                      ///< the clock
     std::uint32_t cells;                ///< as in ReachingClock
     std::vector<ChainStep> data;        ///< from the net to the register, or to the root of a clock network
     std::vector<ChainStep> clockToRoot; ///< from the register's clock pin to the root of the clock
@@ -168,9 +173,9 @@ struct EndChain {
 
 /// The proof of LaunchClocks: shortest chains, in the same order.
 struct LaunchProof {
-    std::vector<ClockChain> clocks;
-    std::vector<ClockChain> networks;
-    std::vector<EndChain> ends; ///< one for each bit of LaunchClocks::reached, in order of the bits
+    std::vector<ClockChain> clocks;   ///< for LaunchClocks::clocks
+    std::vector<ClockChain> networks; ///< for LaunchClocks::networks
+    std::vector<EndChain> ends;       ///< one for each bit of LaunchClocks::reached, in order of the bits
 };
 
 } // namespace kvr::netlistdb::analysis
