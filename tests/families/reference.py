@@ -1,7 +1,7 @@
 """Which clock drives each register output of a netlist, from its JSON alone.
 
 What the cells are is written down here from the families' public manuals, apart from the tables that the program is
-built with: type, clock pin, outputs. A clock is followed back through buffers of pads and clocks to the net that the
+built with: type, clock pin, outputs. A clock is followed back through inverters and buffers of pads and clocks to the net that the
 user knows.
 """
 
@@ -76,7 +76,14 @@ BUFFERS = [
     (r"inpad|ckpad", "P", "Q"),
     (r"fiftyfivenm_io_ibuf|cyclonev_io_ibuf", "i", "o"),
     (r"\$_BUF_", "A", "Y"),
+    # Inverters: the same clock with the other edge.
+    (r"\$_NOT_|\$not", "A", "Y"),
+    (r"INV", "A", "Z"),
+    (r"INV", "I", "O"),
+    (r"MISTRAL_NOT", "A", "Q"),
 ]
+# (type, input, output) of look-up tables of one input; with INIT 01 they invert.
+INVERTERS = [(r"AL_MAP_LUT1", "a", "o"), (r"LUT1", "I0", "O"), (r"KVR_LUT1", "I0", "O"), (r"LUT1", "I0", "F")]
 
 
 def number(value):
@@ -121,6 +128,11 @@ class Netlist:
         for cell in self.cells:
             for kind, taken, given in BUFFERS:
                 if re.fullmatch(kind, cell["type"]) and taken in cell["connections"]:
+                    for bit in cell["connections"].get(given, []):
+                        self.source[bit] = cell["connections"][taken][0]
+            for kind, taken, given in INVERTERS:
+                if re.fullmatch(kind, cell["type"]) and taken in cell["connections"] and number(
+                        cell["parameters"].get("INIT")) in (1, 2) and str(cell["parameters"]["INIT"])[-2:] in ("01", "10"):
                     for bit in cell["connections"].get(given, []):
                         self.source[bit] = cell["connections"][taken][0]
 

@@ -64,8 +64,8 @@ class NETLISTDB_EXPORT ClockMap {
     /// Whether two clocks, both of clocks(), have an ancestor in common, or one is the other's ancestor: they are then
     /// in step, as far as the netlist tells.
     bool related(ClockId a, ClockId b) const;
-    /// The unfolded nets by the clocks whose registers reach them. Walks the contexts in which modules are used: keep the
-    /// result.
+    /// The unfolded nets by the clocks whose registers reach them. Walks the contexts in which modules are used: keep
+    /// the result.
     NetCounts countNets() const;
     /// Bytes that the map holds.
     std::size_t memory() const;

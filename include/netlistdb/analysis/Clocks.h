@@ -35,9 +35,9 @@ enum ClockEdge : std::uint8_t {
 /// One clock of the design: a net where it begins, with everything that is electrically that net. Inverters do not make
 /// another clock; logic, registers and black boxes do.
 struct Clock {
-    /// Path of an instance, "/" and name of a net: of the net where it begins, or, when no user declared that one, of the
-    /// best net under which the database lists it as a domain: declared by a user, not inverted, nearest to the top, with
-    /// the shortest name.
+    /// Path of an instance, "/" and name of a net: of the net where it begins, or, when no user declared that one, of
+    /// the best net under which the database lists it as a domain: declared by a user, not inverted, nearest to the
+    /// top, with the shortest name.
     std::string name;
     IVDBInstance *instance;         ///< where it begins; null when the tree has no item for that instance
     IVDBNet *net;                   ///< the net where it begins

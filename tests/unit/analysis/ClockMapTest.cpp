@@ -61,7 +61,7 @@ TEST_F(ClockMapUse, EveryQuestionIsRefusedAfterAResetOrAnotherImport)
         EXPECT_EQ(messageOf<std::logic_error>([&] { map->electrical(root, net); }), refusal);
         EXPECT_EQ(messageOf<std::logic_error>([&] { map->why(root, net); }), refusal);
         EXPECT_EQ(messageOf<std::logic_error>([&] { static_cast<void>(map->related(0, 0)); }), refusal);
-        EXPECT_EQ(messageOf<std::logic_error>([&] { map->countNetsLaunched(); }), refusal);
+        EXPECT_EQ(messageOf<std::logic_error>([&] { map->countNets(); }), refusal);
         EXPECT_EQ(messageOf<std::logic_error>([&] { static_cast<void>(map->memory()); }), refusal);
     };
     database->parseElaboratedNetlist(testsupport::netlistOfCell("top"));
@@ -136,7 +136,7 @@ TEST_F(ClockMapUse, AMapMovesAndNamesLeadToItsClocks)
     EXPECT_EQ(moved.find("clk"), 0U);
     EXPECT_FALSE(moved.find("u/ck").has_value());
     EXPECT_GT(moved.memory(), 0U);
-    EXPECT_EQ(moved.countNetsLaunched(), std::vector<std::uint64_t>{2});
+    EXPECT_EQ(moved.countNets().launched, std::vector<std::uint64_t>{2});
 }
 
 TEST_F(ClockMapUse, ManyThreadsMayAskAtATime)

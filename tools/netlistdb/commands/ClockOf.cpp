@@ -49,8 +49,10 @@ class ClockOfCommand : public DesignCommand {
     const char *arguments() const override { return "DESIGN... PATH... [OPTIONS]"; }
     const char *more() const override
     {
-        return "PATH is any of the full names of a net, or of a bus, which stands for each of its bits; `-` reads paths\n"
-               "from standard input, one a line. The clocks of a net are those whose registers reach it through logic,\n"
+        return "PATH is any of the full names of a net, or of a bus, which stands for each of its bits; `-` reads "
+               "paths\n"
+               "from standard input, one a line. The clocks of a net are those whose registers reach it through "
+               "logic,\n"
                "buffers, pads and hierarchy, the one with the fewest cells in between first. ALSO tells what else\n"
                "reaches it. Nothing is shown when one of the paths does not exist.\n\n"
                "Examples:\n"
@@ -62,7 +64,8 @@ class ClockOfCommand : public DesignCommand {
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
         CLI::Option *why = app.add_flag("--why", m_why, "Show for each clock the shortest chain that proves it");
-        CLI::Option *capture = app.add_flag("--capture", m_capture, "Show the clocks whose registers the net reaches, too");
+        CLI::Option *capture =
+            app.add_flag("--capture", m_capture, "Show the clocks whose registers the net reaches, too");
         app.add_flag("--first", m_first,
                      "Show the clock domain that the library's trace finds: that of the first register met")
             ->excludes(why)
@@ -133,12 +136,11 @@ class ClockOfCommand : public DesignCommand {
         if (m_first) {
             return {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
         }
-        std::vector<Column> columns = {{"net", "NET"},         {"clock", nullptr},     {nullptr, "CLOCKS", Look::Name},
-                                       {"clocks", nullptr},    {"networks", nullptr},  {nullptr, "ALSO", Look::Dim},
+        std::vector<Column> columns = {{"net", "NET"},         {"clock", nullptr},    {nullptr, "CLOCKS", Look::Name},
+                                       {"clocks", nullptr},    {"networks", nullptr}, {nullptr, "ALSO", Look::Dim},
                                        {"reached_by", nullptr}};
         if (m_capture) {
-            columns.insert(columns.end(),
-                           {{nullptr, "CAPTURED BY"}, {"captured_by", nullptr}, {"reaches", nullptr}});
+            columns.insert(columns.end(), {{nullptr, "CAPTURED BY"}, {"captured_by", nullptr}, {"reaches", nullptr}});
         }
         if (m_why) {
             columns.push_back({"why", nullptr});
@@ -249,8 +251,8 @@ class ClockOfCommand : public DesignCommand {
         for (const analysis::CapturingClock &each : capture.clocks) {
             captured.clocks.emplace_back(map.clocks()[each.clock].name,
                                          fmt::format("{}", fmt::join(roleWords(each.roles), ",")));
-            captured.shown += fmt::format("{}{}({})", captured.shown.empty() ? "" : " ",
-                                          captured.clocks.back().first, captured.clocks.back().second);
+            captured.shown += fmt::format("{}{}({})", captured.shown.empty() ? "" : " ", captured.clocks.back().first,
+                                          captured.clocks.back().second);
         }
         captured.reached = reachedWords(capture.reached);
         for (const std::string &word : captured.reached) {

@@ -52,8 +52,7 @@ std::string passageOf(const ChainStep &step)
     case StepKind::End:
         break;
     }
-    return step.cell.empty() ? std::string()
-                             : fmt::format("from {} of {} ({})", step.output, step.cell, step.cellType);
+    return step.cell.empty() ? std::string() : fmt::format("from {} of {} ({})", step.output, step.cell, step.cellType);
 }
 
 void appendSteps(std::string &text, const std::vector<ChainStep> &steps, const std::string &directory)

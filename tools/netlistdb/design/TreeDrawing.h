@@ -5,8 +5,8 @@
 
 namespace kvr::netlistdb::tool {
 
-/// What a tree draws in front of a name. @p isLast says for each level below the root, down to that of the name, whether
-/// no sibling follows; empty for the root.
+/// What a tree draws in front of a name. @p isLast says for each level below the root, down to that of the name,
+/// whether no sibling follows; empty for the root.
 inline std::string treeDrawing(const std::vector<bool> &isLast)
 {
     std::string text;
