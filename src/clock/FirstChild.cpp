@@ -5,8 +5,7 @@
 #include <netlistdb/VDBInstance.h>
 
 #include <algorithm>
-#include <functional>
-#include <limits>
+#include <cstddef>
 #include <typeinfo>
 
 namespace kvr::netlistdb {
@@ -41,7 +40,6 @@ IVDBInstance *FirstChild::find(const IVDBInstance *parent, std::string_view name
 {
     const std::vector<IVDBInstance *> &children = parent->getSubInstances();
     if (children.size() <= FEW || typeid(*parent) != typeid(VDBInstance) ||
-        children.size() >= std::numeric_limits<std::uint32_t>::max() ||
         !(parent == root || isImported(parent, items))) {
         return firstByWalking(children, name);
     }
@@ -49,52 +47,23 @@ IVDBInstance *FirstChild::find(const IVDBInstance *parent, std::string_view name
     if (table == m_tables.end()) {
         table = m_tables.emplace(parent->getModule(), NameTable(parent, items)).first;
     }
-    const std::size_t place = table->second.placeOf(name);
-    if (place < table->second.size() && place < children.size()) {
-        IVDBInstance *const child = children[place];
-        if (parent == table->second.parent() || (isImported(child, items) && isCalled(child, name))) {
+    const auto place = table->second.places.find(name);
+    if (place != table->second.places.end() && place->second < children.size()) {
+        IVDBInstance *const child = children[place->second];
+        if (parent == table->second.parent || (isImported(child, items) && isCalled(child, name))) {
             return child;
         }
     }
     return firstByWalking(children, name);
 }
 
-FirstChild::NameTable::NameTable(const IVDBInstance *parent, const ItemLookup &items) : m_parent(parent)
+FirstChild::NameTable::NameTable(const IVDBInstance *of, const ItemLookup &items) : parent(of)
 {
     const std::vector<IVDBInstance *> &children = parent->getSubInstances();
-    std::size_t slots = 2 * FEW;
-    while (slots < 2 * children.size()) {
-        slots *= 2;
+    places.reserve(children.size());
+    for (std::size_t place = 0; place < children.size() && isImported(children[place], items); ++place) {
+        places.try_emplace(children[place]->getName(), place);
     }
-    m_slots.assign(slots, 0);
-    for (IVDBInstance *child : children) {
-        if (!isImported(child, items)) {
-            break;
-        }
-        std::uint32_t &slot = m_slots[slotOf(child->getName())];
-        ++m_size;
-        if (slot == 0) {
-            slot = static_cast<std::uint32_t>(m_size);
-        }
-    }
-}
-
-std::size_t FirstChild::NameTable::placeOf(std::string_view name) const
-{
-    const std::uint32_t place = m_slots[slotOf(name)];
-    return place != 0 ? place - 1 : m_size;
-}
-
-/// The slot that holds @p name, or the free one where it belongs.
-std::size_t FirstChild::NameTable::slotOf(std::string_view name) const
-{
-    const std::vector<IVDBInstance *> &children = m_parent->getSubInstances();
-    const std::size_t mask = m_slots.size() - 1;
-    std::size_t slot = std::hash<std::string_view>()(name) & mask;
-    while (m_slots[slot] != 0 && !isCalled(children[m_slots[slot] - 1], name)) {
-        slot = (slot + 1) & mask;
-    }
-    return slot;
 }
 
 } // namespace kvr::netlistdb
