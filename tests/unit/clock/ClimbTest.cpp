@@ -39,7 +39,7 @@ TEST_F(ClimbTest, VisitsWhatAWalkOverAllPinsOfTheInstanceGives)
     std::string inside;
     std::string pins;
     unsigned port = 0;
-    for (int net = 0; net < 60; ++net) {
+    for (int net = 0; net < 300; ++net) {
         for (unsigned many = random() % 5; many != 0; --many, ++port) {
             static const char *const DIRECTIONS[] = {"in", "out", "inout", "none"};
             const std::string name = "p" + std::to_string(port);
@@ -47,8 +47,8 @@ TEST_F(ClimbTest, VisitsWhatAWalkOverAllPinsOfTheInstanceGives)
             inside += "connect " + name + "=n" + std::to_string(net) + '\n';
             if (random() % 5 != 0) {
                 pins = random() % 2 == 0
-                           ? pins + (pins.empty() ? "" : ", ") + name + "=w" + std::to_string(random() % 40)
-                           : name + "=w" + std::to_string(random() % 40) + (pins.empty() ? "" : ", ") + pins;
+                           ? pins + (pins.empty() ? "" : ", ") + name + "=w" + std::to_string(random() % 200)
+                           : name + "=w" + std::to_string(random() % 200) + (pins.empty() ? "" : ", ") + pins;
             }
         }
     }
