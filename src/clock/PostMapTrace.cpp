@@ -11,18 +11,16 @@ namespace kvr::netlistdb {
 
 PostMapTrace::PostMapTrace(ClockAnalysis &analysis, const InstanceNet &start)
     : m_analysis(analysis), m_items(analysis.m_postMap.items), m_storage(analysis.m_storage), m_climb(m_items),
-      m_startInstance(start.first)
+      m_startInstance(start.first), m_pair(start), m_net(m_items.find(start.second))
 {
     m_storage.queue.clear();
     m_storage.visited.clear();
     m_storage.deadEnds.clear();
-    m_storage.queue.push_back(start);
 }
 
 IClockDomain *PostMapTrace::run()
 {
-    while (takeNext()) {
-        m_storage.visited.insert(m_pair);
+    do {
         const auto cached = m_analysis.m_pairs.find(m_pair);
         if (cached != m_analysis.m_pairs.sets().end()) {
             if (cached->first == nullptr) {
@@ -31,6 +29,7 @@ IClockDomain *PostMapTrace::run()
             rememberUnder(cached->first);
             return cached->first;
         }
+        m_storage.visited.insert(m_pair);
 
         const Verific::Instance *driver = m_net != nullptr ? m_net->Driver() : nullptr;
         const Verific::PortRef *pin = driver != nullptr ? drivingPin(m_net, driver) : nullptr;
@@ -50,7 +49,7 @@ IClockDomain *PostMapTrace::run()
             break;
         }
         // A sequential cell whose clock pins do not clock that output is a barrier: nothing behind it is asked.
-    }
+    } while (takeNext());
     rememberThatNothingClocks();
     return nullptr;
 }
