@@ -31,7 +31,7 @@ constexpr const char *DESIGN = R"({
 
 class YosysDamagedInput : public ReaderTest {
   protected:
-    /// Answers true when @p text became a netlist; fails the test when an error left something behind.
+    /// Returns true when @p text became a netlist; fails the test when an error left something behind.
     static bool isRead(const std::string &text)
     {
         try {
