@@ -15,21 +15,23 @@ namespace {
 /// Children that are walked as fast as they are looked up.
 constexpr std::size_t FEW = 8;
 
-bool isCalled(const IVDBInstance *instance, std::string_view name)
-{
-    return instance != nullptr && instance->getName() == name;
-}
-
 /// Whether an import made the instance: it alone enters instances into the pools.
 bool isImported(const IVDBInstance *instance, const ItemLookup &items)
 {
     return instance != nullptr && items.find(instance) != nullptr;
 }
 
+/// Whether an import made both the child and its parent, which is its owner for good.
+bool isChildOf(const IVDBInstance *parent, const IVDBInstance *child, const ItemLookup &items)
+{
+    return child != nullptr && child->getOwnerInstance() == parent && isImported(child, items);
+}
+
 IVDBInstance *firstByWalking(const std::vector<IVDBInstance *> &children, std::string_view name)
 {
-    const auto found = std::find_if(children.begin(), children.end(),
-                                    [name](const IVDBInstance *child) { return isCalled(child, name); });
+    const auto found = std::find_if(children.begin(), children.end(), [name](const IVDBInstance *child) {
+        return child != nullptr && child->getName() == name;
+    });
     return found != children.end() ? *found : nullptr;
 }
 
@@ -39,18 +41,21 @@ IVDBInstance *FirstChild::find(const IVDBInstance *parent, std::string_view name
                                const IVDBInstance *root)
 {
     const std::vector<IVDBInstance *> &children = parent->getSubInstances();
-    if (children.size() <= FEW || typeid(*parent) != typeid(VDBInstance) ||
-        !(parent == root || isImported(parent, items))) {
+    if (children.size() <= FEW || typeid(*parent) != typeid(VDBInstance)) {
         return firstByWalking(children, name);
     }
     auto table = m_tables.find(parent->getModule());
     if (table == m_tables.end()) {
+        if (parent != root && !isImported(parent, items)) {
+            return firstByWalking(children, name);
+        }
         table = m_tables.emplace(parent->getModule(), NameTable(parent, items)).first;
     }
     const auto place = table->second.places.find(name);
     if (place != table->second.places.end() && place->second < children.size()) {
         IVDBInstance *const child = children[place->second];
-        if (parent == table->second.parent || (isImported(child, items) && isCalled(child, name))) {
+        // An import makes children in the order of the module, so that what holds for one of its parents holds for all.
+        if (parent == table->second.parent || (isChildOf(parent, child, items) && child->getName() == name)) {
             return child;
         }
     }
