@@ -11,7 +11,8 @@
 namespace kvr::netlistdb::bench {
 namespace {
 
-std::size_t askAll(DesignDatabase &database, const std::vector<Place> &places, IDesignDatabase::SOURCE_TYPE source)
+std::size_t askAll(DesignDatabase &database, const std::vector<InstanceNet> &places,
+                   IDesignDatabase::SOURCE_TYPE source)
 {
     std::size_t clocked = 0;
     for (const auto &[instance, net] : places) {
@@ -31,7 +32,7 @@ void clockOfEveryNet(benchmark::State &state)
     for (auto _ : state) {
         auto database = std::make_unique<DesignDatabase>(true);
         import(*database, shape, restoreDesign(shape, sizeArgument(state)));
-        const std::vector<Place> places = allNets(*database, source);
+        const std::vector<InstanceNet> places = allNets(*database, source);
         asked = places.size();
         Stopwatch watch;
         clocked = askAll(*database, places, source);

@@ -168,7 +168,7 @@ class Driver {
     {
         DesignDatabase database(true);
         import(database, shape);
-        const std::vector<Place> places = allNets(database, sourceOf(shape));
+        const std::vector<InstanceNet> places = allNets(database, sourceOf(shape));
         phase("list");
         std::size_t clocked = 0;
         for (const auto &[instance, net] : places) {

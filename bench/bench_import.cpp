@@ -17,7 +17,7 @@ std::string checkImport(benchmark::State &state, bool keepSources)
     Verific::Netlist *const netlist = restoreDesign(shape, sizeArgument(state));
     DesignDatabase database(keepSources);
     if (!import(database, shape, netlist)) {
-        return "the import answers false";
+        return "the import returns false";
     }
     std::string fault = checkTree(database, shape, sizeArgument(state));
     if (fault.empty() && keepSources) {

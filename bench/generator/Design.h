@@ -1,5 +1,8 @@
 #pragma once
 
+// The generator's own model of a netlist. It shares the words, such as Cell, Module and CellType, and nothing else with
+// the netlist database, the readers and the library, which are measured and checked with what it writes.
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

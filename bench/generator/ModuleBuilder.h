@@ -9,7 +9,7 @@ class ModuleBuilder {
   public:
     ModuleBuilder(Design &design, Module &module) : m_design(design), m_module(module) {}
 
-    /// Answers the lowest bit of the new signal.
+    /// Returns the lowest bit of the new signal.
     Bit addSignal(std::string name, unsigned width, SourcePosition position);
     /// A signal of one bit for each bit of a vector, named `name[0]` and so on; their bits follow one another.
     Bit addSplitSignal(const std::string &name, unsigned width, SourcePosition position);

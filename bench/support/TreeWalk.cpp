@@ -113,9 +113,9 @@ void writeLines(const std::vector<std::string> &lines, const std::string &path)
     out.close();
 }
 
-std::vector<Place> allNets(IDesignDatabase &database, IDesignDatabase::SOURCE_TYPE source)
+std::vector<InstanceNet> allNets(IDesignDatabase &database, IDesignDatabase::SOURCE_TYPE source)
 {
-    std::vector<Place> places;
+    std::vector<InstanceNet> places;
     std::unordered_map<const IVDBNetlist *, std::vector<IVDBNet *>> netsOf;
     forEachInstance(database.getRoot(source), [&](IVDBInstance *instance) {
         const IVDBNetlist *const module = instance->getModule();

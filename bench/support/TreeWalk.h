@@ -28,7 +28,7 @@ struct TreeCounts {
 /// Walks every instance.
 TreeCounts countTree(IDesignDatabase &database, IDesignDatabase::SOURCE_TYPE source);
 
-/// Compares an imported tree with what the generator knows. Answers an empty text, or what differs.
+/// Compares an imported tree with what the generator knows. Returns an empty text, or what differs.
 std::string checkTree(IDesignDatabase &database, Shape shape, std::size_t leafInstances);
 
 /// Full names of all buses and plain nets of the tree, in the order of a search, made without the search.
@@ -36,12 +36,10 @@ std::vector<std::string> fullNames(IDesignDatabase &database, IDesignDatabase::S
 /// Writes names one a line.
 void writeLines(const std::vector<std::string> &lines, const std::string &path);
 
-/// A net as seen in one instance.
-using Place = std::pair<IVDBInstance *, IVDBNet *>;
 /// Every net (bit) of every instance.
-std::vector<Place> allNets(IDesignDatabase &database, IDesignDatabase::SOURCE_TYPE source);
+std::vector<InstanceNet> allNets(IDesignDatabase &database, IDesignDatabase::SOURCE_TYPE source);
 
-/// Asks for the clock of the nets that the generator knows it of. Answers an empty text, or what differs.
+/// Asks for the clock of the nets that the generator knows it of. Returns an empty text, or what differs.
 std::string checkClocks(IDesignDatabase &database, Shape shape, std::size_t leafInstances);
 
 } // namespace kvr::netlistdb::bench

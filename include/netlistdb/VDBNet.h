@@ -2,6 +2,8 @@
 
 #include <netlistdb/IVDBNet.h>
 
+#include <memory>
+
 namespace Verific {
 class Net;
 }
@@ -38,7 +40,7 @@ class NETLISTDB_EXPORT VDBNet : public IVDBNet {
   private:
     std::string m_name;
     unsigned long long m_width = 0;
-    IVDBLineInfo *m_lineInfo = nullptr;
+    std::unique_ptr<IVDBLineInfo> m_lineInfo;
     bool m_excluded = false;
     bool m_protected = false;
     IVDBNetBus *m_ownerBus;

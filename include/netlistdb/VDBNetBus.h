@@ -3,6 +3,7 @@
 #include <netlistdb/IVDBNetBus.h>
 
 #include <cstddef>
+#include <memory>
 
 namespace Verific {
 class NetBus;
@@ -46,7 +47,7 @@ class NETLISTDB_EXPORT VDBNetBus : public IVDBNetBus {
   private:
     std::string m_name;
     unsigned long long m_width = 0;
-    IVDBLineInfo *m_lineInfo = nullptr;
+    std::unique_ptr<IVDBLineInfo> m_lineInfo;
     bool m_excluded = false;
     bool m_protected = false;
     std::vector<IVDBNet *> m_nets;

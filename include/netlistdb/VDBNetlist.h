@@ -2,6 +2,8 @@
 
 #include <netlistdb/IVDBNetlist.h>
 
+#include <memory>
+
 namespace Verific {
 class Netlist;
 }
@@ -47,7 +49,7 @@ class NETLISTDB_EXPORT VDBNetlist : public IVDBNetlist {
     std::vector<IVDBNetBus *> m_netBuses;
     std::vector<IVDBNet *> m_nets;
     std::vector<IVDBPort *> m_ports;
-    IVDBLineInfo *m_lineInfo = nullptr;
+    std::unique_ptr<IVDBLineInfo> m_lineInfo;
 };
 
 } // namespace kvr::netlistdb

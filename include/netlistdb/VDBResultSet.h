@@ -3,6 +3,7 @@
 #include <netlistdb/IVDBResultSet.h>
 
 #include <functional>
+#include <memory>
 #include <mutex>
 
 namespace kvr::netlistdb {
@@ -27,7 +28,7 @@ class NETLISTDB_EXPORT VDBResultSet : public IVDBResultSet {
 
   private:
     std::uint32_t m_status = RESULT_MATCH;
-    TreeIterator *m_iterator;
+    std::unique_ptr<TreeIterator> m_iterator;
     std::function<bool()> m_predicate;
     std::mutex m_lock;
     bool m_started = false;

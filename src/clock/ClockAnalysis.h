@@ -38,18 +38,9 @@ class InstanceAnswers {
     AddressMap m_answers;
 };
 
-/// A net that a post-map trace has put in line. Its item is looked up when its turn comes: most queries end before most
-/// of the nets in line have theirs.
-struct WaitingNet {
-    IVDBInstance *instance;
-    const Verific::Net *net;
-    std::size_t visited; ///< pairs visited when it was put in line: one of those is not visited again
-};
-
 /// Storage of a running query, kept for the next one.
 struct TraceStorage {
     std::deque<InstanceNet> queue;
-    std::deque<WaitingNet> fanIn;
     VisitedPairs visited;
     VisitedPairs deadEnds;
 };

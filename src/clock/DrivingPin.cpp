@@ -10,7 +10,7 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Pins that are looked through on one side before the other has its turn.
-constexpr std::size_t FEW = 48;
+constexpr std::size_t FEW = 8;
 
 bool drives(const Verific::PortRef *pin, const Verific::Net *net)
 {

@@ -10,11 +10,9 @@ namespace kvr::netlistdb {
 std::set<InstanceNet> postMapClocks(const Verific::Netlist &netlist, IVDBInstance *root, const ItemLookup &items)
 {
     std::set<InstanceNet> clocks;
-    const Verific::Net *last = nullptr; // flip-flops of one clock tend to stand together
     const auto add = [&](const Verific::Net *net) {
-        if (net != nullptr && net != last) {
+        if (net != nullptr) {
             clocks.emplace(root, items.find(net));
-            last = net;
         }
     };
     Verific::MapIter instances;

@@ -13,15 +13,14 @@ PostMapTrace::PostMapTrace(ClockAnalysis &analysis, const InstanceNet &start)
     : m_analysis(analysis), m_items(analysis.m_postMap.items), m_storage(analysis.m_storage), m_climb(m_items),
       m_startInstance(start.first), m_pair(start), m_net(m_items.find(start.second))
 {
-    m_storage.fanIn.clear();
+    m_storage.queue.clear();
     m_storage.visited.clear();
     m_storage.deadEnds.clear();
 }
 
 IClockDomain *PostMapTrace::run()
 {
-    for (bool isWaiting = true; isWaiting; isWaiting = takeNext()) {
-        m_storage.visited.insert(m_pair);
+    do {
         const auto cached = m_analysis.m_pairs.find(m_pair);
         if (cached != m_analysis.m_pairs.sets().end()) {
             if (cached->first == nullptr) {
@@ -30,6 +29,7 @@ IClockDomain *PostMapTrace::run()
             rememberUnder(cached->first);
             return cached->first;
         }
+        m_storage.visited.insert(m_pair);
 
         const Verific::Instance *driver = m_net != nullptr ? m_net->Driver() : nullptr;
         const Verific::PortRef *pin = driver != nullptr ? drivingPin(m_net, driver) : nullptr;
@@ -49,30 +49,28 @@ IClockDomain *PostMapTrace::run()
             break;
         }
         // A sequential cell whose clock pins do not clock that output is a barrier: nothing behind it is asked.
-    }
+    } while (takeNext());
     rememberThatNothingClocks();
     return nullptr;
 }
 
-/// Takes nets from the line until one was not visited before it was put there; false when none is left. A net may have
-/// been put in line several times before its first turn, and then has several turns.
 bool PostMapTrace::takeNext()
 {
-    while (!m_storage.fanIn.empty()) {
-        const WaitingNet waiting = m_storage.fanIn.front();
-        m_storage.fanIn.pop_front();
-        m_pair = {waiting.instance, m_items.find(waiting.net)};
-        m_net = m_pair.second != nullptr ? waiting.net : nullptr;
-        if (!m_storage.visited.containsAmongFirst(waiting.visited, m_pair)) {
-            return true;
-        }
+    if (m_storage.queue.empty()) {
+        return false;
     }
-    return false;
+    m_pair = m_storage.queue.front();
+    m_storage.queue.pop_front();
+    m_net = m_items.find(m_pair.second);
+    return true;
 }
 
-void PostMapTrace::putInLine(IVDBInstance *instance, const Verific::Net *net)
+/// A pair may be put in line several times before its first turn, and then has several turns.
+void PostMapTrace::putInLine(const InstanceNet &pair)
 {
-    m_storage.fanIn.push_back({instance, net, m_storage.visited.size()});
+    if (!m_storage.visited.contains(pair)) {
+        m_storage.queue.push_back(pair);
+    }
 }
 
 void PostMapTrace::endAtDeadEnd()
@@ -83,8 +81,7 @@ void PostMapTrace::endAtDeadEnd()
 
 void PostMapTrace::climb()
 {
-    m_climb.above(m_pair.first, m_net,
-                  [this](const InstanceNet &above) { putInLine(above.first, m_items.find(above.second)); });
+    m_climb.above(m_pair.first, m_net, [this](const InstanceNet &above) { putInLine(above); });
 }
 
 void PostMapTrace::passThrough(const Verific::Instance &cell)
@@ -93,7 +90,7 @@ void PostMapTrace::passThrough(const Verific::Instance &cell)
     Verific::PortRef *input = nullptr;
     FOREACH_PORTREF_OF_INST (&cell, inputs, input) {
         if (input->GetPort() != nullptr && input->GetNet() != nullptr && !input->GetPort()->IsOutput()) {
-            putInLine(m_startInstance, input->GetNet());
+            putInLine({m_startInstance, m_items.find(input->GetNet())});
         }
     }
 }

@@ -19,8 +19,9 @@ class PostMapTrace {
     IClockDomain *run();
 
   private:
+    /// Takes the next pair from the line; false when none is left.
     bool takeNext();
-    void putInLine(IVDBInstance *instance, const Verific::Net *net);
+    void putInLine(const InstanceNet &pair);
     /// The way ends here: nothing drives the net, and there is no level above.
     void endAtDeadEnd();
     void climb();

@@ -8,13 +8,6 @@ namespace kvr::netlistdb {
 void BitNetGroups::add(std::string_view name, BitSubscript subscript, const Verific::Net *net)
 {
     const std::string_view baseName = name.substr(0, subscript.baseLength);
-    // The bits of one vector mostly follow each other.
-    if (!m_entries.empty() && m_baseNames[m_entries.back().group] == baseName) {
-        const std::uint32_t group = m_entries.back().group;
-        m_entries.push_back({group, {subscript.index, net}});
-        ++m_counts[group];
-        return;
-    }
     const auto [found, isNew] = m_groups.try_emplace(baseName, static_cast<std::uint32_t>(m_baseNames.size()));
     if (isNew) {
         m_baseNames.push_back(baseName);
@@ -45,9 +38,7 @@ BitNetGroups::Layout BitNetGroups::sorted() const
 void BitNetGroups::findBus(Group &group)
 {
     const auto byIndex = [](const Bit &a, const Bit &b) { return a.index < b.index; };
-    if (!std::is_sorted(group.bits.begin(), group.bits.end(), byIndex)) {
-        std::stable_sort(group.bits.begin(), group.bits.end(), byIndex);
-    }
+    std::stable_sort(group.bits.begin(), group.bits.end(), byIndex);
     group.busWidth = 0;
     group.members = 0;
     if (group.bits.empty() || group.bits.front().index != 0) {

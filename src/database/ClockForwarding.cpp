@@ -13,7 +13,7 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Builds the path of @p instance and throws it away: a caller's own class may want to know that it was asked. Of our
-/// own class nobody can tell, and a path costs a tenth of a query.
+/// own class nobody can tell, and a path costs a fifth of a query.
 void askForPath(const IVDBInstance &instance)
 {
     if (typeid(instance) != typeid(VDBInstance)) {

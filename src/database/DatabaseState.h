@@ -41,7 +41,7 @@ struct Source {
 };
 
 /// The data of a DesignDatabase.
-struct DesignDatabase::State {
+struct __attribute__((visibility("hidden"))) DesignDatabase::State {
     explicit State(bool keep) : keepSourceNetlists(keep), elaborated(keep), postMap(keep) {}
 
     /// The source of that type, or null.

@@ -9,7 +9,7 @@
 
 namespace kvr::netlistdb {
 
-IVDBLineInfo *sourcePosition(const Verific::DesignObj &object)
+std::unique_ptr<IVDBLineInfo> sourcePosition(const Verific::DesignObj &object)
 {
     const Verific::linefile_type handle = object.Linefile();
     if (!handle) {
@@ -20,7 +20,7 @@ IVDBLineInfo *sourcePosition(const Verific::DesignObj &object)
         return nullptr;
     }
     // The line goes through 32 unsigned bits, whatever integer type the netlist database returns.
-    return new VDBLineInfo(file, static_cast<std::uint32_t>(Verific::LineFile::GetLineNo(handle)));
+    return std::make_unique<VDBLineInfo>(file, static_cast<std::uint32_t>(Verific::LineFile::GetLineNo(handle)));
 }
 
 } // namespace kvr::netlistdb

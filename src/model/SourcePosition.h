@@ -1,15 +1,17 @@
 #pragma once
 
+#include <netlistdb/IVDBLineInfo.h>
+
+#include <memory>
+
 namespace Verific {
 class DesignObj;
 }
 
 namespace kvr::netlistdb {
 
-class IVDBLineInfo;
-
-/// Source position of a netlist object as a new VDBLineInfo, which the caller owns; null when the object has none or
+/// Source position of a netlist object as a VDBLineInfo; null when the object has none or
 /// its file is not known.
-IVDBLineInfo *sourcePosition(const Verific::DesignObj &object);
+std::unique_ptr<IVDBLineInfo> sourcePosition(const Verific::DesignObj &object);
 
 } // namespace kvr::netlistdb

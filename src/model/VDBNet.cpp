@@ -34,7 +34,6 @@ VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net) : m_ownerBus(owner
 
 VDBNet::~VDBNet()
 {
-    delete m_lineInfo;
     uncountItem(LiveItem::Net);
 }
 
@@ -65,7 +64,7 @@ bool VDBNet::isProtected() const
 
 IVDBLineInfo *VDBNet::getLineInfo()
 {
-    return m_lineInfo;
+    return m_lineInfo.get();
 }
 
 unsigned long long VDBNet::getWidth() const

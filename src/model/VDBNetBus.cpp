@@ -51,7 +51,6 @@ VDBNetBus::VDBNetBus(const std::string &name, int width)
 
 VDBNetBus::~VDBNetBus()
 {
-    delete m_lineInfo;
     for (IVDBNet *net : m_nets) {
         delete net;
     }
@@ -85,7 +84,7 @@ bool VDBNetBus::isProtected() const
 
 IVDBLineInfo *VDBNetBus::getLineInfo()
 {
-    return m_lineInfo;
+    return m_lineInfo.get();
 }
 
 unsigned long long VDBNetBus::getWidth() const

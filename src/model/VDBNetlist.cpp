@@ -42,7 +42,6 @@ VDBNetlist::~VDBNetlist()
     for (IVDBPort *port : m_ports) {
         delete port;
     }
-    delete m_lineInfo;
     uncountItem(LiveItem::Netlist);
 }
 
@@ -96,7 +95,7 @@ bool VDBNetlist::isUserDeclared() const
 
 IVDBLineInfo *VDBNetlist::getLineInfo()
 {
-    return m_lineInfo;
+    return m_lineInfo.get();
 }
 
 void VDBNetlist::addNet(IVDBNet *net)

@@ -2,7 +2,7 @@
 
 #include "search/FullName.h"
 
-#include <cstddef>
+#include <algorithm>
 
 namespace kvr::netlistdb {
 
@@ -17,12 +17,12 @@ FullNameText::FullNameText(const std::string &text, std::optional<CaseFold> fold
 void FullNameText::enter(const IVDBInstance &instance)
 {
     m_instance = &instance;
-    m_carried = 0;
+    m_isInPrefix = false;
 }
 
 bool FullNameText::operator()(const std::string &name)
 {
-    if (isInPrefix()) {
+    if (m_isInPrefix) {
         return true;
     }
     std::string_view searched = folded(name);
@@ -33,7 +33,7 @@ bool FullNameText::operator()(const std::string &name)
         readPrefix();
         searched = folded(name);
     }
-    return isInPrefix() || crossesInto(searched);
+    return m_isInPrefix || crossesInto(searched);
 }
 
 std::string_view FullNameText::folded(const std::string &text)
@@ -50,45 +50,21 @@ void FullNameText::readPrefix()
     const std::string unfolded = netNamePrefix(m_instance);
     m_instance = nullptr;
     const std::string_view prefix = folded(unfolded);
-    prepareBorders();
-    for (const char c : prefix) {
-        m_carried = step(m_carried, c);
-        if (isInPrefix()) {
-            return;
-        }
+    m_isInPrefix = prefix.find(m_text) != std::string_view::npos;
+    m_overlap = std::min(prefix.size(), m_text.empty() ? 0 : m_text.size() - 1);
+    while (m_overlap > 0 && prefix.substr(prefix.size() - m_overlap) != m_text.substr(0, m_overlap)) {
+        --m_overlap;
     }
 }
 
-bool FullNameText::crossesInto(std::string_view name) const
+bool FullNameText::crossesInto(std::string_view name)
 {
-    std::size_t length = m_carried;
-    // Once a start begins in the name itself, the rest of the name has been searched already.
-    for (std::size_t i = 0; length > i && i < name.size(); ++i) {
-        length = step(length, name[i]);
-        if (length == m_text.size()) {
-            return true;
-        }
+    if (m_overlap == 0) {
+        return false;
     }
-    return false;
-}
-
-void FullNameText::prepareBorders()
-{
-    if (!m_borders.empty()) {
-        return;
-    }
-    m_borders.assign(m_text.size() + 1, 0);
-    for (std::size_t length = 1; length < m_text.size(); ++length) {
-        m_borders[length + 1] = step(m_borders[length], m_text[length]);
-    }
-}
-
-std::size_t FullNameText::step(std::size_t length, char next) const
-{
-    while (length > 0 && m_text[length] != next) {
-        length = m_borders[length];
-    }
-    return m_text[length] == next ? length + 1 : 0;
+    m_seam = m_text.substr(0, m_overlap);
+    m_seam += name.substr(0, m_text.size() - 1);
+    return m_seam.find(m_text) != std::string::npos;
 }
 
 } // namespace kvr::netlistdb

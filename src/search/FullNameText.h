@@ -2,10 +2,10 @@
 
 #include "search/CaseFold.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kvr::netlistdb {
 
@@ -30,21 +30,17 @@ class FullNameText {
   private:
     std::string_view folded(const std::string &text);
     void readPrefix();
-    bool isInPrefix() const { return m_carried == m_text.size(); }
-    bool crossesInto(std::string_view name) const;
-    void prepareBorders();
-    /// How long a start of the text the characters read so far end with, after one more; never for a whole text.
-    std::size_t step(std::size_t length, char next) const;
+    bool crossesInto(std::string_view name);
 
     std::optional<CaseFold> m_fold;
     std::string m_foldedText;
     std::string_view m_text;
     std::string m_buffer;
     const IVDBInstance *m_instance = nullptr; ///< whose prefix is still to be read
-    /// Length of the longest start of the text that the prefix ends with; the whole length when the text lies in it.
-    std::size_t m_carried = 0;
-    /// For each length of a start of the text: the longest shorter start that it ends with.
-    std::vector<std::size_t> m_borders;
+    bool m_isInPrefix = false;
+    std::size_t m_overlap =
+        0;              ///< length of the longest start of the text, but for all of it, that the prefix ends with
+    std::string m_seam; ///< that start and the start of a name
 };
 
 } // namespace kvr::netlistdb

@@ -1,7 +1,7 @@
 #include "search/InstanceMembers.h"
 
-#include "search/KnownModules.h"
 #include "search/MemberOrder.h"
+#include "search/ModuleMemo.h"
 
 #include <netlistdb/IVDBNet.h>
 #include <netlistdb/IVDBNetBus.h>
@@ -27,7 +27,7 @@ template <typename List> void append(const List &list, std::vector<IVDBNetBase *
 
 } // namespace
 
-void InstanceMembers::open(KnownModule &module, const VDBSearchParam &param)
+void InstanceMembers::open(ModuleFacts &module, const VDBSearchParam &param)
 {
     if (module.ports == nullptr) {
         module.ports = &module.netlist->getPorts();

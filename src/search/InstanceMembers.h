@@ -1,6 +1,6 @@
 #pragma once
 
-#include "search/KnownModules.h"
+#include "search/ModuleMemo.h"
 #include "search/Prefetch.h"
 
 #include <netlistdb/IVDBNetBase.h>
@@ -18,7 +18,7 @@ class VDBSearchParam;
 class InstanceMembers {
   public:
     /// Starts on the members of @p module, leaving those of the module before.
-    void open(KnownModule &module, const VDBSearchParam &param);
+    void open(ModuleFacts &module, const VDBSearchParam &param);
     /// Hands out the next member, false when there is none left. A port may be null.
     bool next(IVDBItem *&item, PlainPorts plainPorts)
     {

@@ -1,6 +1,5 @@
 #include "search/MemberOrder.h"
 
-#include "search/MergeSort.h"
 #include "search/NaturalOrder.h"
 
 #include <netlistdb/IVDBNetBase.h>
@@ -27,7 +26,9 @@ void sortBy(std::vector<IVDBNetBase *> &members, SortOrder order, KeyOf keyOf, L
     for (IVDBNetBase *member : members) {
         keyed.push_back({keyOf(member), member});
     }
-    mergeSort(keyed, [less](const Keyed<Key> &a, const Keyed<Key> &b) { return less(a.key, b.key); });
+    // Natural order is no strict weak order of all names: unlike std::sort, this sort stays within bounds all the same.
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [less](const Keyed<Key> &a, const Keyed<Key> &b) { return less(a.key, b.key); });
     if (order == SORT_DESCENDING) {
         std::reverse(keyed.begin(), keyed.end());
     }

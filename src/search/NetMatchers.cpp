@@ -53,10 +53,8 @@ template <typename Cursor> Stop findStop(Cursor &cursor)
 
 /// With the cursor on a net or bus: moves on to the next instance, or the next net or bus whose full name passes a
 /// test.
-///
-/// Kept out of line: most calls in a netlist of device cells end at the next instance and should not pay for the frame.
 template <typename Test, typename Cursor, typename... Arguments>
-[[gnu::noinline]] bool matchFromNet(Cursor cursor, const Arguments &...arguments)
+bool matchFromNet(Cursor cursor, const Arguments &...arguments)
 {
     Test test(arguments...);
     KindCheck<IVDBNetBase> asNet;

@@ -6,7 +6,7 @@ namespace kvr::netlistdb {
 
 void PendingItems::appendStart(IVDBInstance *instance)
 {
-    KnownModule &module = m_modules.of(instance->getModule());
+    ModuleFacts &module = m_modules.of(instance->getModule());
     if (module.isUserDeclared || !m_param.userModulesOnly) {
         list(instance, module);
     }
@@ -37,7 +37,7 @@ bool PendingItems::isBelowCollapsed(const IVDBInstance &instance)
     return owner != nullptr && !m_modules.of(owner->getModule()).isUserDeclared;
 }
 
-void PendingItems::openMembers(KnownModule &module)
+void PendingItems::openMembers(ModuleFacts &module)
 {
     if (module.netlist != nullptr) {
         m_members.open(module, m_param);

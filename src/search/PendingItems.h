@@ -1,7 +1,7 @@
 #pragma once
 
 #include "search/InstanceMembers.h"
-#include "search/KnownModules.h"
+#include "search/ModuleMemo.h"
 #include "search/Prefetch.h"
 
 #include <netlistdb/VDBInstance.h>
@@ -40,8 +40,8 @@ class SubInstances {
 /// sub-instances of those that the walk has stepped past, and looks at one or at a member when the front gets there. To
 /// step past an instance of our own class therefore costs the same whether it has one child or a million.
 ///
-/// The item behind one that is removed is looked for when somebody asks, so that whoever has no use for ports never
-/// comes to them. What every instance of a walk goes through stands in this header: a call costs more than the work.
+/// The item behind one that is removed is looked for on demand, so that the net matchers never come to the ports. What
+/// every instance of a walk goes through stands in this header: a call costs more than the work.
 class PendingItems {
   public:
     /// @p param must outlive the queue.
@@ -66,25 +66,25 @@ class PendingItems {
     IVDBInstance *findChild();
     /// Puts a child at the front, or its members in line, as the record asks; true when it stands at the front.
     bool visit(IVDBInstance *instance);
-    void list(IVDBInstance *instance, KnownModule &module);
+    void list(IVDBInstance *instance, ModuleFacts &module);
     bool enterNextFamily();
     bool isBelowCollapsed(const IVDBInstance &instance);
-    void openMembers(KnownModule &module);
+    void openMembers(ModuleFacts &module);
 
     const VDBSearchParam &m_param;
     bool m_isSettled = false;
     bool m_hasUnopened = false; ///< the members of m_frontModule follow, and nobody has looked at them
     IVDBItem *m_front = nullptr;
     IVDBInstance *m_frontInstance = nullptr;
-    KnownModule *m_frontModule = nullptr;
+    ModuleFacts *m_frontModule = nullptr;
     InstanceMembers m_members; ///< the rest of the members that follow the front
     SubInstances m_children;   ///< these follow the members, from m_nextChild on
     std::size_t m_nextChild = 0;
     std::deque<SubInstances> m_families; ///< these follow those
-    KnownModules m_modules;
+    ModuleMemo m_modules;
 };
 
-inline void PendingItems::list(IVDBInstance *instance, KnownModule &module)
+inline void PendingItems::list(IVDBInstance *instance, ModuleFacts &module)
 {
     m_isSettled = true;
     m_front = instance;
@@ -108,7 +108,7 @@ inline IVDBInstance *PendingItems::findChild()
 
 inline bool PendingItems::visit(IVDBInstance *instance)
 {
-    KnownModule &module = m_modules.of(instance->getModule());
+    ModuleFacts &module = m_modules.of(instance->getModule());
     if (m_param.collapseNonUserModules && isBelowCollapsed(*instance)) {
         // There nothing shows but the members of what the user wrote.
         m_frontModule = &module;

@@ -21,9 +21,9 @@ bool isOneOf(std::string_view set, char c)
 }
 
 /// Reads a pattern once, from left to right, and keeps the longest run of literal characters seen.
-class Scanner {
+class PatternReader {
   public:
-    explicit Scanner(std::string_view pattern) : m_rest(pattern) {}
+    explicit PatternReader(std::string_view pattern) : m_rest(pattern) {}
 
     std::string longestRun()
     {
@@ -132,7 +132,7 @@ class Scanner {
 
 std::string requiredText(const std::string &pattern)
 {
-    return Scanner(pattern).longestRun();
+    return PatternReader(pattern).longestRun();
 }
 
 } // namespace kvr::netlistdb

@@ -18,7 +18,7 @@ VDBResultSet::~VDBResultSet()
     } catch (...) {
         // A lock that fails leaves nothing to cancel: nobody can be inside a step of a set that is being destroyed.
     }
-    delete m_iterator;
+    m_iterator.reset(); // before the predicate, which may know it
 }
 
 void VDBResultSet::cancel()

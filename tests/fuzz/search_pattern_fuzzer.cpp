@@ -1,8 +1,7 @@
 // Any pattern over any names: the search answers what the full names written out would.
 //
 // Input: one byte of flags, then lines: the pattern, the instance's name, and the nets' names. Texts are cut short and
-// expressions that repeat repetitions are left out, because std::regex takes one level of the stack per character and
-// exponential time for those.
+// expressions that repeat repetitions are left out, because std::regex takes exponential time for those.
 
 #include <netlistdb/BFSItemIterator.h>
 #include <netlistdb/VDBHelper.h>

@@ -57,7 +57,7 @@ class Port;
 
 namespace testsupport {
 
-/// Builds every unit of @p text and answers the last module's netlist. What is not "loose" belongs to the global
+/// Builds every unit of @p text and returns the last module's netlist. What is not "loose" belongs to the global
 /// libset; a loose netlist to the caller.
 /// @throws std::invalid_argument "netlist text, line N: ..." when the text is wrong.
 Verific::Netlist *netlistFromText(std::string_view text);

@@ -38,7 +38,7 @@ class SavedNetlist : public testsupport::ScratchFile {
 
 constexpr const char *DESIGN = "module leaf(in a) end module mid() l: leaf() end module top() m: mid() end";
 
-/// Answers in place of the imports, which note what they were given.
+/// Takes the place of the imports, and notes what they were given.
 class OverridingDatabase : public DesignDatabase {
   public:
     OverridingDatabase() : DesignDatabase(false) {}

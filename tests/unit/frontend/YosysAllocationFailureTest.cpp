@@ -18,7 +18,7 @@ class YosysAllocationFailure : public ReaderTest {
         Verific::Libset::Reset();
     }
 
-    /// Reads with every allocation failing in turn, until one reading succeeds. Answers the number of failures.
+    /// Reads with every allocation failing in turn, until one reading succeeds. Returns the number of failures.
     static long failEveryAllocation(const std::string &text)
     {
         const std::string before = dumpLibset();

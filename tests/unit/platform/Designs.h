@@ -22,7 +22,7 @@ Verific::Instance *addInstance(Verific::Netlist *netlist, const char *name, Veri
 /// A two-input gate with ports a, b (in), z (inout) and y (out).
 Verific::Netlist *makeGate(const char *cell = "gate");
 
-/// A small design in which every kind of object, flag, order and connection occurs. Answers its top.
+/// A small design in which every kind of object, flag, order and connection occurs. Returns its top.
 Verific::Netlist *makeEverything();
 
 /// Names of what a walk over the references, pins or ports meets, separated by blanks.

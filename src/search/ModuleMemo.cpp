@@ -1,15 +1,15 @@
-#include "search/KnownModules.h"
+#include "search/ModuleMemo.h"
 
 #include <netlistdb/IVDBNetlist.h>
 
 namespace kvr::netlistdb {
 
-KnownModule &KnownModules::add(const IVDBNetlist *netlist)
+ModuleFacts &ModuleMemo::add(const IVDBNetlist *netlist)
 {
     if ((m_modules.size() + 1) * 2 > m_slots.size()) {
         grow();
     }
-    KnownModule known;
+    ModuleFacts known;
     known.netlist = netlist;
     known.isUserDeclared = netlist != nullptr && netlist->isUserDeclared();
     m_modules.push_back(known);
@@ -17,7 +17,7 @@ KnownModule &KnownModules::add(const IVDBNetlist *netlist)
     return m_modules.back();
 }
 
-void KnownModules::place(KnownModule *known)
+void ModuleMemo::place(ModuleFacts *known)
 {
     std::size_t slot = slotOf(known->netlist);
     while (m_slots[slot].known != nullptr) {
@@ -26,11 +26,11 @@ void KnownModules::place(KnownModule *known)
     m_slots[slot] = {known->netlist, known};
 }
 
-void KnownModules::grow()
+void ModuleMemo::grow()
 {
     m_slots = std::vector<Slot>(m_slots.size() * 2);
     --m_shift;
-    for (KnownModule &known : m_modules) {
+    for (ModuleFacts &known : m_modules) {
         place(&known);
     }
 }

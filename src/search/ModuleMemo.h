@@ -14,7 +14,7 @@ class IVDBPort;
 enum class PlainPorts { Visit, Skip };
 
 /// What a walk has found out about a module. Modules are few and read-only, their instances are many.
-struct KnownModule {
+struct ModuleFacts {
     const IVDBNetlist *netlist = nullptr;
     bool isUserDeclared = false;
 
@@ -29,11 +29,11 @@ struct KnownModule {
     }
 };
 
-/// The modules that a walk has met, found by address in constant time.
-class KnownModules {
+/// A memo of the modules that a walk has met: an open-addressing hash table by address.
+class ModuleMemo {
   public:
     /// @p netlist may be null: an instance without module counts as generated. Lives as long as this object.
-    KnownModule &of(const IVDBNetlist *netlist)
+    ModuleFacts &of(const IVDBNetlist *netlist)
     {
         std::size_t slot = slotOf(netlist);
         while (m_slots[slot].known != nullptr) {
@@ -48,7 +48,7 @@ class KnownModules {
   private:
     struct Slot {
         const IVDBNetlist *netlist = nullptr;
-        KnownModule *known = nullptr; ///< null in a free slot
+        ModuleFacts *known = nullptr; ///< null in a free slot
     };
 
     std::size_t slotOf(const IVDBNetlist *netlist) const
@@ -56,13 +56,13 @@ class KnownModules {
         // The upper bits of the product depend on every bit of the address.
         return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(netlist)) * 0x9E3779B97F4A7C15U >> m_shift;
     }
-    KnownModule &add(const IVDBNetlist *netlist);
-    void place(KnownModule *known);
+    ModuleFacts &add(const IVDBNetlist *netlist);
+    void place(ModuleFacts *known);
     void grow();
 
     unsigned m_shift = 58;
     std::vector<Slot> m_slots = std::vector<Slot>(64); ///< a power of two, half of them free
-    std::deque<KnownModule> m_modules;
+    std::deque<ModuleFacts> m_modules;
 };
 
 } // namespace kvr::netlistdb
