@@ -51,12 +51,13 @@ enum class PinRole : std::uint8_t {
 CaptureRole captureRoleOf(PinRole role);
 
 /// How a cell carries clocks from pin to pin: what all instances of one view with like parameters have in common.
-/// Pins are the ports of the view in its order, one per bit.
+/// Pins are the ports of the view in its order, one per bit, and then those that are borrowed.
 struct CellModel {
     struct Pin {
         const Verific::Port *port = nullptr;
         bool isInput = false; ///< inout pins are both
         bool isOutput = false;
+        bool isBorrowed = false; ///< of the first instance of a cell that was read as several
         PinRole role = PinRole::Data;
         bool inverts = false;        ///< of an output that passes an input on
         std::uint32_t group = NONE;  ///< of an output: the group of inputs that reach it at once

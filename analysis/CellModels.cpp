@@ -58,17 +58,17 @@ ConstantShift constantShift(const Verific::Instance &instance)
     return width > 0 ? ConstantShift(value) : std::nullopt;
 }
 
-/// A cell that was read as several instances has its parameters on the first, `name`; the others are called
-/// `name:pin`.
-const Verific::Instance &withParameters(const Verific::Instance &instance)
+bool isMemory(const Verific::Netlist &view)
 {
-    const Verific::Instance *const first = CellModels::firstPartOf(instance);
-    return first != nullptr ? *first : instance;
+    const char *const kind = view.GetAttValue("NETLISTDB_CELL_KIND");
+    return startsWith(typeOf(view), "$mem") || (kind != nullptr && std::string_view(kind) == "memory");
 }
 
-CellModel build(const Verific::Instance &instance, const Verific::Instance &named, const ConstantShift &shift)
+CellModel build(const Verific::Instance &instance, const Verific::Instance *first, const ConstantShift &shift)
 {
-    ModelBuilder cell(instance, named);
+    // What a memory shows without a clock comes from its write ports, which are on its first part.
+    const bool borrows = first != nullptr && isMemory(*instance.View()) && instance.View()->IsRegister() == 0;
+    ModelBuilder cell(instance, first != nullptr ? *first : instance, borrows);
     const std::string_view deviceCell = deviceCellName(instance);
     const bool isWord = !cell.type().empty() && cell.type().front() == '$';
     if (isWord && instance.View()->Type() != Verific::PRIM_PWR && instance.View()->Type() != Verific::PRIM_GND &&
@@ -123,17 +123,22 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
     if (isNew && view != nullptr) {
         known.parameters = parametersOf(*view);
         known.shifts = isShift(typeOf(*view));
+        known.mayBorrow = isMemory(*view);
     }
     const std::string_view cellName = deviceCellName(instance);
-    const bool isPlain = known.parameters.empty() && !known.shifts;
+    const bool isPlain = known.parameters.empty() && !known.shifts && !known.mayBorrow;
     if (isPlain && known.latest != NONE && known.latestCellName == cellName) {
         return known.latest;
     }
     m_key.assign(cellName);
     ConstantShift shift;
-    const Verific::Instance &named = isPlain ? instance : withParameters(instance);
+    const Verific::Instance *const first = isPlain ? nullptr : firstPartOf(instance);
     for (const std::string &parameter : known.parameters) {
-        m_key.append(1, '\0').append(parameterOf(named, parameter.c_str()));
+        m_key.append(1, '\0').append(parameterOf(first != nullptr ? *first : instance, parameter.c_str()));
+    }
+    if (first != nullptr) {
+        const Verific::Netlist *const firstView = first->View();
+        m_key.append(1, '\0').append(reinterpret_cast<const char *>(&firstView), sizeof firstView);
     }
     if (known.shifts) {
         shift = constantShift(instance);
@@ -144,7 +149,7 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
     }
     auto variant = known.variants.find(m_key);
     if (variant == known.variants.end()) {
-        m_models.push_back(view != nullptr ? build(instance, named, shift) : CellModel());
+        m_models.push_back(view != nullptr ? build(instance, first, shift) : CellModel());
         variant = known.variants.emplace(m_key, static_cast<std::uint32_t>(m_models.size()) - 1).first;
     }
     known.latest = variant->second;

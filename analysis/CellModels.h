@@ -37,6 +37,7 @@ class CellModels {
   private:
     struct View {
         std::vector<std::string> parameters; ///< that make a difference
+        bool mayBorrow = false;              ///< the first part of the cell makes a difference
         bool shifts = false;                 ///< the value on the pins B makes a difference
         std::uint32_t latest = NONE;         ///< the model of the latest instance
         std::string_view latestCellName;     ///< its device cell

@@ -152,6 +152,17 @@ void FanIn::visitInstance(std::uint32_t node, CellPin pin)
           {StepKind::Hierarchy, pin.cell, pin.pin, port.isInput ? pin.pin : NONE});
 }
 
+void FanIn::endAtRegister(std::uint32_t node, CellPin pin, std::uint32_t clockNet, std::uint32_t clockPin)
+{
+    const Place place{m_contexts.path(m_nodes[node].context), clockNet};
+    const std::uint32_t clock = clockNet != NONE ? electricalRoot(m_design, place).clock : NONE;
+    if (clock != NONE) {
+        m_ends.push_back({node, clock, false, clockNet, 0, {StepKind::Register, pin.cell, pin.pin, clockPin}});
+    } else {
+        endAt(node, REACHED_BY_UNDRIVEN, {StepKind::End, pin.cell, pin.pin, clockPin});
+    }
+}
+
 void FanIn::visitCell(std::uint32_t node, CellPin pin)
 {
     const Node at = m_nodes[node];
@@ -160,17 +171,11 @@ void FanIn::visitCell(std::uint32_t node, CellPin pin)
     const CellModel &model = m_design.hierarchy.models[module.modelOf(pin.cell)];
     const Span<std::uint32_t> nets = module.netsOf(pin.cell);
     for (const std::uint32_t clock : model.launches[pin.pin]) {
-        const std::uint32_t clockPin = model.clocks[clock].pin;
-        if (nets[clockPin] == NONE) {
-            endAt(node, REACHED_BY_UNDRIVEN, {StepKind::End, pin.cell, pin.pin, clockPin});
-            continue;
-        }
-        const ElectricalRoot root = electricalRoot(m_design, {m_contexts.path(at.context), nets[clockPin]});
-        if (root.clock != NONE) {
-            m_ends.push_back(
-                {node, root.clock, false, nets[clockPin], 0, {StepKind::Register, pin.cell, pin.pin, clockPin}});
-        } else {
-            endAt(node, REACHED_BY_UNDRIVEN, {StepKind::End, pin.cell, pin.pin, clockPin});
+        endAtRegister(node, pin, nets[model.clocks[clock].pin], model.clocks[clock].pin);
+    }
+    if (model.kind == CellKind::Memory && model.launches[pin.pin].empty()) {
+        for (const ModuleGraph::WrittenBy &write : module.writesOf(pin.cell)) {
+            endAtRegister(node, pin, write.clockNet, NONE);
         }
     }
     const std::uint32_t group = model.pins[pin.pin].group;

@@ -72,6 +72,8 @@ class FanIn {
     void visit(std::uint32_t node);
     void visitPort(std::uint32_t node, std::uint32_t port);
     void visitCell(std::uint32_t node, CellPin pin);
+    /// An end at the register that drives the net, clocked on @p clockNet through its pin @p clockPin, either NONE.
+    void endAtRegister(std::uint32_t node, CellPin pin, std::uint32_t clockNet, std::uint32_t clockPin);
     void visitInstance(std::uint32_t node, CellPin pin);
     void reach(std::uint32_t from, std::uint32_t context, std::uint32_t net, std::uint32_t cells, const Way &way);
     void endAt(std::uint32_t node, std::uint32_t flag, const Way &way);

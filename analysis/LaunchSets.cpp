@@ -130,6 +130,12 @@ class LaunchFinder {
                 seed = m_table.merge(seed, single(m_view.clockAtom(net, Atom::Launched, Atom::LaunchedByPort)));
             }
         }
+        if (model.kind == CellKind::Memory && launches.empty()) {
+            for (const ModuleGraph::WrittenBy &write : module.writesOf(pin.cell)) {
+                seed =
+                    m_table.merge(seed, single(m_view.clockAtom(write.clockNet, Atom::Launched, Atom::LaunchedByPort)));
+            }
+        }
         if (group != NONE) {
             if (model.groupOutputs[group] < 2) {
                 addGroup(pin.cell, group, seed);

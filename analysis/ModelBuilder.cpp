@@ -40,38 +40,58 @@ std::string_view parameterOf(const Verific::Instance &instance, const char *name
     return parameters != nullptr ? textOf(static_cast<const char *>(parameters->GetValue(name))) : std::string_view();
 }
 
-ModelBuilder::ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named) : m_named(named)
+ModelBuilder::ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named, bool borrows)
+    : m_named(named)
 {
     m_model.view = instance.View();
     m_type = textOf(m_model.view->CellBaseName());
+    addPorts(*m_model.view, false);
+    if (borrows) {
+        addPorts(*named.View(), true);
+    }
+    m_launches.resize(m_model.pins.size());
+    m_captures.resize(m_model.pins.size());
+}
+
+void ModelBuilder::addPorts(const Verific::Netlist &view, bool areBorrowed)
+{
+    const auto isKnown = [&](std::string_view name) { return areBorrowed && m_ownNames.count(name) != 0; };
     Verific::MapIter ports;
     const Verific::Port *port = nullptr;
-    FOREACH_PORT_OF_NETLIST (m_model.view, ports, port) {
+    FOREACH_PORT_OF_NETLIST (&view, ports, port) {
+        const std::string_view name = textOf(port->Bus() != nullptr ? port->Bus()->Name() : port->Name());
+        if (isKnown(name) || (areBorrowed && port->IsInput() == 0)) {
+            continue;
+        }
         CellModel::Pin pin;
         pin.port = port;
         pin.isInput = port->IsOutput() == 0;
         pin.isOutput = port->IsOutput() != 0 || port->IsInout() != 0;
-        m_byPort.emplace(port, static_cast<std::uint32_t>(m_model.pins.size()));
-        m_names.push_back(textOf(port->Name()));
+        pin.isBorrowed = areBorrowed;
+        const auto number = static_cast<std::uint32_t>(m_model.pins.size());
+        m_byPort.emplace(port, number);
+        m_names.push_back(name);
         if (port->Bus() == nullptr) {
-            m_byName[m_names.back()].push_back(static_cast<std::uint32_t>(m_model.pins.size()));
+            m_byName[name].push_back(number);
+        }
+        if (!areBorrowed) {
+            m_ownNames.insert(name);
         }
         m_model.pins.push_back(pin);
     }
     Verific::MapIter buses;
     const Verific::PortBus *bus = nullptr;
-    FOREACH_PORTBUS_OF_NETLIST (m_model.view, buses, bus) {
+    FOREACH_PORTBUS_OF_NETLIST (&view, buses, bus) {
         const std::string_view name = textOf(bus->Name());
-        forEachBit(*bus, [&](const Verific::Port *bit) {
-            const std::uint32_t pin = pinOf(bit);
-            if (pin != NONE) {
-                m_names[pin] = name;
-                m_byName[name].push_back(pin);
-            }
-        });
+        if (!isKnown(name)) {
+            forEachBit(*bus, [&](const Verific::Port *bit) {
+                const std::uint32_t pin = pinOf(bit);
+                if (pin != NONE) {
+                    m_byName[name].push_back(pin);
+                }
+            });
+        }
     }
-    m_launches.resize(m_model.pins.size());
-    m_captures.resize(m_model.pins.size());
 }
 
 std::string_view ModelBuilder::parameter(const char *name) const

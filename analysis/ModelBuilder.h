@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace Verific {
@@ -24,7 +25,8 @@ class ModelBuilder {
   public:
     /// @p instance has a view. It stands for all cells that get the model. @p named is the instance that has its
     /// parameters, itself or another.
-    ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named);
+    /// With @p borrows the model also has the inputs of that instance that the view does not have.
+    ModelBuilder(const Verific::Instance &instance, const Verific::Instance &named, bool borrows);
 
     const Verific::Netlist &view() const { return *m_model.view; }
     /// Name of the cell that the view belongs to; may be empty.
@@ -64,11 +66,14 @@ class ModelBuilder {
     CellModel finish();
 
   private:
+    void addPorts(const Verific::Netlist &view, bool areBorrowed);
+
     const Verific::Instance &m_named;
     std::string_view m_type;
     CellModel m_model;
     std::vector<std::string_view> m_names;
     std::unordered_map<std::string_view, PinList> m_byName;
+    std::unordered_set<std::string_view> m_ownNames; ///< of the ports of the view
     std::unordered_map<const Verific::Port *, std::uint32_t> m_byPort;
     std::vector<PinList> m_launches;
     std::vector<PinList> m_captures;

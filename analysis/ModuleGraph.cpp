@@ -28,10 +28,18 @@ CellPin ModuleGraph::pinAt(std::uint32_t position) const
     return {cell, position - m_firstPin[cell]};
 }
 
+Span<ModuleGraph::WrittenBy> ModuleGraph::writesOf(std::uint32_t cell) const
+{
+    const auto before = [](const WrittenBy &each, std::uint32_t wanted) { return each.cell < wanted; };
+    const auto first = std::lower_bound(writes.begin(), writes.end(), cell, before);
+    const auto end = std::lower_bound(first, writes.end(), cell + 1, before);
+    return {writes.data() + (first - writes.begin()), writes.data() + (end - writes.begin())};
+}
+
 std::size_t ModuleGraph::memory() const
 {
     return sizeof(*this) + ports.capacity() * sizeof(ModulePort) + subs.capacity() * sizeof(SubInstance) +
-           sources.memory() +
+           repeats.capacity() * sizeof(std::uint32_t) + writes.capacity() * sizeof(WrittenBy) + sources.memory() +
            (m_cells.capacity() + m_firstPin.capacity() + m_pinNets.capacity() + m_cellOfBlock.capacity()) *
                sizeof(std::uint32_t);
 }

@@ -84,6 +84,14 @@ class ModuleGraph {
     std::vector<ModulePort> ports;
     std::vector<SubInstance> subs; ///< in the order of their cells
     NetSources sources;
+    /// A memory port that reads without a clock, and the net of a clock that writes into the memory through another
+    /// cell.
+    struct WrittenBy {
+        std::uint32_t cell;
+        std::uint32_t clockNet;
+    };
+    std::vector<WrittenBy> writes;      ///< by cell
+    std::vector<std::uint32_t> repeats; ///< cells that are further parts of others with the same clock
 
     std::uint32_t netCount() const { return m_nets; }
     std::uint32_t cellCount() const { return static_cast<std::uint32_t>(m_cells.size()); }
@@ -92,6 +100,8 @@ class ModuleGraph {
     bool isSub(std::uint32_t cell) const { return (m_cells[cell] & SUB) != 0; }
     /// Place in CellModels of a leaf cell.
     std::uint32_t modelOf(std::uint32_t cell) const { return m_cells[cell]; }
+    /// The clocks in writes of @p cell.
+    Span<WrittenBy> writesOf(std::uint32_t cell) const;
     /// Net on each pin of @p cell, or NONE. A leaf has the pins of its model, an instance of a module those of its
     /// ports.
     Span<std::uint32_t> netsOf(std::uint32_t cell) const

@@ -1,12 +1,13 @@
 #include "analysis/ModuleReader.h"
 
 #include "analysis/DeviceCells.h"
+#include "analysis/ModelBuilder.h"
 
 #include <DataBase.h>
 
 #include <netlistdb/DesignDatabase.h>
 
-#include <cstring>
+#include <algorithm>
 #include <stdexcept>
 
 namespace kvr::netlistdb::analysis {
@@ -14,11 +15,6 @@ namespace kvr::netlistdb::analysis {
 namespace {
 
 constexpr std::size_t MOST_PINS = std::size_t{1} << 30;
-
-bool sameName(const Verific::Port *a, const Verific::Port *b)
-{
-    return a->Name() != nullptr && b->Name() != nullptr && std::strcmp(a->Name(), b->Name()) == 0;
-}
 
 } // namespace
 
@@ -47,6 +43,7 @@ ModuleGraph ModuleReader::read(const Verific::Netlist &netlist, std::uint32_t nu
     readNets(netlist);
     readPorts(netlist);
     readCells(netlist);
+    connectMemoryPorts();
     findSources();
     return std::move(m_graph);
 }
@@ -147,29 +144,76 @@ void ModuleReader::readCell(const Verific::Instance &instance)
     } else {
         const std::uint32_t model = m_models.modelOf(instance);
         m_graph.m_cells.push_back(model);
+        if (m_models[model].isRegister()) {
+            joinParts(instance, cell, m_models[model]);
+        }
         if (m_models[model].kind == CellKind::Memory) {
-            borrowWriteClocks(instance, m_models[model], firstPin);
+            noteMemoryPort(instance, cell, m_models[model]);
         }
     }
     m_graph.m_firstPin.push_back(static_cast<std::uint32_t>(m_graph.m_pinNets.size()));
 }
 
-void ModuleReader::borrowWriteClocks(const Verific::Instance &instance, const CellModel &model, std::uint32_t firstPin)
+void ModuleReader::joinParts(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model)
 {
     const Verific::Instance *const first = CellModels::firstPartOf(instance);
     if (first == nullptr) {
         return;
     }
-    for (const CellModel::ClockPin &clock : model.clocks) {
-        std::uint32_t &net = m_graph.m_pinNets[firstPin + clock.pin];
-        Verific::MapIter pins;
-        Verific::PortRef *pin = nullptr;
-        FOREACH_PORTREF_OF_INST (first, pins, pin) {
-            if (net == NONE && pin->GetNet() != nullptr && sameName(pin->GetPort(), model.pins[clock.pin].port)) {
-                net = netOf(pin->GetNet());
+    const std::uint32_t firstPin = m_graph.m_firstPin[cell];
+    m_graph.m_pinNets.resize(firstPin + model.pins.size(), NONE);
+    const CellModel &ofFirst = m_models[m_models.modelOf(*first)];
+    bool repeats = false;
+    Verific::MapIter pins;
+    Verific::PortRef *pin = nullptr;
+    FOREACH_PORTREF_OF_INST (first, pins, pin) {
+        const std::uint32_t net = netOf(pin->GetNet());
+        for (std::uint32_t own = 0; own < model.pins.size(); ++own) {
+            if (model.pins[own].isBorrowed && model.pins[own].port == pin->GetPort()) {
+                m_graph.m_pinNets[firstPin + own] = net;
             }
         }
+        for (const CellModel::ClockPin &clock : ofFirst.clocks) {
+            const auto isOn = [&](const CellModel::ClockPin &own) {
+                return m_graph.m_pinNets[firstPin + own.pin] == net;
+            };
+            repeats = repeats || (ofFirst.pins[clock.pin].port == pin->GetPort() &&
+                                  std::any_of(model.clocks.begin(), model.clocks.end(), isOn));
+        }
     }
+    if (repeats) {
+        m_graph.repeats.push_back(cell);
+    }
+}
+
+void ModuleReader::noteMemoryPort(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model)
+{
+    const std::string_view memory = parameterOf(instance, "MEMID");
+    if (memory.empty()) {
+        return;
+    }
+    const bool isRead =
+        std::any_of(model.pins.begin(), model.pins.end(), [](const CellModel::Pin &pin) { return pin.isOutput; });
+    if (isRead && model.clocks.empty()) {
+        m_reads.emplace_back(cell, memory);
+    }
+    for (const CellModel::ClockPin &clock : model.clocks) {
+        const std::uint32_t net = m_graph.m_pinNets[m_graph.m_firstPin[cell] + clock.pin];
+        if (!isRead && net != NONE) {
+            m_writeClocks[memory].push_back(net);
+        }
+    }
+}
+
+void ModuleReader::connectMemoryPorts()
+{
+    for (const auto &[read, memory] : m_reads) {
+        for (const std::uint32_t net : m_writeClocks[memory]) {
+            m_graph.writes.push_back({read, net});
+        }
+    }
+    m_reads.clear();
+    m_writeClocks.clear();
 }
 
 void ModuleReader::findSources()

@@ -7,7 +7,9 @@
 #include <netlistdb/IDesignDatabase.h>
 
 #include <cstdint>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Verific {
@@ -55,8 +57,12 @@ class ModuleReader {
     void readPorts(const Verific::Netlist &netlist);
     void readCells(const Verific::Netlist &netlist);
     void readCell(const Verific::Instance &instance);
-    /// Gives a part of a memory the clocks that write it, which are on the memory's first part.
-    void borrowWriteClocks(const Verific::Instance &instance, const CellModel &model, std::uint32_t firstPin);
+    /// Gives a cell that is the further part of another the nets of the pins that it borrows from the first.
+    void joinParts(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model);
+    /// Puts aside a port of a memory that is a cell of its own.
+    void noteMemoryPort(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model);
+    /// Gives the read ports among them the clocks of the write ports of the same memory.
+    void connectMemoryPorts();
     void findSources();
     const PortNumbers &portsOf(const Verific::Netlist &view);
     std::uint32_t netOf(const Verific::Net *net) const { return m_netIndex.find(m_nets, net); }
@@ -72,6 +78,8 @@ class ModuleReader {
     const PortNumbers *m_lastPorts = nullptr;
     std::vector<const Verific::Net *> m_nets;
     PointerIndex m_netIndex;
+    std::vector<std::pair<std::uint32_t, std::string_view>> m_reads;                ///< cell and memory
+    std::unordered_map<std::string_view, std::vector<std::uint32_t>> m_writeClocks; ///< by memory: nets
     ModuleGraph m_graph;
     std::uint32_t m_number = 0;
 };

@@ -78,13 +78,14 @@ class UseFinder {
                 }
             }
         }
+        const bool repeats = std::binary_search(m_module.repeats.begin(), m_module.repeats.end(), cell);
         for (std::size_t clock = 0; clock < model.clocks.size(); ++clock) {
             const std::uint32_t net = nets[model.clocks[clock].pin];
             // A cell counts once for a net, however many of its pins are on it.
             const bool isFirst =
                 std::none_of(model.clocks.begin(), model.clocks.begin() + static_cast<std::ptrdiff_t>(clock),
                              [&](const CellModel::ClockPin &other) { return nets[other.pin] == net; });
-            add(net, model.clocks[clock].edges, isFirst ? 1 : 0);
+            add(net, model.clocks[clock].edges, isFirst && !repeats ? 1 : 0);
         }
     }
 

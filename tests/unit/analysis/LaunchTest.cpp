@@ -160,6 +160,25 @@ TEST_F(Launch, AMemoryReadWithoutAClockShowsWhatItsWriteClocksWriteAndItsAddress
     EXPECT_EQ(launch("free"), "b:0 a:1 | constant");
 }
 
+TEST_F(Launch, ReadPortsThatAreCellsOfTheirOwnShowWhatTheWritePortsOfTheirMemoryWrite)
+{
+    elaboratedMap(
+        text("operator $memrd(in CLK, EN, ADDR, out DATA) end operator $memwr(in CLK, EN, ADDR, DATA) end", R"(
+        w: $memwr(CLK=a, EN=d, ADDR=d, DATA=qb) #MEMID=mem #CLK_ENABLE=1
+        o: $memwr(CLK=b, EN=d, ADDR=d, DATA=qb) #MEMID=other #CLK_ENABLE=1
+        r: $memrd(ADDR=qb, DATA=free) #MEMID=mem #CLK_ENABLE=0
+        c: $memrd(CLK=b, EN=d, ADDR=qa, DATA=clocked) #MEMID=mem #CLK_ENABLE=1
+    )")
+            .c_str());
+    EXPECT_EQ(launch("free"), "a:0 b:1 | undriven");
+    EXPECT_EQ(launch("clocked"), "b:0");
+    EXPECT_EQ(capture("qb"), "a:data b:data");
+    const auto proof = map->why(instanceOf(""), netIn("", "free"));
+    ASSERT_EQ(proof.clocks.size(), 2U);
+    EXPECT_EQ(proof.clocks[0].data.back().cell, "r");
+    EXPECT_EQ(proof.clocks[0].clockToRoot.back().netName, "a");
+}
+
 TEST_F(Launch, EachSideOfADeviceMemoryHasItsOwnClock)
 {
     postMapMap(R"(

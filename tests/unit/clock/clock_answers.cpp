@@ -4,52 +4,14 @@
 
 #include "tests/unit/clock/ClockTest.h"
 #include "tests/unit/clock/RandomNetlists.h"
+#include "tests/unit/clock/Stirrer.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <iostream>
-#include <random>
 
 namespace {
 
 using namespace clock_test;
-
-/// Leaves the heap with holes of all sizes in no order.
-class Stirrer {
-  public:
-    explicit Stirrer(unsigned seed) : m_random(seed) {}
-
-    void stir()
-    {
-        m_blocks.resize(4000);
-        for (std::unique_ptr<char[]> &block : m_blocks) {
-            if (m_random() % 3 != 0) {
-                block = std::make_unique<char[]>(16 + m_random() % 300);
-            }
-        }
-        std::shuffle(m_blocks.begin(), m_blocks.end(), m_random);
-        m_blocks.resize(2000);
-    }
-
-  private:
-    std::mt19937 m_random;
-    std::vector<std::unique_ptr<char[]>> m_blocks;
-};
-
-/// Which of two neighbouring items lies first in memory, over all of them.
-std::size_t orderOf(const std::vector<IVDBInstance *> &instances)
-{
-    std::size_t order = 0;
-    for (const IVDBInstance *instance : instances) {
-        const IVDBNet *last = nullptr;
-        for (const IVDBNet *net : netsOf(instance)) {
-            order = order * 31 + (std::less<>()(last, net) ? 1 : 2);
-            last = net;
-        }
-    }
-    return order;
-}
 
 std::size_t print(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type)
 {

@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace kvr::netlistdb {
 namespace {
 
@@ -257,6 +260,52 @@ TEST(Reset, DropsRegisteredOccurrencesWithTheirInstances)
     pool.registerOccurrence(object, u);
     EXPECT_TRUE(database.reset(ELABORATED));
     EXPECT_EQ(pool.find(object), nullptr);
+}
+
+TEST(Generation, ChangesWithEveryImportAndResetOfItsSourceAlone)
+{
+    const LibsetGuard guard;
+    DesignDatabase database(true);
+    Verific::Netlist *const top = netlistFromText(DESIGN);
+    std::vector<std::uint64_t> seen{database.generation(ELABORATED)};
+    const auto isNew = [&] {
+        const std::uint64_t now = database.generation(ELABORATED);
+        const bool wasSeen = std::find(seen.begin(), seen.end(), now) != seen.end();
+        seen.push_back(now);
+        return !wasSeen;
+    };
+    database.parseElaboratedNetlist(top);
+    EXPECT_TRUE(isNew());
+    database.parseElaboratedNetlist(top);
+    EXPECT_TRUE(isNew());
+    database.reset(ELABORATED);
+    EXPECT_TRUE(isNew());
+    EXPECT_FALSE(database.reset(ELABORATED));
+    EXPECT_FALSE(isNew());
+    database.parsePostMapNetlist(top);
+    EXPECT_FALSE(isNew());
+    EXPECT_EQ(database.generation(static_cast<IDesignDatabase::SOURCE_TYPE>(3)), 0U);
+}
+
+TEST(SourceObjects, LeadFromItemsToTheWorkingCopyAndBack)
+{
+    const LibsetGuard guard;
+    DesignDatabase database(true);
+    database.parseElaboratedNetlist(netlistFromText(DESIGN));
+    const Verific::Netlist *const copy = database.workingCopy(ELABORATED);
+    const Verific::Net *const net = copy->GetNet("a");
+    IVDBNet *const item = database.netItem(net, ELABORATED);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->getName(), "a");
+    EXPECT_EQ(database.sourceNet(item, ELABORATED), net);
+    EXPECT_EQ(database.netItem(net, POST_MAP), nullptr);
+    EXPECT_EQ(database.sourceNet(item, POST_MAP), nullptr);
+    IVDBInstance *const root = database.getRoot(ELABORATED);
+    EXPECT_EQ(database.sourceInstance(root->getSubInstances()[0], ELABORATED), copy->GetInst("u"));
+    EXPECT_EQ(database.sourceInstance(root, ELABORATED), nullptr);
+    DesignDatabase forgetful(false);
+    forgetful.parseElaboratedNetlist(testsupport::netlistOfCell("top"));
+    EXPECT_EQ(forgetful.sourceInstance(forgetful.getRoot(ELABORATED)->getSubInstances()[0], ELABORATED), nullptr);
 }
 
 } // namespace

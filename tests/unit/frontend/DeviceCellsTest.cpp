@@ -47,6 +47,29 @@ TEST_F(DeviceCells, AFlipFlopIsNamedAndItsClockPortMarked)
     EXPECT_EQ(view->GetClock(), view->GetPort("C"));
 }
 
+TEST_F(DeviceCells, PinsAreDescribedByWhatTheyAreFor)
+{
+    readModules(R"("top": {"cells": {"u": )" +
+                cell("FDCE", "", R"("C": [2], "D": [3], "CE": [4], "CLR": [5])", R"("Q": [6])") + R"(, "v": )" +
+                cell("SB_DFFNESS", "", R"("C": [2], "D": [3], "E": [4], "S": [5])", R"("Q": [7])") + R"(, "w": )" +
+                cell("KVR_RAMD16X4", "", R"("W_CLK": [2], "W_EN": [3], "R_ADDR": [4, 5, 6, 8])",
+                     R"("R_DATA": [9, 10, 11, 12])") +
+                "}}");
+    const auto role = [](const char *library, const char *type, const char *port) {
+        const char *const value = netlistOf(library, type)->GetPort(port)->GetAttValue("NETLISTDB_PIN_ROLE");
+        return std::string(value != nullptr ? value : "none");
+    };
+    EXPECT_EQ(role("Primitives", "FDCE", "C"), "clock-rise");
+    EXPECT_EQ(role("Primitives", "FDCE", "CE"), "enable");
+    EXPECT_EQ(role("Primitives", "FDCE", "CLR"), "reset");
+    EXPECT_EQ(role("Primitives", "FDCE", "D"), "none");
+    EXPECT_STREQ(netlistOf("Primitives", "FDCE")->GetPort("C")->GetAttValue("NETLISTDB_PIN_INVERTED_BY"),
+                 "IS_C_INVERTED=1");
+    EXPECT_EQ(role("Primitives", "SB_DFFNESS", "C"), "clock-fall");
+    EXPECT_EQ(role("Primitives", "SB_DFFNESS", "S"), "set");
+    EXPECT_EQ(role("work", "KVR_RAMD16X4", "R_ADDR[3]"), "read");
+}
+
 TEST_F(DeviceCells, AttributesOfTheFileStayAsTheyAre)
 {
     const Verific::Netlist *top = readModules(R"("top": {"cells": {"u": {"type": "SB_DFF",
