@@ -82,7 +82,7 @@ template <typename Question> void askAll(benchmark::State &state, Question quest
 {
     const IDesignDatabase::SOURCE_TYPE source = sourceOf(shapeArgument(state));
     const std::unique_ptr<DesignDatabase> database = imported(state);
-    const std::vector<Place> places = allNets(*database, source);
+    const std::vector<InstanceNet> places = allNets(*database, source);
     const analysis::ClockMap map(*database, source);
     std::vector<double> times;
     std::size_t found = 0;

@@ -40,7 +40,7 @@ TEST_F(ClimbTest, VisitsWhatAWalkOverAllPinsOfTheInstanceGives)
     std::string pins;
     unsigned port = 0;
     for (int net = 0; net < 300; ++net) {
-        for (unsigned many = random() % 5; many != 0; --many, ++port) {
+        for (std::uint_fast32_t many = random() % 5; many != 0; --many, ++port) {
             static const char *const DIRECTIONS[] = {"in", "out", "inout", "none"};
             const std::string name = "p" + std::to_string(port);
             ports += (port == 0 ? "" : ", ") + std::string(DIRECTIONS[random() % 4]) + ' ' + name;
