@@ -21,10 +21,10 @@ LAYERS = {
     "frontend/yosys": {"platform/verific"},
     "tools/netlistdb/base": set(),
     "tools/netlistdb/output": {"tools/netlistdb/base"},
-    "tools/netlistdb/design": {"tools/netlistdb/base", "tools/netlistdb/output", "library", "platform/verific",
-                               "frontend/yosys"},
+    "tools/netlistdb/design": {"tools/netlistdb/base", "tools/netlistdb/output", "library", "analysis",
+                               "platform/verific", "frontend/yosys"},
     "tools/netlistdb/commands": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library",
-                                 "platform/verific"},
+                                 "analysis", "platform/verific"},
     "tools/netlistdb/app": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
                             "tools/netlistdb/commands"},
 }
