@@ -1,7 +1,8 @@
 #include "analysis/Chain.h"
 
+#include "analysis/SourcePlaces.h"
+
 #include <DataBase.h>
-#include <LineFile.h>
 
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBLineInfo.h>
@@ -10,25 +11,6 @@
 #include <algorithm>
 
 namespace kvr::netlistdb::analysis {
-
-namespace {
-
-std::string textOf(const char *text)
-{
-    return text != nullptr ? std::string(text) : std::string();
-}
-
-SourcePlace placeOf(const Verific::DesignObj &object)
-{
-    const Verific::linefile_type position = object.Linefile();
-    if (!position) {
-        return {};
-    }
-    const char *const file = Verific::LineFile::GetAbsFileName(position);
-    return file != nullptr ? SourcePlace{file, Verific::LineFile::GetLineNo(position)} : SourcePlace();
-}
-
-} // namespace
 
 ChainStep ChainWriter::step(const Place &place, const FanIn::Way &way) const
 {

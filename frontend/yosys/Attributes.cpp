@@ -2,9 +2,25 @@
 
 #include "WordCells.h"
 
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+
 namespace kvr::netlistdb::yosys {
 
 namespace {
+
+/// True for attributes that keep flip-flops where the designer put them.
+bool keepsRegisters(std::string_view key)
+{
+    static constexpr std::string_view KEYS[] = {"async_reg",    "keep",     "dont_touch", "dont_merge", "syn_keep",
+                                                "syn_preserve", "preserve", "noprune",    "syn_noprune"};
+    return std::any_of(std::begin(KEYS), std::end(KEYS), [key](std::string_view each) {
+        return std::equal(key.begin(), key.end(), each.begin(), each.end(), [](char a, char b) {
+            return std::tolower(static_cast<unsigned char>(a)) == b;
+        });
+    });
+}
 
 bool hasSeveralRanges(std::string_view src)
 {
@@ -41,10 +57,14 @@ AttributeReader::Origin AttributeReader::originOf(json::object &attributes)
     m_src.clear();
     m_hdlName.clear();
     m_scopeName.clear();
+    m_keepKey.clear();
     eachField(attributes, [&](std::string_view raw, json::value &value) {
         const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "an attribute");
         const std::string_view key = m_text.text(raw, m_keyBuffer);
-        if (key == "src") {
+        if (m_keepKey.empty() && keepsRegisters(key)) {
+            m_keepKey = key;
+            m_keepValue = text;
+        } else if (key == "src") {
             m_src = text;
         } else if (key == "hdlname") {
             m_hdlName = text;
@@ -52,7 +72,7 @@ AttributeReader::Origin AttributeReader::originOf(json::object &attributes)
             m_scopeName = text;
         }
     });
-    return {m_src, m_hdlName, m_scopeName};
+    return {m_src, m_hdlName, m_scopeName, m_keepKey, m_keepValue};
 }
 
 bool AttributeReader::carry(std::string_view key, std::string_view value, Verific::DesignObj &object)

@@ -27,11 +27,14 @@ class AttributeReader {
     };
     Summary summarize(json::object &attributes);
 
-    /// The attributes that say where a net comes from. The texts live until the next call.
+    /// What a net is known for under any of its names: where it comes from, and the attribute that keeps its register as
+    /// it was written (the first of several). The texts live until the next call.
     struct Origin {
         std::string_view src;
         std::string_view hdlName;
         std::string_view scopeName;
+        std::string_view keepKey; ///< empty: none
+        std::string_view keepValue;
     };
     Origin originOf(json::object &attributes);
 
@@ -83,6 +86,8 @@ class AttributeReader {
     std::string m_src;
     std::string m_hdlName;
     std::string m_scopeName;
+    std::string m_keepKey;
+    std::string m_keepValue;
     std::size_t m_segments = 0;
 };
 

@@ -240,11 +240,15 @@ void NetReader::noteName(std::uint32_t number)
     const NetNames::Name &name = m_names.names()[number];
     AttributeReader::Origin origin;
     std::string hdlName;
+    std::string keepKey;
+    std::string keepValue;
     if (name.attributes != NetNames::NO_ATTRIBUTES) {
         json::object &attributes = m_netAttributes[name.attributes];
         check(attributes.reset().error());
         origin = m_attributes.originOf(attributes);
         hdlName = hierarchicalName(name.text, origin.hdlName, origin.scopeName);
+        keepKey = origin.keepKey;
+        keepValue = origin.keepValue;
     }
     const VectorRange &range = name.range;
     if (range.isVector()) {
@@ -260,6 +264,9 @@ void NetReader::noteName(std::uint32_t number)
         }
         const BitTable::Entry &entry = m_names.entry(bit);
         const NetNames::Name &best = m_names.names()[entry.name];
+        if (!keepKey.empty() && entry.net != nullptr && entry.net->GetAtt(keepKey.c_str()) == nullptr) {
+            addAttribute(*entry.net, keepKey.c_str(), keepValue.c_str());
+        }
         if (best.range.isVector()) {
             m_otherNames.addVectorBit(best.text, best.range.indexOf(entry.position));
         } else {

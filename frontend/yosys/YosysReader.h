@@ -70,7 +70,8 @@ struct ReadOptions {
 ///   instantiation, and `src` stays an attribute as well. A name that `hide_name` shows is user-declared even without a
 ///   position. `protected` protects its object. All other attributes and all parameters keep key and value: numbers as
 ///   they are written, texts without the blank that yosys puts behind those that look like bits. The attributes of a
-///   net bus are on the bus alone.
+///   net bus are on the bus alone. A net that has other names gets the attribute of theirs that keeps flip-flops where
+///   the designer put them (`async_reg`, `keep`, …).
 ///
 /// Reads in time proportional to the file, at most 4 GiB, which is held in memory meanwhile.
 /// @throws ReadError when the file cannot be read or is not such a netlist, ReadCancelled when stopped,

@@ -60,6 +60,7 @@ std::unique_ptr<Command> makeTreeCommand();
 std::unique_ptr<Command> makeSearchCommand();
 std::unique_ptr<Command> makeClocksCommand();
 std::unique_ptr<Command> makeClockOfCommand();
+std::unique_ptr<Command> makeCrossingsCommand();
 std::unique_ptr<Command> makeProbesCommand();
 std::unique_ptr<Command> makeSaveCommand();
 std::unique_ptr<Command> makeChecksumCommand();

@@ -1,0 +1,223 @@
+#include "analysis/crossings/CrossingFinder.h"
+
+#include "analysis/ClockTable.h"
+#include "analysis/crossings/ForwardCones.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace kvr::netlistdb::analysis {
+
+CrossingFinder::CrossingFinder(const DesignModel &design, const ClockTable &table, ClockRelations relations)
+    : m_model(design), m_reads(findMemoryReads(design)), m_table(table), m_relations(std::move(relations)), m_design(design), m_registers(m_design),
+      m_functions(m_design), m_synchronizers(m_design, m_registers), m_ends(m_design, m_registers)
+{
+}
+
+std::vector<Crossing> CrossingFinder::find()
+{
+    unfold();
+    for (auto &[launch, paths] : m_paths) {
+        follow(launch, paths);
+        paths = {};
+    }
+    return std::move(m_found);
+}
+
+void CrossingFinder::unfold()
+{
+    const CrossingPins pins(m_model, m_reads);
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pending{{Unfolding::TOP, CrossingPins::TOP}};
+    while (!pending.empty()) {
+        const auto [context, number] = pending.back();
+        pending.pop_back();
+        const CrossingPins::Use &use = pins.uses()[number];
+        for (const PinOfCell &pin : use.pins) {
+            if (pin.pin == NONE) {
+                addMemory(context, pin.cell);
+                addMemoryReads(context, pin.cell);
+            } else {
+                addPin(context, pin);
+            }
+        }
+        for (std::uint32_t sub = 0; sub < use.subs.size(); ++sub) {
+            if (pins.uses()[use.subs[sub]].hasCrossings) {
+                pending.emplace_back(m_design.inside(context, sub), use.subs[sub]);
+            }
+        }
+    }
+}
+
+bool CrossingFinder::isExcluded(std::uint32_t launch, std::uint32_t capture) const
+{
+    return launch == capture || m_relations.exclusive(m_table.idOf(launch), m_table.idOf(capture));
+}
+
+void CrossingFinder::addPin(std::uint32_t context, const PinOfCell &pin)
+{
+    CrossingPath path{};
+    path.pin = {context, pin.cell, pin.pin};
+    path.launched = m_design.launchOf(m_design.nodeAt(path.pin));
+    const CellModel &model = m_design.model(path.pin);
+    const bool isUnclocked =
+        isAsynchronous(model.pins[pin.pin].role) &&
+        (m_design.sets().flags(path.launched) & (REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX)) != 0;
+    for (const std::uint32_t capture :
+         capturingClocks(m_design.modules(), m_design.moduleOf(context), m_design.bindingOf(context), pin)) {
+        path.capture = capture;
+        for (const std::uint32_t launch : m_design.sets().clocks(path.launched)) {
+            if (!isExcluded(launch, capture)) {
+                m_paths[launch].push_back(path);
+            }
+        }
+        if (isUnclocked) {
+            m_paths[UNCLOCKED].push_back(path);
+        }
+    }
+}
+
+void CrossingFinder::addMemory(std::uint32_t context, std::uint32_t cell)
+{
+    for (const MemoryClocks &clocks :
+         memoryClocks(m_design.modules(), m_design.moduleOf(context), m_design.bindingOf(context), cell)) {
+        if (isExcluded(clocks.write, clocks.read)) {
+            continue;
+        }
+        CrossingPath path{};
+        path.pin = {context, cell, NONE};
+        path.capture = clocks.read;
+        path.source = {context, cell, clocks.output};
+        path.sourceNode = m_design.nodeAt(path.source);
+        path.from = m_ends.source(path.source, path.sourceNode);
+        path.from.pin.clear();
+        path.to = path.from;
+        path.is(CrossingClass::Memory);
+        m_found.push_back(report(clocks.write, path));
+    }
+}
+
+void CrossingFinder::addMemoryReads(std::uint32_t context, std::uint32_t cell)
+{
+    const auto reads = m_reads.find(m_design.moduleOf(context));
+    if (reads == m_reads.end()) {
+        return;
+    }
+    for (const MemoryRead &read : reads->second) {
+        if (read.cell != cell) {
+            continue;
+        }
+        std::set<std::uint32_t> writes;
+        for (const CellPin &pin : read.clocks) {
+            writes.insert(m_design.clockAt({context, pin.cell, pin.pin}));
+        }
+        writes.erase(NONE);
+        std::set<std::uint32_t> captures;
+        const CellModel &model = m_design.model(context, cell);
+        for (std::uint32_t pin = 0; pin < model.pins.size(); ++pin) {
+            const Node node = model.pins[pin].isOutput ? m_design.nodeAt({context, cell, pin}) : NONE;
+            if (node != NONE) {
+                const std::vector<std::uint32_t> &clocks = m_design.sets().clocks(m_design.captureOf(node));
+                captures.insert(clocks.begin(), clocks.end());
+            }
+        }
+        for (const std::uint32_t write : writes) {
+            for (const std::uint32_t capture : captures) {
+                if (!isExcluded(write, capture)) {
+                    addMemoryRead(context, read, write, capture);
+                }
+            }
+        }
+    }
+}
+
+void CrossingFinder::addMemoryRead(std::uint32_t context, const MemoryRead &read, std::uint32_t write,
+                                   std::uint32_t capture)
+{
+    std::vector<PinPlace> outputs;
+    const CellModel &model = m_design.model(context, read.cell);
+    for (std::uint32_t pin = 0; pin < model.pins.size(); ++pin) {
+        if (model.pins[pin].isOutput && m_design.nodeAt({context, read.cell, pin}) != NONE) {
+            outputs.push_back({context, read.cell, pin});
+        }
+    }
+    for (const ReachedPin &reached : reachedPins(m_design, outputs, capture)) {
+        CrossingPath path{};
+        path.pin = reached.pin;
+        path.capture = capture;
+        path.source = outputs[reached.start];
+        path.reach.cells = reached.cells;
+        path.from = m_ends.memory(path.source, read.memory);
+        path.to = m_ends.target(path.pin);
+        path.is(CrossingClass::Memory);
+        m_found.push_back(report(write, path));
+    }
+}
+
+void CrossingFinder::follow(std::uint32_t launch, std::vector<CrossingPath> &paths)
+{
+    std::vector<Node> ends;
+    ends.reserve(paths.size());
+    for (const CrossingPath &path : paths) {
+        ends.push_back(m_design.nodeAt(path.pin));
+    }
+    const Cones cones(m_design, launch, ends);
+    std::map<std::uint32_t, std::vector<CrossingPath *>> pairs; ///< by capture clock
+    for (std::size_t at = 0; at < paths.size(); ++at) {
+        CrossingPath &path = paths[at];
+        path.reach = cones.reach(ends[at]);
+        if (path.reach.source == NONE) {
+            continue;
+        }
+        const Cones::Source &source = cones.sources()[path.reach.source];
+        path.source = source.pin;
+        path.sourceNode = source.node;
+        const bool isPort = source.pin.cell == NONE;
+        path.from =
+            isPort ? m_ends.port(source.pin.pin, source.node) : m_ends.source(source.pin, source.node);
+        path.to = m_ends.target(path.pin);
+        pairs[path.capture].push_back(&path);
+    }
+    for (const auto &[capture, pair] : pairs) {
+        std::vector<CrossingPath *> others;
+        for (CrossingPath *const path : pair) {
+            if (isAsynchronous(m_design.model(path->pin).pins[path->pin.pin].role)) {
+                classifyReset(launch, *path);
+            } else {
+                others.push_back(path);
+            }
+        }
+        if (!others.empty()) {
+            classifyPair(launch, capture, cones, others);
+        }
+        for (const CrossingPath *const path : pair) {
+            m_found.push_back(report(launch, *path));
+        }
+    }
+}
+
+Crossing CrossingFinder::report(std::uint32_t launch, const CrossingPath &path)
+{
+    Crossing crossing{};
+    crossing.from = path.from;
+    crossing.to = path.to;
+    if (launch != UNCLOCKED) {
+        crossing.launch = m_table.idOf(launch);
+    }
+    crossing.capture = m_table.idOf(path.capture);
+    crossing.cells = path.reach.cells;
+    crossing.kinds = path.kinds;
+    while (!crossing.holds(crossing.kind)) {
+        crossing.kind = static_cast<CrossingClass>(static_cast<unsigned>(crossing.kind) + 1);
+    }
+    crossing.stages = path.isSynchronized() ? static_cast<std::uint32_t>(path.chain.stages.size()) : 0;
+    crossing.isKept = path.isSynchronized() && path.chain.isKept;
+    crossing.hasSeveralSources = path.reach.hasSeveral;
+    crossing.hasLogic = path.reach.hasLogic;
+    crossing.control = path.control != NONE ? m_ends.nameOf(path.control) : std::string();
+    crossing.meets = path.meets != NONE ? m_ends.nameOf(path.meets) : std::string();
+    crossing.place = m_ends.placeOf(path.pin, path.to.net);
+    return crossing;
+}
+
+} // namespace kvr::netlistdb::analysis
