@@ -11,15 +11,16 @@
 
 namespace kvr::netlistdb::analysis {
 
-/// What an output of a cell computes from at most six inputs: bit n of the table is the output when the inputs spell the
-/// number n, the first being the lowest.
+/// What an output of a cell computes from at most six inputs: bit n of the table is the output when the inputs spell
+/// the number n, the first being the lowest.
 struct TruthTable {
     std::vector<std::uint32_t> inputs; ///< pins
     std::uint64_t bits = 0;
 
     /// The output for 64 sets of values at a time.
     std::uint64_t evaluate(const std::vector<std::uint64_t> &values) const;
-    /// True when the inputs in @p controls, a mask of places, can take values with which input @p place changes nothing.
+    /// True when the inputs in @p controls, a mask of places, can take values with which input @p place changes
+    /// nothing.
     bool isBlocked(std::size_t place, std::uint32_t controls) const;
 };
 

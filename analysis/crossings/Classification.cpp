@@ -105,7 +105,8 @@ void CrossingFinder::classifyTarget(std::uint32_t launch, CrossingPath &path, Co
     } else {
         path.control = controls.controlOf(m_design.nodeAt(path.pin));
         if (path.control != NONE) {
-            path.is(controls.holds(path.pin) ? CrossingClass::HoldingMultiplexer : CrossingClass::MultiplexerControlled);
+            path.is(controls.holds(path.pin) ? CrossingClass::HoldingMultiplexer
+                                             : CrossingClass::MultiplexerControlled);
         }
     }
     const bool isRelated = related(launch, path.capture);

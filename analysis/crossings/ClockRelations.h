@@ -13,7 +13,8 @@ class ClockRelations {
   public:
     ClockRelations(const ClockMap &map, const std::vector<ClockGroups> &groups) : m_map(map), m_groups(groups) {}
 
-    /// Whether two clocks are in step: the last group statement that mentions both decides, otherwise a common ancestor.
+    /// Whether two clocks are in step: the last group statement that mentions both decides, otherwise a common
+    /// ancestor.
     bool related(ClockId a, ClockId b);
     /// Whether two clocks never run at the same time.
     bool exclusive(ClockId a, ClockId b) const;

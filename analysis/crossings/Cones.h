@@ -71,8 +71,8 @@ class Cones {
     std::uint32_t m_launch;
     std::unordered_map<Node, std::uint32_t> m_steps;
     std::map<std::array<std::uint32_t, 3>, std::uint32_t> m_junctions; ///< from context, cell and group to step
-    std::vector<Node> m_nodes;              ///< by step; NONE between pins
-    std::vector<std::uint32_t> m_contexts;  ///< by step
+    std::vector<Node> m_nodes;                                         ///< by step; NONE between pins
+    std::vector<std::uint32_t> m_contexts;                             ///< by step
     std::vector<Edge> m_edges;
     std::vector<std::uint32_t> m_first; ///< by step
     std::vector<Source> m_sources;

@@ -89,7 +89,8 @@ bool Controls::isChosen(std::uint32_t context, const Cones::Edge &edge, Node &co
         return false;
     }
     for (const std::uint32_t input : model.groups[model.pins[edge.output].group]) {
-        const Node node = model.pins[input].role == PinRole::Select ? m_design.nodeAt({context, edge.cell, input}) : NONE;
+        const Node node =
+            model.pins[input].role == PinRole::Select ? m_design.nodeAt({context, edge.cell, input}) : NONE;
         if (node != NONE && isControl(node)) {
             control = node;
             return true;

@@ -110,8 +110,8 @@ CrossingEnd CrossingEnds::target(const PinPlace &pin)
     }
     nameAfter(end, shown);
     const CellModel &model = m_design.model(pin);
-    const auto outputs = std::count_if(model.pins.begin(), model.pins.end(),
-                                       [](const CellModel::Pin &each) { return each.isOutput; });
+    const auto outputs =
+        std::count_if(model.pins.begin(), model.pins.end(), [](const CellModel::Pin &each) { return each.isOutput; });
     if (model.pins[pin.pin].role != PinRole::Data && outputs > 1 && !end.bus.empty()) {
         // A control pin acts on the whole register.
         end.name = end.bus;

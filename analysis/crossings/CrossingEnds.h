@@ -34,7 +34,7 @@ class CrossingEnds {
 
     Unfolding &m_design;
     Registers &m_registers;
-    std::vector<std::string> m_paths;       ///< by context
+    std::vector<std::string> m_paths;        ///< by context
     std::vector<IVDBInstance *> m_instances; ///< by context
 };
 

@@ -10,8 +10,9 @@
 namespace kvr::netlistdb::analysis {
 
 CrossingFinder::CrossingFinder(const DesignModel &design, const ClockTable &table, ClockRelations relations)
-    : m_model(design), m_reads(findMemoryReads(design)), m_table(table), m_relations(std::move(relations)), m_design(design), m_registers(m_design),
-      m_functions(m_design), m_synchronizers(m_design, m_registers), m_ends(m_design, m_registers)
+    : m_model(design), m_reads(findMemoryReads(design)), m_table(table), m_relations(std::move(relations)),
+      m_design(design), m_registers(m_design), m_functions(m_design), m_synchronizers(m_design, m_registers),
+      m_ends(m_design, m_registers)
 {
 }
 
@@ -49,9 +50,12 @@ void CrossingFinder::unfold()
     }
 }
 
+/// A module may have clocks that clock nothing in some of its instances: these have no number among the clocks.
 bool CrossingFinder::isExcluded(std::uint32_t launch, std::uint32_t capture) const
 {
-    return launch == capture || m_relations.exclusive(m_table.idOf(launch), m_table.idOf(capture));
+    const ClockId from = m_table.idOf(launch);
+    const ClockId to = m_table.idOf(capture);
+    return from == to || from == NONE || to == NONE || m_relations.exclusive(from, to);
 }
 
 void CrossingFinder::addPin(std::uint32_t context, const PinOfCell &pin)
@@ -71,7 +75,7 @@ void CrossingFinder::addPin(std::uint32_t context, const PinOfCell &pin)
                 m_paths[launch].push_back(path);
             }
         }
-        if (isUnclocked) {
+        if (isUnclocked && m_table.idOf(capture) != NONE) {
             m_paths[UNCLOCKED].push_back(path);
         }
     }
@@ -173,8 +177,7 @@ void CrossingFinder::follow(std::uint32_t launch, std::vector<CrossingPath> &pat
         path.source = source.pin;
         path.sourceNode = source.node;
         const bool isPort = source.pin.cell == NONE;
-        path.from =
-            isPort ? m_ends.port(source.pin.pin, source.node) : m_ends.source(source.pin, source.node);
+        path.from = isPort ? m_ends.port(source.pin.pin, source.node) : m_ends.source(source.pin, source.node);
         path.to = m_ends.target(path.pin);
         pairs[path.capture].push_back(&path);
     }
@@ -190,17 +193,17 @@ void CrossingFinder::follow(std::uint32_t launch, std::vector<CrossingPath> &pat
         if (!others.empty()) {
             classifyPair(launch, capture, cones, others);
         }
-        for (const CrossingPath *const path : pair) {
+        for (CrossingPath *const path : pair) {
             m_found.push_back(report(launch, *path));
         }
     }
 }
 
-Crossing CrossingFinder::report(std::uint32_t launch, const CrossingPath &path)
+Crossing CrossingFinder::report(std::uint32_t launch, CrossingPath &path)
 {
     Crossing crossing{};
-    crossing.from = path.from;
-    crossing.to = path.to;
+    crossing.from = std::move(path.from);
+    crossing.to = std::move(path.to);
     if (launch != UNCLOCKED) {
         crossing.launch = m_table.idOf(launch);
     }
@@ -216,7 +219,7 @@ Crossing CrossingFinder::report(std::uint32_t launch, const CrossingPath &path)
     crossing.hasLogic = path.reach.hasLogic;
     crossing.control = path.control != NONE ? m_ends.nameOf(path.control) : std::string();
     crossing.meets = path.meets != NONE ? m_ends.nameOf(path.meets) : std::string();
-    crossing.place = m_ends.placeOf(path.pin, path.to.net);
+    crossing.place = m_ends.placeOf(path.pin, crossing.to.net);
     return crossing;
 }
 

@@ -70,7 +70,8 @@ class CrossingFinder {
     bool isUnclockedRead(const PinPlace &source) const;
     bool related(std::uint32_t a, std::uint32_t b);
     bool hasSeveralClocks(const CrossingPath &path);
-    Crossing report(std::uint32_t launch, const CrossingPath &path);
+    /// Takes the ends out of @p path.
+    Crossing report(std::uint32_t launch, CrossingPath &path);
 
     const DesignModel &m_model;
     const std::map<std::uint32_t, std::vector<MemoryRead>> m_reads; ///< by module

@@ -39,7 +39,6 @@ struct MemoryClocks {
 std::vector<MemoryClocks> memoryClocks(const BoundModules &modules, std::uint32_t module, const PortBinding &binding,
                                        std::uint32_t cell);
 
-
 /// Finds the pins at which crossings end, each module once for each way in which its ports are bound.
 class CrossingPins {
   public:

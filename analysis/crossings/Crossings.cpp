@@ -2,6 +2,7 @@
 #include "analysis/crossings/CrossingFinder.h"
 
 #include <algorithm>
+#include <numeric>
 #include <string_view>
 #include <tuple>
 
@@ -11,7 +12,7 @@ Crossings::Crossings(const ClockMap &map, const std::vector<ClockGroups> &groups
 {
     const ClockMap::State &state = map.state();
     requireCurrent(state);
-    m_all = CrossingFinder(state.design, state.table, ClockRelations(map, groups)).find();
+    std::vector<Crossing> found = CrossingFinder(state.design, state.table, ClockRelations(map, groups)).find();
     // Clocks are numbered in the order of their names.
     const auto key = [](const Crossing &crossing) {
         const CrossingEnd &to = crossing.to;
@@ -19,8 +20,15 @@ Crossings::Crossings(const ClockMap &map, const std::vector<ClockGroups> &groups
                           to.bit, std::string_view(to.name), std::string_view(to.cell), std::string_view(to.pin),
                           std::string_view(crossing.from.name));
     };
-    std::stable_sort(m_all.begin(), m_all.end(),
-                     [&](const Crossing &a, const Crossing &b) { return key(a) < key(b); });
+    // Crossings are large: places are sorted instead.
+    std::vector<std::size_t> order(found.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return key(found[a]) < key(found[b]); });
+    m_all.reserve(found.size());
+    for (const std::size_t place : order) {
+        m_all.push_back(std::move(found[place]));
+    }
 }
 
 } // namespace kvr::netlistdb::analysis

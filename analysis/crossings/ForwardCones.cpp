@@ -28,8 +28,8 @@ template <typename Visit> void forEachReached(const CellModel &model, std::uint3
 
 bool isCaptured(const Unfolding &design, const PinPlace &pin, std::uint32_t clock)
 {
-    const std::vector<std::uint32_t> clocks = capturingClocks(
-        design.modules(), design.moduleOf(pin.context), design.bindingOf(pin.context), {pin.cell, pin.pin});
+    const std::vector<std::uint32_t> clocks = capturingClocks(design.modules(), design.moduleOf(pin.context),
+                                                              design.bindingOf(pin.context), {pin.cell, pin.pin});
     return std::binary_search(clocks.begin(), clocks.end(), clock);
 }
 
@@ -106,7 +106,10 @@ std::vector<ReachedPin> reachedPins(Unfolding &design, const std::vector<PinPlac
                     reach({design.nodeAt({load.context, load.cell, output}), step.start, step.cells + 1}, false);
                 });
             },
-            [&](Node next) { reach({next, step.start, step.cells}, true); }, [](std::uint32_t) {});
+            [&](Node next) {
+                reach({next, step.start, step.cells}, true);
+            },
+            [](std::uint32_t) {});
     }
     return found;
 }

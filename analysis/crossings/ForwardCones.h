@@ -29,8 +29,8 @@ struct Meeting {
     Node node = NONE; ///< the first net where the bit meets another one
 };
 
-/// For each of several bits, given by the outputs of its synchronizer, whether logic combines it with another one before
-/// the next register.
+/// For each of several bits, given by the outputs of its synchronizer, whether logic combines it with another one
+/// before the next register.
 std::vector<Meeting> findMeetings(Unfolding &design, const std::vector<std::vector<Node>> &bits);
 
 } // namespace kvr::netlistdb::analysis

@@ -26,9 +26,9 @@ GrayCodes::Capture GrayCodes::captureOf(const PinPlace &bit)
     Capture capture{m_design.nodeAt(bit), NONE, true};
     const CellModel &model = m_design.model(bit);
     for (std::uint32_t pin = 0; pin < model.pins.size(); ++pin) {
-        const Node node =
-            model.pins[pin].isInput && model.pins[pin].role == PinRole::Enable ? m_design.nodeAt({bit.context, bit.cell, pin})
-                                                                              : NONE;
+        const Node node = model.pins[pin].isInput && model.pins[pin].role == PinRole::Enable
+                              ? m_design.nodeAt({bit.context, bit.cell, pin})
+                              : NONE;
         if (node != NONE && !isConstant(m_design, node)) {
             capture.when = driverOf(m_design, node).node;
         }

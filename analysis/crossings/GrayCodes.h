@@ -13,9 +13,9 @@ namespace kvr::netlistdb::analysis {
 /// Recognises registers that capture a word in Gray code, `x ^ (x >> 1)`.
 ///
 /// The logic in front of the registers is computed with random values, the same ones wherever the same net is read;
-/// cells of unknown function yield a value that depends on their inputs alone. In a Gray-coded word, the exclusive or of
-/// each bit with all higher ones is the bit of the binary word, which must be there, too: on some net of that logic, or
-/// in a binary counter that is part of it.
+/// cells of unknown function yield a value that depends on their inputs alone. In a Gray-coded word, the exclusive or
+/// of each bit with all higher ones is the bit of the binary word, which must be there, too: on some net of that logic,
+/// or in a binary counter that is part of it.
 class GrayCodes {
   public:
     GrayCodes(Unfolding &design, Registers &registers, CellFunctions &functions)
@@ -30,7 +30,7 @@ class GrayCodes {
     /// What a bit of a register captures and when.
     struct Capture {
         Node data;
-        Node when;      ///< clock enable, or the select of a multiplexer that holds the bit otherwise; NONE: always
+        Node when; ///< clock enable, or the select of a multiplexer that holds the bit otherwise; NONE: always
         bool whenHigh;
     };
 

@@ -9,8 +9,8 @@
 
 namespace kvr::netlistdb::analysis {
 
-/// A port of a memory that shows at once what others wrote, in a netlist that has the ports of a memory as cells of their
-/// own, which know the memory by its name.
+/// A port of a memory that shows at once what others wrote, in a netlist that has the ports of a memory as cells of
+/// their own, which know the memory by its name.
 struct MemoryRead {
     std::uint32_t cell;
     std::string memory;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "analysis/crossings/ClockSets.h"
 #include "analysis/DesignModel.h"
+#include "analysis/crossings/ClockSets.h"
 
 #include <cstdint>
 #include <vector>

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t MOST_STAGES = 16;
 
 /// Attributes that keep synthesis and placement from tearing flip-flops apart, in lower case.
-constexpr std::string_view KEEPING[] = {"async_reg",     "keep",     "dont_touch", "syn_keep", "syn_preserve",
+constexpr std::string_view KEEPING[] = {"async_reg",   "keep",     "dont_touch", "syn_keep",  "syn_preserve",
                                         "syn_noprune", "preserve", "noprune",    "dont_merge"};
 
 std::string lowerCase(const char *text)
@@ -143,8 +143,7 @@ FlipFlopChain Synchronizers::ofReset(const PinPlace &reset, std::uint32_t clock)
             }
             const std::uint32_t data = m_registers.dataOf(*driver.pin);
             const PinPlace before{driver.pin->context, driver.pin->cell, data};
-            isChain = data != NONE && isOn(before, clock) && hasReset(before, source) &&
-                      stages.size() < MOST_STAGES;
+            isChain = data != NONE && isOn(before, clock) && hasReset(before, source) && stages.size() < MOST_STAGES;
             if (isChain) {
                 stages.push_back(before);
             }

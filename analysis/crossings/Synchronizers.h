@@ -23,9 +23,9 @@ class Synchronizers {
     /// than the next. Fewer than two stages: no synchronizer.
     FlipFlopChain behind(const PinPlace &first, std::uint32_t clock);
 
-    /// The chain that a flip-flop with the asynchronous set or reset pin @p reset belongs to, which releases the reset in
-    /// step with @p clock: the first captures a constant, each further one its predecessor, all have the same reset. No
-    /// stages: the flip-flop, or one of its bits, belongs to none.
+    /// The chain that a flip-flop with the asynchronous set or reset pin @p reset belongs to, which releases the reset
+    /// in step with @p clock: the first captures a constant, each further one its predecessor, all have the same reset.
+    /// No stages: the flip-flop, or one of its bits, belongs to none.
     FlipFlopChain ofReset(const PinPlace &reset, std::uint32_t clock);
 
   private:

@@ -49,8 +49,9 @@ std::uint32_t Unfolding::contextOf(Node node) const
     if (m_contexts.size() == 1) {
         return TOP;
     }
-    const auto behind = std::upper_bound(m_contexts.begin(), m_contexts.end(), node,
-                                         [](Node wanted, const Occurrence &context) { return wanted < context.firstNode; });
+    const auto behind =
+        std::upper_bound(m_contexts.begin(), m_contexts.end(), node,
+                         [](Node wanted, const Occurrence &context) { return wanted < context.firstNode; });
     return static_cast<std::uint32_t>(behind - m_contexts.begin()) - 1;
 }
 

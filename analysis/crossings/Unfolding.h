@@ -102,10 +102,10 @@ class Unfolding {
     };
     /// What only modules need that are unfolded.
     struct ModuleDetails {
-        Lists<CellPin> loads;                          ///< by net: input pins of leaf cells and instances
-        Lists<std::uint32_t> outputs;                  ///< by net: ports that show it outside
-        std::vector<const Verific::Instance *> cells;  ///< filled when first asked for
-        std::vector<const Verific::Net *> nets;        ///< likewise
+        Lists<CellPin> loads;                         ///< by net: input pins of leaf cells and instances
+        Lists<std::uint32_t> outputs;                 ///< by net: ports that show it outside
+        std::vector<const Verific::Instance *> cells; ///< filled when first asked for
+        std::vector<const Verific::Net *> nets;       ///< likewise
         bool hasLoads = false;
     };
 

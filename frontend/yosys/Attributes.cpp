@@ -16,9 +16,8 @@ bool keepsRegisters(std::string_view key)
     static constexpr std::string_view KEYS[] = {"async_reg",    "keep",     "dont_touch", "dont_merge", "syn_keep",
                                                 "syn_preserve", "preserve", "noprune",    "syn_noprune"};
     return std::any_of(std::begin(KEYS), std::end(KEYS), [key](std::string_view each) {
-        return std::equal(key.begin(), key.end(), each.begin(), each.end(), [](char a, char b) {
-            return std::tolower(static_cast<unsigned char>(a)) == b;
-        });
+        return std::equal(key.begin(), key.end(), each.begin(), each.end(),
+                          [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
     });
 }
 

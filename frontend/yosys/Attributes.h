@@ -27,8 +27,8 @@ class AttributeReader {
     };
     Summary summarize(json::object &attributes);
 
-    /// What a net is known for under any of its names: where it comes from, and the attribute that keeps its register as
-    /// it was written (the first of several). The texts live until the next call.
+    /// What a net is known for under any of its names: where it comes from, and the attribute that keeps its register
+    /// as it was written (the first of several). The texts live until the next call.
     struct Origin {
         std::string_view src;
         std::string_view hdlName;

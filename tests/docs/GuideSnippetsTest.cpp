@@ -4,6 +4,7 @@
 #include "frontend/yosys/YosysReader.h"
 
 #include <netlistdb/analysis/ClockMap.h>
+#include <netlistdb/analysis/Crossings.h>
 
 #include <DataBase.h>
 
@@ -59,6 +60,22 @@ std::string allClocksOf(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE s
     for (const analysis::ClockChain &chain : map.why(inst, net).clocks) {
         for (const analysis::ChainStep &step : chain.data) {
             text += "    " + step.netName + " from " + step.cell + ' ' + step.output + '\n';
+        }
+    }
+    return text;
+}
+// [end]
+
+// [crossings]
+/// The crossings that are wrong, or that nothing shows to be right: one line for each.
+std::string unsafeCrossings(const analysis::ClockMap &map)
+{
+    std::string text;
+    const analysis::Crossings crossings(map);
+    for (const analysis::Crossing &crossing : crossings.all()) {
+        if (crossing.severity() == analysis::Severity::Unsafe) {
+            text += crossing.from.name + " to " + crossing.to.name + " on " + map.clocks()[crossing.capture].name +
+                    ": " + nameOf(crossing.kind) + '\n';
         }
     }
     return text;

@@ -16,7 +16,7 @@ namespace kvr::netlistdb::analysis {
 /// How a path gets from one clock to another, the most telling first: of several that hold for one path, the first
 /// decides. docs/crossings.md shows each with a picture.
 enum class CrossingClass : std::uint8_t {
-    SynchronizedReset,       ///< asynchronous set or reset, released through a chain of flip-flops that are kept together
+    SynchronizedReset, ///< asynchronous set or reset, released through a chain of flip-flops that are kept together
     SynchronizedResetUnkept, ///< the same without an attribute that keeps the chain together
     Memory,                  ///< a memory that one clock writes and another reads
     EnableControlled,        ///< the target's clock enable comes from a synchronizer between the same clocks
@@ -76,16 +76,16 @@ struct Crossing {
     CrossingEnd to;
     std::optional<ClockId> launch; ///< none: a port of the top or a black box, for asynchronous set and reset only
     ClockId capture;
-    std::uint32_t cells;        ///< number of cells on the shortest way from register to register
-    CrossingClass kind;         ///< the most telling class
-    std::uint32_t kinds;        ///< all classes that hold: bit 1 << CrossingClass
-    std::uint32_t stages;       ///< flip-flops of the synchronizer; 0: none
-    bool isKept;                ///< an attribute keeps them together
-    bool hasSeveralSources;     ///< more than one register (bit) of the launch clock reaches the target
-    bool hasLogic;              ///< more than buffers and inverters on the way
-    std::string control;        ///< full name of the synchronized net that opens the way; empty: none
-    std::string meets;          ///< full name of the net where it meets another synchronized bit; empty: none
-    SourcePlace place;          ///< of the target
+    std::uint32_t cells;    ///< number of cells on the shortest way from register to register
+    CrossingClass kind;     ///< the most telling class
+    std::uint32_t kinds;    ///< all classes that hold: bit 1 << CrossingClass
+    std::uint32_t stages;   ///< flip-flops of the synchronizer; 0: none
+    bool isKept;            ///< an attribute keeps them together
+    bool hasSeveralSources; ///< more than one register (bit) of the launch clock reaches the target
+    bool hasLogic;          ///< more than buffers and inverters on the way
+    std::string control;    ///< full name of the synchronized net that opens the way; empty: none
+    std::string meets;      ///< full name of the net where it meets another synchronized bit; empty: none
+    SourcePlace place;      ///< of the target
 
     Severity severity() const { return severityOf(kind); }
     bool holds(CrossingClass other) const { return (kinds >> static_cast<unsigned>(other) & 1U) != 0; }
@@ -107,15 +107,15 @@ struct ClockGroups {
 /// sets and resets count also when they come from a port of the top or a black box; other paths from there have no
 /// launch clock and are no crossings, and neither are clocks that are used as data, or logic in clock networks.
 ///
-/// Takes time in proportion to the distinct modules and the cones of logic between clocks; only instances that take part
-/// in a crossing are unfolded. Never changes once it has been made; holds no reference to the map.
+/// Takes time in proportion to the distinct modules and the cones of logic between clocks; only instances that take
+/// part in a crossing are unfolded. Never changes once it has been made; holds no reference to the map.
 class NETLISTDB_EXPORT Crossings {
   public:
     /// @throws std::logic_error when the source of @p map has been reset or imported anew.
     explicit Crossings(const ClockMap &map, const std::vector<ClockGroups> &groups = {});
 
-    /// Sorted by the names of launch clock (none first) and capture clock, then by target, the bits of a vector by index;
-    /// the same on every run.
+    /// Sorted by the names of launch clock (none first) and capture clock, then by target, the bits of a vector by
+    /// index; the same on every run.
     const std::vector<Crossing> &all() const & { return m_all; }
     std::vector<Crossing> all() && { return std::move(m_all); }
 

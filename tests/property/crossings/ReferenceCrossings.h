@@ -13,8 +13,8 @@ namespace crossings_property_test {
 using clockmap_test::RandomDesign;
 using clockmap_test::ReferenceMap;
 
-/// The register-to-register paths between clocks, found the plain way: the hierarchy is unfolded, and the fan-in of every
-/// register pin is walked by itself.
+/// The register-to-register paths between clocks, found the plain way: the hierarchy is unfolded, and the fan-in of
+/// every register pin is walked by itself.
 class ReferenceCrossings {
   public:
     /// @p clocks: of the same design.
@@ -41,7 +41,8 @@ class ReferenceCrossings {
         unsigned cells;
     };
 
-    void unfold(const Verific::Netlist *netlist, const std::string &path, const std::vector<std::string> &ports, bool isTop);
+    void unfold(const Verific::Netlist *netlist, const std::string &path, const std::vector<std::string> &ports,
+                bool isTop);
     void addLeaf(const Verific::Instance *instance, const std::string &path);
     void addLatch(const clockmap_test::CellFacts &facts, const std::string &cell,
                   const std::map<std::string, std::string> &on);

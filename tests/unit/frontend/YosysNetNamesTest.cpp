@@ -119,7 +119,7 @@ TEST_F(YosysNetNames, OfPartlyTakenVectorsStayOnBitNetsUnderTheirIndex)
                    net("b", "3")),
               "net data[8] at t.v:5 {keep=1}\n"
               "net data[10] at t.v:5 {keep=1}\n"
-              "net b at t.v:5\n");
+              "net b at t.v:5 {keep=1}\n");
 }
 
 TEST_F(YosysNetNames, OfVectorsWithConstantBitsMakeNoBus)

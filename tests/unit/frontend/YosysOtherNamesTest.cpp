@@ -46,7 +46,7 @@ TEST_F(YosysOtherNames, OfANetAreAllKept)
     const Verific::Netlist *top =
         read(net("b", "2", R"("src": "t.v:1")") + "," + net("longer", "2", R"("src": "t.v:2", "keep": 1)") + "," +
              net("$auto$1", "2", R"("src": "t.v:3")", "1"));
-    EXPECT_EQ(linesOf(top, "net"), "net b at t.v:1\n");
+    EXPECT_EQ(linesOf(top, "net"), "net b at t.v:1 {keep=1}\n");
     EXPECT_EQ(linesOf(top, "also"), "also d longer   t.v:2  =b\n"
                                     "also h $auto$1   t.v:3  =b\n");
 }

@@ -26,9 +26,9 @@ std::optional<Severity> severityCalled(const std::string &name)
 }
 
 /// Adds an option whose values @p take accepts, one after the other; false: unknown.
-template <typename Target, typename Take>
-void addList(CLI::App &app, const std::string &flag, Target &target, const std::string &help, const char *what,
-             bool hasClasses, Take take)
+template <typename Target, typename Take> void addList(CLI::App &app, const std::string &flag, Target &target,
+                                                       const std::string &help, const char *what, bool hasClasses,
+                                                       Take take)
 {
     const auto read = [flag, &target, what, hasClasses, take](const std::string &list) {
         target.clear();
@@ -40,11 +40,11 @@ void addList(CLI::App &app, const std::string &flag, Target &target, const std::
             for (std::size_t kind = 0; kind < (hasClasses ? analysis::CROSSING_CLASSES : 0); ++kind) {
                 nearest.offer(nameOf(static_cast<CrossingClass>(kind)));
             }
-            throw CLI::ValidationError(fmt::format("{}: '{}' is no {}{}", flag, name, what, didYouMean(nearest.best())));
+            throw CLI::ValidationError(
+                fmt::format("{}: '{}' is no {}{}", flag, name, what, didYouMean(nearest.best())));
         }
     };
-    app.add_option_function<std::string>(flag, read, help)
-        ->type_name(hasClasses ? "CLASSES" : "safe,warning,unsafe");
+    app.add_option_function<std::string>(flag, read, help)->type_name(hasClasses ? "CLASSES" : "safe,warning,unsafe");
 }
 
 } // namespace

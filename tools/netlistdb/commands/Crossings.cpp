@@ -30,7 +30,8 @@ class CrossingsCommand : public DesignCommand {
     const char *summary() const override { return "Show the paths between clocks, told apart by how they cross"; }
     const char *more() const override
     {
-        return "Shows the most telling class of each path from registers of one clock to a register of another, bits of\n"
+        return "Shows the most telling class of each path from registers of one clock to a register of another, bits "
+               "of\n"
                "one vector together, and counts them for each pair of clocks. docs/crossings.md draws the classes.\n"
                "CLOCK is a name of a clock, or a wildcard for it: '*' and '?' within a level, '**' across levels;\n"
                "'(none)' stands for a port or black box that sets or resets a register. FILE holds lines\n"
@@ -52,7 +53,8 @@ class CrossingsCommand : public DesignCommand {
         addSeverities(app, "--severity", m_severities, "Show these severities only");
         app.add_option("--waivers", m_waivers, "Read clock groups and waivers from FILE")->type_name("FILE");
         app.add_flag("--waived", m_waived, "Show crossings that are waived, too");
-        app.add_flag("--all-classes", m_allClasses, "Show every class that a crossing has, not only the most telling one");
+        app.add_flag("--all-classes", m_allClasses,
+                     "Show every class that a crossing has, not only the most telling one");
         app.add_flag("--bits", m_bits, "Show each bit of a vector by itself");
         addFailures(app, "--fail-on", m_failures, "Exit code 1 when a crossing of such a class, or so bad, is shown");
         DesignCommand::addOptions(app, common);
@@ -207,16 +209,30 @@ class CrossingsCommand : public DesignCommand {
         const std::string note = noteOf(row);
         const bool hasPlace = !crossing.place.file.empty();
         const bool showsLaunch = crossing.launch.has_value() || writer.isTable();
-        writer.row({std::string_view(nameOf(severityOf(row.kind))), std::string_view(nameOf(row.kind)),
+        writer.row({std::string_view(nameOf(severityOf(row.kind))),
+                    std::string_view(nameOf(row.kind)),
                     showsLaunch ? Value(std::string_view(launch)) : Value(),
-                    std::string_view(clocks.clocks()[crossing.capture].name), std::string_view(from),
-                    std::string_view(to), std::string_view(pin), row.bits, std::uint64_t(row.cells),
-                    std::string_view(source), std::string_view(note), std::uint64_t(row.stages), crossing.isKept,
-                    crossing.hasLogic, crossing.hasSeveralSources, optional(crossing.control), optional(crossing.meets),
-                    optional(crossing.from.cell), optional(crossing.from.cellType), std::string_view(crossing.to.cell),
+                    std::string_view(clocks.clocks()[crossing.capture].name),
+                    std::string_view(from),
+                    std::string_view(to),
+                    std::string_view(pin),
+                    row.bits,
+                    std::uint64_t(row.cells),
+                    std::string_view(source),
+                    std::string_view(note),
+                    std::uint64_t(row.stages),
+                    crossing.isKept,
+                    crossing.hasLogic,
+                    crossing.hasSeveralSources,
+                    optional(crossing.control),
+                    optional(crossing.meets),
+                    optional(crossing.from.cell),
+                    optional(crossing.from.cellType),
+                    std::string_view(crossing.to.cell),
                     std::string_view(crossing.to.cellType),
                     row.waiver != nullptr ? Value(std::string_view(row.waiver->reason())) : Value(),
-                    optional(crossing.place.file), hasPlace ? Value(std::uint64_t(crossing.place.line)) : Value()});
+                    optional(crossing.place.file),
+                    hasPlace ? Value(std::uint64_t(crossing.place.line)) : Value()});
     }
 
     /// What a person wants to know beside the class.
@@ -262,12 +278,9 @@ class CrossingsCommand : public DesignCommand {
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "crossings";
-        head.columns = {{"launch", "LAUNCH", Look::Name},
-                        {"capture", "CAPTURE", Look::Name},
-                        {"safe", "SAFE", Look::Plain, true},
-                        {"warning", "WARNING", Look::Plain, true},
-                        {"unsafe", "UNSAFE", Look::Plain, true},
-                        {"waived", "WAIVED", Look::Plain, true}};
+        head.columns = {{"launch", "LAUNCH", Look::Name},        {"capture", "CAPTURE", Look::Name},
+                        {"safe", "SAFE", Look::Plain, true},     {"warning", "WARNING", Look::Plain, true},
+                        {"unsafe", "UNSAFE", Look::Plain, true}, {"waived", "WAIVED", Look::Plain, true}};
         writer->begin(head);
         for (const Json &line : summary) {
             const std::string launch = line["launch"].is_null() ? "(none)" : line["launch"].get<std::string>();

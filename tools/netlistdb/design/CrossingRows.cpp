@@ -50,8 +50,7 @@ void CrossingRows::add(const analysis::Crossing &crossing, analysis::CrossingCla
         fmt::to_string(crossing.isKept),
         waiver != nullptr ? fmt::to_string(waiver->line()) : std::string(),
     };
-    const auto [place, isNew] =
-        m_byBit ? std::pair(m_places.end(), true) : m_places.try_emplace(key, m_rows.size());
+    const auto [place, isNew] = m_byBit ? std::pair(m_places.end(), true) : m_places.try_emplace(key, m_rows.size());
     if (isNew) {
         m_rows.push_back({&crossing, kind, waiver, {}, {}, 0, crossing.cells, crossing.stages});
     }

@@ -209,8 +209,8 @@ std::vector<std::string> CrossingRules::unused() const
     std::vector<std::string> lines = m_unknownClocks;
     for (std::size_t waiver = 0; waiver < m_waivers.size(); ++waiver) {
         if (!m_isUsed[waiver]) {
-            lines.push_back(
-                fmt::format("{}: no crossing matches 'waive {}'", at(m_waivers[waiver].line()), m_waivers[waiver].text()));
+            lines.push_back(fmt::format("{}: no crossing matches 'waive {}'", at(m_waivers[waiver].line()),
+                                        m_waivers[waiver].text()));
         }
     }
     return lines;

@@ -34,9 +34,8 @@ TEST_F(ClockGroupsTest, ClocksOfOneAsynchronousGroupAreRelatedAndOfTwoAreNot)
 
 TEST_F(ClockGroupsTest, ALaterStatementOverridesAnEarlierOne)
 {
-    const std::vector<ClockGroups> groups{
-        {ClockGroups::Kind::Asynchronous, {{clock("clk_a")}, {clock("half")}}},
-        {ClockGroups::Kind::Asynchronous, {{clock("clk_a"), clock("half")}}}};
+    const std::vector<ClockGroups> groups{{ClockGroups::Kind::Asynchronous, {{clock("clk_a")}, {clock("half")}}},
+                                          {ClockGroups::Kind::Asynchronous, {{clock("clk_a"), clock("half")}}}};
     EXPECT_EQ(lines(groups)[1], "clk_a>half x>q.D related-clocks");
 }
 

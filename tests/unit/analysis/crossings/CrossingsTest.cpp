@@ -167,7 +167,8 @@ TEST_F(CrossingsTest, SeveralBitsOfOneRegisterAreABus)
         b0: $_DFF_P_(C=clk_b, D="x[0]", Q=q[0])
         b1: $_DFF_P_(C=clk_b, D="x[1]", Q=q[1])
     end)");
-    EXPECT_EQ(lines(), (Lines{"clk_a>clk_b x[0]>q[0].D unsynchronized-bus", "clk_a>clk_b x[1]>q[1].D unsynchronized-bus"}));
+    EXPECT_EQ(lines(),
+              (Lines{"clk_a>clk_b x[0]>q[0].D unsynchronized-bus", "clk_a>clk_b x[1]>q[1].D unsynchronized-bus"}));
     EXPECT_EQ(crossingTo("q[1]").to.bus, "q");
     EXPECT_EQ(crossingTo("q[1]").to.bit, 1);
 }

@@ -72,6 +72,23 @@ TEST_F(HierarchyTest, AClockMadeInsideAnInstanceIsAClockOfItsOwn)
     EXPECT_EQ(lines(), Lines{"u_1/half>u_2/half u_1/q>u_2/q.D related-clocks"});
 }
 
+TEST_F(HierarchyTest, ALatchOnAClockThatClocksNothingInThatInstanceIsNoTarget)
+{
+    elaborated(std::string(MODULES) + R"(
+    module maker(in clk, d, out c, q)
+        n: $_NOT_(A=c, Y=not_c)
+        h: $_DFF_P_(C=clk, D=not_c, Q=c)
+        l: $_DLATCH_P_(E=c, D=d, Q=q)
+    end
+    module top(in clk_a, clk_b, d, out p, q, r)
+        u_a: source(clk=clk_a, d=d, q=x)
+        u_1: maker(clk=clk_b, d=x, c=made, q=p)
+        u_2: maker(clk=clk_b, d=x, q=q)
+        b: $_DFF_P_(C=made, D=d, Q=r)
+    end)");
+    EXPECT_EQ(lines(), Lines{"clk_a>u_1/c u_a/q>u_1/q.D no-flip-flop"});
+}
+
 TEST_F(HierarchyTest, APortThatLeadsTheFirstStageOutIsAnotherUse)
 {
     elaborated(std::string(MODULES) + R"(

@@ -39,7 +39,8 @@ TEST_F(SynchronizersTest, WithoutAttributeOnBothFlipFlopsNothingKeepsThem)
         SCOPED_TRACE(attributes);
         elaborated(std::string(R"(module top(in clk_a, clk_b, d, out q)
             net q @keep=0
-            net first )") + attributes + R"(
+            net first )") +
+                   attributes + R"(
             a: $_DFF_P_(C=clk_a, D=d, Q=x)
             b1: $_DFF_P_(C=clk_b, D=x, Q=first)
             b2: $_DFF_P_(C=clk_b, D=first, Q=q)
@@ -58,7 +59,8 @@ TEST_F(SynchronizersTest, TheFirstFlipFlopFeedsNothingElse)
             a: $_DFF_P_(C=clk_a, D=d, Q=x)
             b1: $_DFF_P_(C=clk_b, D=x, Q=first)
             b2: $_DFF_P_(C=clk_b, D=first, Q=q)
-            )") + other + " end");
+            )") + other +
+                   " end");
         EXPECT_EQ(lines(), Lines{"clk_a>clk_b x>first.D unsynchronized-bit"});
         database.reset(source);
     }
