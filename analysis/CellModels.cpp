@@ -137,8 +137,7 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
         m_key.append(1, '\0').append(parameterOf(first != nullptr ? *first : instance, parameter.c_str()));
     }
     if (first != nullptr) {
-        const Verific::Netlist *const firstView = first->View();
-        m_key.append(1, '\0').append(reinterpret_cast<const char *>(&firstView), sizeof firstView);
+        m_key.append(1, '\0').append(std::to_string(reinterpret_cast<std::uintptr_t>(first->View())));
     }
     if (known.shifts) {
         shift = constantShift(instance);

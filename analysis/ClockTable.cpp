@@ -160,7 +160,7 @@ std::size_t ClockTable::memory() const
     for (const Clock &clock : m_clocks) {
         bytes += clock.name.capacity() + clock.parents.capacity() * sizeof(ClockId);
         for (const std::string &name : clock.names) {
-            bytes += sizeof(name) + name.capacity();
+            bytes += sizeof(std::string) + name.capacity();
         }
     }
     return bytes;

@@ -58,7 +58,7 @@ Hierarchy::Hierarchy(const DesignDatabase &database, IDesignDatabase::SOURCE_TYP
 
 std::size_t Hierarchy::memory() const
 {
-    std::size_t bytes = sizeof(*this) + models.memory() + items.capacity() * sizeof(IVDBNet *);
+    std::size_t bytes = sizeof(*this) + models.memory() + items.capacity() * sizeof(void *);
     for (const ModuleGraph &module : modules) {
         bytes += module.memory();
     }

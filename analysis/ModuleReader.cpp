@@ -57,7 +57,7 @@ void ModuleReader::readNets(const Verific::Netlist &netlist)
     FOREACH_NET_OF_NETLIST (&netlist, nets, net) {
         m_nets.push_back(net);
     }
-    m_netIndex.reset(m_nets.size());
+    m_netIndex.reset(m_nets.size(), true);
     m_graph.m_nets = static_cast<std::uint32_t>(m_nets.size());
     m_graph.firstNet = static_cast<std::uint32_t>(m_items.size());
     m_items.reserve(m_items.size() + m_nets.size());

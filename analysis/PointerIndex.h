@@ -10,15 +10,16 @@ namespace kvr::netlistdb::analysis {
 
 /// From the address of each of a list of objects to its place in the list.
 ///
-/// Open addressing, four bytes a place. Objects of one 4 KiB page stand close together in the table: neighbours in
-/// memory are mostly asked for one after the other.
+/// Open addressing, four bytes a place. Objects that lie within one KiB stand in one cache line of the table where they
+/// can: neighbours in memory are mostly asked for one after the other.
 class PointerIndex {
   public:
-    /// Makes room for @p count objects. Everything that was added before is forgotten.
-    void reset(std::size_t count)
+    /// Makes room for @p count objects, with at least half as many places more; with @p spacious more than that, for a
+    /// table that is asked often and not kept. Everything that was added before is forgotten.
+    void reset(std::size_t count, bool spacious = false)
     {
         std::size_t places = 16;
-        while (places < count + count / 2) {
+        while (places < count * (spacious ? 2 : 1) + count / 2) {
             places *= 2;
         }
         m_places.assign(places, NONE);
@@ -56,8 +57,8 @@ class PointerIndex {
     std::size_t start(const void *object) const
     {
         const auto address = reinterpret_cast<std::uintptr_t>(object);
-        const std::uint64_t page = (address >> 12) * 0x9E3779B97F4A7C15U;
-        return static_cast<std::size_t>((page >> 20) + ((address & 4095) >> 6)) & (m_places.size() - 1);
+        const std::uint64_t neighbourhood = (address >> 10) * 0x9E3779B97F4A7C15U;
+        return static_cast<std::size_t>(neighbourhood >> 28 << 4 | (address >> 6 & 15)) & (m_places.size() - 1);
     }
 
     std::vector<std::uint32_t> m_places;
