@@ -329,6 +329,15 @@ TEST_F(Guide, AsksForEveryClock)
               "clk_sys_i over 0 cells\n    ");
 }
 
+TEST_F(Guide, ListsUnsafeCrossings)
+{
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    const std::string text = unsafeCrossings(analysis::ClockMap(database, IDesignDatabase::SOURCE_ELABORATED));
+    EXPECT_NE(text.find("host_cs_ni to u_mailbox/u_host/bit_q"), std::string::npos) << text;
+    EXPECT_NE(text.find("on host_sclk_i: unsynchronized-reset"), std::string::npos) << text;
+}
+
 TEST_F(Guide, ResetsAndReloads)
 {
     const std::string path = saved("elaborated");

@@ -135,7 +135,8 @@ class Flows(unittest.TestCase):
         for path in sorted(FLOWS.glob("*_*.json")):
             module = path.stem.rsplit("_", 1)[0]
             with self.subTest(path.stem):
-                names = [clock["clock"] for clock in results("clocks", path)]
+                # An unused side of a memory has a clock pin that is tied to a constant.
+                names = [clock["clock"] for clock in results("clocks", path) if clock["root"] != "constant"]
                 if module in CLOCKS:
                     self.assertEqual(sorted(names), sorted(CLOCKS[module]))
                     continue
@@ -149,7 +150,7 @@ class Flows(unittest.TestCase):
         for path in sorted([*FLOWS.glob("*_*.json"), *(NAMES / "netlists").glob("*.json")]):
             with self.subTest(path.stem):
                 netlist = Netlist(path)
-                for clock in results("clocks", path):
+                for clock in [clock for clock in results("clocks", path) if clock["root"] != "constant"]:
                     names = [clock["clock"], *clock["aliases"]]
                     self.assertEqual(len(names), len(set(names)))
                     bits = {netlist.root(netlist.bit(name)) for name in names if netlist.bit(name) is not None}
