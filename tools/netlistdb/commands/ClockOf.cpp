@@ -184,6 +184,7 @@ class ClockOfCommand : public DesignCommand {
                                             const analysis::ClockMap &clocks)
     {
         std::vector<std::string> names;
+        names.reserve(reaching.size());
         for (const analysis::ReachingClock &each : reaching) {
             names.push_back(clocks.clocks()[each.clock].name);
         }

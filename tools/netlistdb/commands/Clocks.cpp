@@ -92,9 +92,11 @@ class ClocksCommand : public DesignCommand {
     {
         std::vector<std::string> aliases = clock.names;
         if (clock.instance != nullptr && clock.net != nullptr) {
-            const std::string path = clock.instance->getPath();
+            std::string prefix = clock.instance->getPath();
+            prefix += prefix.empty() ? "" : "/";
             for (const std::string &alias : design.names(*clock.instance->getModule()).aliasesOf(*clock.net)) {
-                std::string name = path.empty() ? alias : path + "/" + alias;
+                std::string name = prefix;
+                name += alias;
                 if (std::find(aliases.begin(), aliases.end(), name) == aliases.end()) {
                     aliases.push_back(std::move(name));
                 }

@@ -22,7 +22,6 @@ namespace {
 
 using analysis::Crossing;
 using analysis::CrossingClass;
-using analysis::Severity;
 
 class CrossingsCommand : public DesignCommand {
   public:

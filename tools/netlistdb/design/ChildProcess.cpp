@@ -2,6 +2,7 @@
 
 #include "base/Interrupt.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -127,15 +128,26 @@ ChildResult runChild(const std::vector<std::string> &words, std::size_t more, In
     std::vector<Pipe> pipes(1 + more);
     result.outputs.resize(pipes.size());
     pid_t child = 0;
-    result.startError = start(child, words, pipes);
-    if (result.startError != 0) {
-        return result;
-    }
-    for (Pipe &pipe : pipes) {
-        pipe.closeWrite();
-    }
     {
-        const Interrupt::Action endChild(interrupt, [child] { kill(-child, SIGKILL); });
+        // Stands before the child does: what comes while it is started must end it, too.
+        std::atomic<pid_t> group{0};
+        const auto end = [&group] {
+            if (group != 0) {
+                kill(-group, SIGKILL);
+            }
+        };
+        const Interrupt::Action endChild(interrupt, end);
+        result.startError = start(child, words, pipes);
+        if (result.startError != 0) {
+            return result;
+        }
+        group = child;
+        if (interrupt.requested()) {
+            end();
+        }
+        for (Pipe &pipe : pipes) {
+            pipe.closeWrite();
+        }
         readAll(pipes, result.outputs);
         siginfo_t info;
         // Leaves the child's number taken until nobody can signal it any more.
