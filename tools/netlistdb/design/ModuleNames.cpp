@@ -380,6 +380,7 @@ std::vector<std::string> ModuleNames::aliasesOf(const std::vector<const IVDBNet 
         }
     }
     std::vector<std::uint32_t> order;
+    order.reserve(positions.size());
     for (const auto &each : positions) {
         order.push_back(each.first);
     }
