@@ -85,6 +85,11 @@ bool Cones::isLaunched(const PinPlace &pin) const
             return true;
         }
     }
+    for (const ModuleGraph::WrittenBy &write : m_design.graphOf(pin.context).writesOf(pin.cell)) {
+        if (m_design.clockOf(m_design.node(pin.context, write.clockNet)) == m_launch) {
+            return true;
+        }
+    }
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include "analysis/crossings/CrossingEnds.h"
 
+#include "analysis/ModelBuilder.h"
 #include "analysis/SourcePlaces.h"
 
 #include <DataBase.h>
@@ -76,12 +77,21 @@ CrossingEnd CrossingEnds::cellEnd(const PinPlace &pin)
     return end;
 }
 
+/// A port of a memory that is a cell of its own goes by the name of the memory.
+std::string CrossingEnds::memoryName(const PinPlace &pin, const std::string &cell)
+{
+    std::string_view name = parameterOf(m_design.instanceAt(pin.context, pin.cell), "MEMID");
+    name.remove_prefix(startsWith(name, "\\") ? 1 : 0);
+    return m_design.graphOf(pin.context).writesOf(pin.cell).empty() ? cell
+                                                                    : below(pathOf(pin.context), std::string(name));
+}
+
 CrossingEnd CrossingEnds::source(const PinPlace &pin, Node node)
 {
     CrossingEnd end = cellEnd(pin);
     const CellModel &model = m_design.model(pin);
     if (model.kind == CellKind::Memory) {
-        end.name = end.cell;
+        end.name = memoryName(pin, end.cell);
         end.net = m_design.itemOf(node);
     } else {
         nameAfter(end, node);
@@ -118,13 +128,6 @@ CrossingEnd CrossingEnds::target(const PinPlace &pin)
         end.bus.clear();
         end.bit = 0;
     }
-    return end;
-}
-
-CrossingEnd CrossingEnds::memory(const PinPlace &pin, const std::string &name)
-{
-    CrossingEnd end = cellEnd(pin);
-    end.name = below(pathOf(pin.context), name);
     return end;
 }
 

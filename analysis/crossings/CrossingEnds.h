@@ -21,14 +21,13 @@ class CrossingEnds {
     CrossingEnd port(std::uint32_t port, Node node);
     /// What captures at input @p pin.
     CrossingEnd target(const PinPlace &pin);
-    /// The memory @p name, which is read at output @p pin.
-    CrossingEnd memory(const PinPlace &pin, const std::string &name);
     /// Where the register of @p pin is declared, or otherwise its cell.
     SourcePlace placeOf(const PinPlace &pin, const IVDBNet *shown);
     std::string nameOf(Node node);
 
   private:
     CrossingEnd cellEnd(const PinPlace &pin);
+    std::string memoryName(const PinPlace &pin, const std::string &cell);
     void nameAfter(CrossingEnd &end, Node node);
     const std::string &pathOf(std::uint32_t context);
 

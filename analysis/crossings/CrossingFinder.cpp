@@ -1,18 +1,15 @@
 #include "analysis/crossings/CrossingFinder.h"
 
 #include "analysis/ClockTable.h"
-#include "analysis/crossings/ForwardCones.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 namespace kvr::netlistdb::analysis {
 
 CrossingFinder::CrossingFinder(const DesignModel &design, const ClockTable &table, ClockRelations relations)
-    : m_model(design), m_reads(findMemoryReads(design)), m_table(table), m_relations(std::move(relations)),
-      m_design(design), m_registers(m_design), m_functions(m_design), m_synchronizers(m_design, m_registers),
-      m_ends(m_design, m_registers)
+    : m_model(design), m_table(table), m_relations(std::move(relations)), m_design(design), m_registers(m_design),
+      m_functions(m_design), m_synchronizers(m_design, m_registers), m_ends(m_design, m_registers)
 {
 }
 
@@ -28,7 +25,7 @@ std::vector<Crossing> CrossingFinder::find()
 
 void CrossingFinder::unfold()
 {
-    const CrossingPins pins(m_model, m_reads);
+    const CrossingPins pins(m_model);
     std::vector<std::pair<std::uint32_t, std::uint32_t>> pending{{Unfolding::TOP, CrossingPins::TOP}};
     while (!pending.empty()) {
         const auto [context, number] = pending.back();
@@ -37,7 +34,6 @@ void CrossingFinder::unfold()
         for (const PinOfCell &pin : use.pins) {
             if (pin.pin == NONE) {
                 addMemory(context, pin.cell);
-                addMemoryReads(context, pin.cell);
             } else {
                 addPin(context, pin);
             }
@@ -98,63 +94,6 @@ void CrossingFinder::addMemory(std::uint32_t context, std::uint32_t cell)
         path.to = path.from;
         path.is(CrossingClass::Memory);
         m_found.push_back(report(clocks.write, path));
-    }
-}
-
-void CrossingFinder::addMemoryReads(std::uint32_t context, std::uint32_t cell)
-{
-    const auto reads = m_reads.find(m_design.moduleOf(context));
-    if (reads == m_reads.end()) {
-        return;
-    }
-    for (const MemoryRead &read : reads->second) {
-        if (read.cell != cell) {
-            continue;
-        }
-        std::set<std::uint32_t> writes;
-        for (const CellPin &pin : read.clocks) {
-            writes.insert(m_design.clockAt({context, pin.cell, pin.pin}));
-        }
-        writes.erase(NONE);
-        std::set<std::uint32_t> captures;
-        const CellModel &model = m_design.model(context, cell);
-        for (std::uint32_t pin = 0; pin < model.pins.size(); ++pin) {
-            const Node node = model.pins[pin].isOutput ? m_design.nodeAt({context, cell, pin}) : NONE;
-            if (node != NONE) {
-                const std::vector<std::uint32_t> &clocks = m_design.sets().clocks(m_design.captureOf(node));
-                captures.insert(clocks.begin(), clocks.end());
-            }
-        }
-        for (const std::uint32_t write : writes) {
-            for (const std::uint32_t capture : captures) {
-                if (!isExcluded(write, capture)) {
-                    addMemoryRead(context, read, write, capture);
-                }
-            }
-        }
-    }
-}
-
-void CrossingFinder::addMemoryRead(std::uint32_t context, const MemoryRead &read, std::uint32_t write,
-                                   std::uint32_t capture)
-{
-    std::vector<PinPlace> outputs;
-    const CellModel &model = m_design.model(context, read.cell);
-    for (std::uint32_t pin = 0; pin < model.pins.size(); ++pin) {
-        if (model.pins[pin].isOutput && m_design.nodeAt({context, read.cell, pin}) != NONE) {
-            outputs.push_back({context, read.cell, pin});
-        }
-    }
-    for (const ReachedPin &reached : reachedPins(m_design, outputs, capture)) {
-        CrossingPath path{};
-        path.pin = reached.pin;
-        path.capture = capture;
-        path.source = outputs[reached.start];
-        path.reach.cells = reached.cells;
-        path.from = m_ends.memory(path.source, read.memory);
-        path.to = m_ends.target(path.pin);
-        path.is(CrossingClass::Memory);
-        m_found.push_back(report(write, path));
     }
 }
 

@@ -55,8 +55,6 @@ class CrossingFinder {
     void unfold();
     void addPin(std::uint32_t context, const PinOfCell &pin);
     void addMemory(std::uint32_t context, std::uint32_t cell);
-    void addMemoryReads(std::uint32_t context, std::uint32_t cell);
-    void addMemoryRead(std::uint32_t context, const MemoryRead &read, std::uint32_t write, std::uint32_t capture);
     bool isExcluded(std::uint32_t launch, std::uint32_t capture) const;
 
     void follow(std::uint32_t launch, std::vector<CrossingPath> &paths);
@@ -74,7 +72,6 @@ class CrossingFinder {
     Crossing report(std::uint32_t launch, CrossingPath &path);
 
     const DesignModel &m_model;
-    const std::map<std::uint32_t, std::vector<MemoryRead>> m_reads; ///< by module
     const ClockTable &m_table;
     ClockRelations m_relations;
     Unfolding m_design;

@@ -181,8 +181,7 @@ std::vector<MemoryClocks> memoryClocks(const BoundModules &modules, std::uint32_
     return pairs;
 }
 
-CrossingPins::CrossingPins(const DesignModel &design, const std::map<std::uint32_t, std::vector<MemoryRead>> &reads)
-    : m_reads(reads), m_modules(design, m_sets)
+CrossingPins::CrossingPins(const DesignModel &design) : m_modules(design, m_sets)
 {
     useOf(design.hierarchy.top(), m_modules.top());
     for (std::uint32_t use = 0; use < m_uses.size(); ++use) {
@@ -248,12 +247,6 @@ void CrossingPins::findPins(std::uint32_t use)
     const std::uint32_t module = m_uses[use].module;
     const PortBinding binding = m_bindings[use];
     PinTest(m_modules, module, binding).find(m_uses[use].pins);
-    const auto reads = m_reads.find(module);
-    if (reads != m_reads.end()) {
-        for (const MemoryRead &read : reads->second) {
-            m_uses[use].pins.push_back({read.cell, NONE});
-        }
-    }
     std::vector<std::uint32_t> subs;
     const std::size_t count = m_modules.design().hierarchy.modules[module].subs.size();
     for (std::uint32_t sub = 0; sub < count; ++sub) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "analysis/crossings/MemoryReads.h"
 #include "analysis/crossings/PortBinding.h"
 
 #include <cstdint>
@@ -42,8 +41,7 @@ std::vector<MemoryClocks> memoryClocks(const BoundModules &modules, std::uint32_
 /// Finds the pins at which crossings end, each module once for each way in which its ports are bound.
 class CrossingPins {
   public:
-    /// Cells in @p reads may show crossings wherever they are used: what their outputs feed is not looked at here.
-    CrossingPins(const DesignModel &design, const std::map<std::uint32_t, std::vector<MemoryRead>> &reads);
+    explicit CrossingPins(const DesignModel &design);
 
     /// One way in which a module is used.
     struct Use {
@@ -61,7 +59,6 @@ class CrossingPins {
     PortBinding renumber(const PortBinding &binding);
     void findPins(std::uint32_t use);
 
-    const std::map<std::uint32_t, std::vector<MemoryRead>> &m_reads;
     ClockSets m_sets;
     BoundModules m_modules;
     std::vector<Use> m_uses;

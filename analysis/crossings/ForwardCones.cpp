@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <set>
 #include <unordered_map>
 
 namespace kvr::netlistdb::analysis {
@@ -60,56 +59,6 @@ bool reachesAnother(Unfolding &design, const std::vector<Node> &start, std::uint
                 });
             },
             reach, [](std::uint32_t) {});
-    }
-    return found;
-}
-
-std::vector<ReachedPin> reachedPins(Unfolding &design, const std::vector<PinPlace> &starts, std::uint32_t clock)
-{
-    struct Step {
-        Node node;
-        std::size_t start;
-        std::uint32_t cells;
-    };
-    std::vector<ReachedPin> found;
-    std::set<PinPlace> known;
-    std::deque<Step> pending;
-    std::unordered_set<Node> seen;
-    // Wires before cells: the first visit of a net is the nearest.
-    const auto reach = [&](const Step &step, bool isWire) {
-        if (step.node == NONE || !design.sets().contains(design.captureOf(step.node), clock) ||
-            seen.count(step.node) != 0) {
-            return;
-        }
-        if (isWire) {
-            pending.push_front(step);
-        } else {
-            pending.push_back(step);
-        }
-    };
-    for (std::size_t start = 0; start < starts.size(); ++start) {
-        reach({design.nodeAt(starts[start]), start, 0}, false);
-    }
-    while (!pending.empty()) {
-        const Step step = pending.front();
-        pending.pop_front();
-        if (!seen.insert(step.node).second) {
-            continue;
-        }
-        design.forEachLoad(
-            step.node,
-            [&](const PinPlace &load) {
-                if (isCaptured(design, load, clock) && known.insert(load).second) {
-                    found.push_back({load, step.start, step.cells});
-                }
-                forEachReached(design.model(load), load.pin, [&](std::uint32_t output) {
-                    reach({design.nodeAt({load.context, load.cell, output}), step.start, step.cells + 1}, false);
-                });
-            },
-            [&](Node next) {
-                reach({next, step.start, step.cells}, true);
-            },
-            [](std::uint32_t) {});
     }
     return found;
 }

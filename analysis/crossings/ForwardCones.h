@@ -13,16 +13,6 @@ namespace kvr::netlistdb::analysis {
 /// registers of that clock.
 bool reachesAnother(Unfolding &design, const std::vector<Node> &start, std::uint32_t clock, const PinPlace &pin);
 
-/// A register pin that a walk reaches.
-struct ReachedPin {
-    PinPlace pin;
-    std::size_t start;   ///< place of the nearest start
-    std::uint32_t cells; ///< between that and the pin
-};
-
-/// The pins of registers of @p clock that the outputs @p starts reach, the nearest first.
-std::vector<ReachedPin> reachedPins(Unfolding &design, const std::vector<PinPlace> &starts, std::uint32_t clock);
-
 /// Where bits that were synchronized each by itself come together again.
 struct Meeting {
     bool meets = false;

@@ -85,10 +85,10 @@ std::uint32_t Unfolding::captureOf(Node node)
     return known;
 }
 
-std::uint32_t Unfolding::clockAt(const PinPlace &pin) const
+std::uint32_t Unfolding::clockOf(Node node) const
 {
-    const std::uint32_t net = graphOf(pin.context).netsOf(pin.cell)[pin.pin];
-    return net != NONE ? m_modules.clock(moduleOf(pin.context), bindingOf(pin.context), net) : NONE;
+    const Occurrence &context = m_contexts[contextOf(node)];
+    return m_modules.clock(context.module, context.binding, node - context.firstNode);
 }
 
 IVDBNet *Unfolding::itemOf(Node node) const

@@ -71,8 +71,14 @@ class Unfolding {
     }
     std::uint32_t launchOf(Node node);
     std::uint32_t captureOf(Node node);
+    /// The clock that a node is electrically, or NONE.
+    std::uint32_t clockOf(Node node) const;
     /// The clock on a pin, or NONE.
-    std::uint32_t clockAt(const PinPlace &pin) const;
+    std::uint32_t clockAt(const PinPlace &pin) const
+    {
+        const Node node = nodeAt(pin);
+        return node != NONE ? clockOf(node) : NONE;
+    }
 
     /// Calls @p onPin(PinPlace), @p onNode(Node), @p onPort(port of the top) for all that drives a net.
     template <typename OnPin, typename OnNode, typename OnPort>
