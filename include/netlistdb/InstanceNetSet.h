@@ -88,9 +88,9 @@ class NETLISTDB_EXPORT InstanceNetSet {
     std::vector<value_type> pairs() const { return {begin(), end()}; }
 
   private:
-    static constexpr unsigned PAGE_BITS = 14; ///< 16 KiB of addresses
+    static constexpr unsigned PAGE_BITS = 12; ///< 4 KiB of addresses
     /// One bit for each multiple of 8.
-    using Page = std::array<std::uint64_t, 32>;
+    using Page = std::array<std::uint64_t, 8>;
 
     /// The nets of one instance, as addresses.
     class Nets {
@@ -105,7 +105,7 @@ class NETLISTDB_EXPORT InstanceNetSet {
       private:
         bool alignedAtOrAbove(std::uintptr_t &address) const;
 
-        std::map<std::uintptr_t, Page> m_pages; ///< by address / 16 KiB
+        std::map<std::uintptr_t, Page> m_pages; ///< by address / 4 KiB
         std::set<std::uintptr_t> m_others;      ///< addresses that are no multiple of 8
     };
 

@@ -79,12 +79,6 @@ void ClockAnalysis::beginImport()
     m_pairs.watchForReuse();
 }
 
-void ClockAnalysis::itemMade(IVDBInstance *instance)
-{
-    m_instanceAnswers.forget(instance);
-    m_pairs.forget(instance);
-}
-
 void ClockAnalysis::itemMade(const VDBNetlist &module)
 {
     m_pairs.mark(module);

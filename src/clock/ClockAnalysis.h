@@ -31,6 +31,7 @@ class InstanceAnswers {
     bool find(const IVDBInstance *instance, IClockDomain *&domain) const;
     void record(const IVDBInstance *instance, IClockDomain *domain);
     void forget(const IVDBInstance *instance);
+    bool empty() const { return m_answers.empty(); }
     /// All entries in ascending order of instance address.
     std::vector<std::pair<IVDBInstance *, IClockDomain *>> list();
 
@@ -84,7 +85,16 @@ class ClockAnalysis {
     void beginImport();
     /// To be called for every instance and module that an import has made. Caches that still hold an entry about an
     /// item long gone at that address drop it.
-    void itemMade(IVDBInstance *instance);
+    void itemMade(IVDBInstance *instance)
+    {
+        // Most imports find both caches empty.
+        if (!m_instanceAnswers.empty()) {
+            m_instanceAnswers.forget(instance);
+        }
+        if (!m_pairs.empty()) {
+            m_pairs.forget(instance);
+        }
+    }
     void itemMade(const VDBNetlist &module);
     /// To be called when an import has made its last item, also when it failed.
     void endImport();

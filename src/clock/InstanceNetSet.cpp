@@ -21,7 +21,7 @@ bool isAligned(std::uintptr_t address)
 
 std::size_t wordOf(std::uintptr_t address)
 {
-    return (address >> 9) & 31;
+    return (address >> 9) & 7;
 }
 
 std::uint64_t maskOf(std::uintptr_t address)

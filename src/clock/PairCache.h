@@ -22,6 +22,7 @@ class PairCache {
     /// Position of the first domain that @p pair is recorded under, or the end of the sets.
     Sets::iterator find(const InstanceNet &pair);
     const Sets &sets() const { return m_sets; }
+    bool empty() const { return m_first.empty(); }
 
     // An import may give a new item the address of a deleted one, whose entries must then be removed. Once
     // watchForReuse has returned, this allocates nothing, so that it also succeeds when an import has run out of
