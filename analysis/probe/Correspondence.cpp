@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 
 namespace kvr::netlistdb::analysis::probe {
 
@@ -12,7 +10,9 @@ namespace {
 constexpr int WARM_UP = 8;
 constexpr int FROM_RESET = 56;
 constexpr int EVERYWHERE = 32;
-constexpr int MOST_ROUNDS = 10;
+constexpr int SHORT_RUN = 8;    ///< when something differs, what comes behind hardly tells more
+constexpr int MOST_ROUNDS = 24;
+constexpr std::uint8_t MOST_STRIKES = 3;
 constexpr unsigned LEAST_ACTIVITY = 4; ///< runs in which a wire must have been 0, and 1, to be told apart from others
 
 enum NameFlag : std::uint8_t { DIFFERED_FROM_RESET = 1, DIFFERED_EVERYWHERE = 2 };
@@ -66,18 +66,7 @@ void Correspondence::runFromReset()
         m_fromReset[side].clear(m_graphs[side]->signalCount);
     }
     for (int step = 0; step < FROM_RESET; ++step) {
-        m_bench.step(
-            [&] {
-                for (const Side side : {ELABORATED, POST_MAP}) {
-                    m_fromReset[side].sample(simulator(side), m_lanes);
-                }
-                checkNames(true);
-            },
-            [&] {
-                for (const Side side : {ELABORATED, POST_MAP}) {
-                    m_fromReset[side].sampleControl(simulator(side), m_lanes, m_control[side]);
-                }
-            });
+        m_bench.step([&] { sampleAll(m_fromReset, true); }, [&] { sampleControl(m_fromReset); });
     }
     m_afterReset = m_bench.save();
 }
@@ -130,29 +119,57 @@ std::vector<Correspondence::Members> Correspondence::groupsBy(const Signatures *
     return groups;
 }
 
-void Correspondence::addClass(Members members)
+void Correspondence::addClass(Members members, const Class &like)
 {
     for (const Member &member : members) {
         m_classOf[member.side][member.signal] = static_cast<std::uint32_t>(m_classes.size());
     }
-    m_classes.push_back(std::move(members));
+    m_classes.push_back({std::move(members), like.strikes, like.isFree, false});
+}
+
+/// Takes pairs of one name out of a group of several registers that behave alike.
+void Correspondence::addByNames(Members &members, const Class &like)
+{
+    const auto find = [&](Side side, Signal signal) {
+        return std::find_if(members.begin(), members.end(), [&](const Member &member) {
+            return member.side == side && member.signal == signal;
+        });
+    };
+    for (std::size_t at = 0; at < members.size() && !members.empty();) {
+        const Member own = members[at];
+        if (own.side != ELABORATED) {
+            break;
+        }
+        const auto first = std::lower_bound(m_names.wires.begin(), m_names.wires.end(), WirePair{own.signal, 0});
+        auto other = members.end();
+        for (auto pair = first; pair != m_names.wires.end() && pair->elaborated == own.signal && other == members.end();
+             ++pair) {
+            other = find(POST_MAP, pair->postMap);
+        }
+        if (other == members.end()) {
+            ++at;
+            continue;
+        }
+        addClass({own, *other}, like);
+        members.erase(other);
+        members.erase(members.begin() + static_cast<std::ptrdiff_t>(at));
+    }
 }
 
 void Correspondence::makeFirstClasses()
 {
     for (Members &members : groupsBy(m_fromReset, false)) {
-        addClass(std::move(members));
+        addClass(std::move(members), {});
     }
+    const auto isRegister = [&](Side side, Signal signal) {
+        return isCandidate(side, signal) && !isInClass(side, signal) &&
+               !m_graphs[side]->partOf(m_graphs[side]->nodes[m_graphs[side]->drivers[signal]]).isLogic();
+    };
     for (std::size_t at = 0; at < m_names.wires.size(); ++at) {
         const WirePair &pair = m_names.wires[at];
-        if ((m_nameFlags[at] & DIFFERED_FROM_RESET) == 0 && isCandidate(ELABORATED, pair.elaborated) &&
-            isCandidate(POST_MAP, pair.postMap) && !isInClass(ELABORATED, pair.elaborated) &&
-            !isInClass(POST_MAP, pair.postMap) &&
-            !m_graphs[ELABORATED]->partOf(m_graphs[ELABORATED]->nodes[m_graphs[ELABORATED]->drivers[pair.elaborated]])
-                 .isLogic() &&
-            !m_graphs[POST_MAP]->partOf(m_graphs[POST_MAP]->nodes[m_graphs[POST_MAP]->drivers[pair.postMap]])
-                 .isLogic()) {
-            addClass({{pair.elaborated, ELABORATED, false}, {pair.postMap, POST_MAP, false}});
+        if ((m_nameFlags[at] & DIFFERED_FROM_RESET) == 0 && isRegister(ELABORATED, pair.elaborated) &&
+            isRegister(POST_MAP, pair.postMap)) {
+            addClass({{pair.elaborated, ELABORATED, false}, {pair.postMap, POST_MAP, false}}, {});
         }
     }
 }
@@ -160,82 +177,89 @@ void Correspondence::makeFirstClasses()
 void Correspondence::repeatUntilStable()
 {
     for (int round = 0; round < MOST_ROUNDS; ++round) {
-        const bool held = runEverywhere();
-        if (std::getenv("PROBE_DEBUG") != nullptr) {
-            std::fprintf(stderr, "round %d: %zu classes, %zu differed\n", round, m_classes.size(),
-                         static_cast<std::size_t>(std::count(m_differed.begin(), m_differed.end(), true)));
-        }
-        if (std::getenv("PROBE_DEBUG") != nullptr) {
-            for (std::size_t c = 0; c < m_classes.size(); ++c) {
-                if (m_differed[c]) {
-                    std::printf("ROUND %d", round);
-                    for (const Member &m : m_classes[c]) {
-                        std::printf(" %c%s%u", m.side != 0 ? 'P' : 'E', m.inverted ? "~" : ":", m.signal);
-                    }
-                    std::printf("\n");
-                }
-            }
-        }
-        if (!(held ? addNewClasses() : splitClasses())) {
+        const bool held = runEverywhere(false);
+        if (!held) {
+            splitClasses();
+        } else if (!addNewClasses()) {
             break;
         }
     }
+    runEverywhere(true);
 }
 
-bool Correspondence::runEverywhere()
+bool Correspondence::runEverywhere(bool forGood)
 {
     m_bench.load(m_afterReset);
-    m_differed.assign(m_classes.size(), false);
-    for (std::uint8_t &flags : m_nameFlags) {
-        flags &= static_cast<std::uint8_t>(~DIFFERED_EVERYWHERE);
-    }
     for (const Side side : {ELABORATED, POST_MAP}) {
         m_everywhere[side].clear(m_graphs[side]->signalCount);
     }
+    for (Class &each : m_classes) {
+        each.differed = false;
+    }
     forceClasses();
-    for (int step = 0; step < EVERYWHERE; ++step) {
-        m_bench.step(
-            [&] {
-                for (const Side side : {ELABORATED, POST_MAP}) {
-                    m_everywhere[side].sample(simulator(side), m_lanes);
-                }
-                checkNames(false);
-            },
-            [&] {
-                for (const Side side : {ELABORATED, POST_MAP}) {
-                    m_everywhere[side].sampleControl(simulator(side), m_lanes, m_control[side]);
-                }
-            });
-        checkClasses();
+    bool held = true;
+    const auto nothing = [] {};
+    for (int step = 0; step < EVERYWHERE && (held || forGood || step < SHORT_RUN); ++step) {
+        if (forGood) {
+            m_bench.step([&] { sampleAll(m_everywhere, false); }, [&] { sampleControl(m_everywhere); });
+        } else {
+            m_bench.step(nothing, nothing);
+            for (const Side side : {ELABORATED, POST_MAP}) {
+                m_everywhere[side].sample(simulator(side), m_lanes, registers(side));
+            }
+        }
+        held = checkClasses() && held;
         forceClasses();
     }
-    return std::find(m_differed.begin(), m_differed.end(), true) == m_differed.end();
+    return held;
 }
 
-void Correspondence::checkClasses()
+void Correspondence::sampleAll(Signatures *signatures, bool fromReset)
 {
-    for (std::size_t number = 0; number < m_classes.size(); ++number) {
+    for (const Side side : {ELABORATED, POST_MAP}) {
+        signatures[side].sample(simulator(side), m_lanes);
+    }
+    checkNames(fromReset);
+}
+
+/// Clocks and resets move while clocks are high, too.
+void Correspondence::sampleControl(Signatures *signatures)
+{
+    for (const Side side : {ELABORATED, POST_MAP}) {
+        signatures[side].sample(simulator(side), m_lanes, m_control[side]);
+    }
+}
+
+bool Correspondence::checkClasses()
+{
+    bool held = true;
+    for (Class &each : m_classes) {
         std::uint64_t ones = 0;
         std::uint64_t zeros = 0;
-        for (const Member &member : m_classes[number]) {
+        for (const Member &member : each.members) {
             const Lanes value = simulator(member.side)[member.signal];
             const Lanes own = member.inverted ? ~value : value;
             ones |= own.one & ~own.zero;
             zeros |= own.zero & ~own.one;
         }
-        m_differed[number] = m_differed[number] || (ones & zeros) != 0;
+        each.differed = each.differed || (ones & zeros) != 0;
+        held = held && !each.differed;
     }
+    return held;
 }
 
 void Correspondence::forceClasses()
 {
-    for (const Members &members : m_classes) {
+    for (const Class &each : m_classes) {
         const std::uint64_t value = m_bench.random().next();
         std::uint64_t lanes = m_bench.random().next();
-        for (const Member &member : members) {
+        if (each.isFree) {
+            continue;
+        }
+        for (const Member &member : each.members) {
             lanes |= ~simulator(member.side)[member.signal].known();
         }
-        for (const Member &member : members) {
+        for (const Member &member : each.members) {
             Simulator &own = member.side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
             own.set(member.signal,
                     inLanes(lanes, lanesOf(member.inverted ? ~value : value), own[member.signal]));
@@ -243,47 +267,107 @@ void Correspondence::forceClasses()
     }
 }
 
-/// Members of a class that differed stay together as far as they were equal.
-bool Correspondence::splitClasses()
+/// Members of a class that differed stay together as far as they were equal. Where none were, the class goes on without
+/// its value being chosen: the netlists may rely on states that registers have only together. When it differs again, the
+/// registers that it depends on are left to themselves, too. Only what differs even then is given up.
+void Correspondence::splitClasses()
 {
-    std::vector<Members> kept;
-    std::vector<Members> split;
-    for (std::size_t number = 0; number < m_classes.size(); ++number) {
-        (m_differed[number] ? split : kept).push_back(std::move(m_classes[number]));
-    }
-    m_classes.clear();
+    std::vector<Class> old;
+    old.swap(m_classes);
     for (const Side side : {ELABORATED, POST_MAP}) {
         std::fill(m_classOf[side].begin(), m_classOf[side].end(), NONE);
     }
-    for (Members &members : kept) {
-        addClass(std::move(members));
-    }
-    for (Members &members : split) {
-        const auto keyOf = [&](const Member &member) {
-            const Signatures &own = m_everywhere[member.side];
-            return std::make_pair(own.hash(member.signal), own.isInverted(member.signal) != member.inverted);
-        };
-        members.erase(std::remove_if(members.begin(), members.end(),
-                                     [&](const Member &member) {
-                                         return !m_everywhere[member.side].isKnown(member.signal);
-                                     }),
-                      members.end());
-        std::stable_sort(members.begin(), members.end(),
-                         [&](const Member &a, const Member &b) { return keyOf(a) < keyOf(b); });
-        for (std::size_t first = 0; first < members.size();) {
-            std::size_t last = first;
-            while (last < members.size() && keyOf(members[last]) == keyOf(members[first])) {
-                ++last;
+    std::vector<std::size_t> again;
+    for (Class &each : old) {
+        if (!each.differed) {
+            const Class like = each;
+            addClass(std::move(each.members), like);
+        } else if (!splitClass(each) && each.strikes < MOST_STRIKES) {
+            each.isFree = true;
+            ++each.strikes;
+            const std::size_t first = m_classes.size();
+            addByNames(each.members, each);
+            if (!each.members.empty() && each.members.front().side != each.members.back().side &&
+                m_classes.size() == first) {
+                const Class like = each;
+                addClass(std::move(each.members), like);
             }
-            const Members part(members.begin() + static_cast<std::ptrdiff_t>(first),
-                               members.begin() + static_cast<std::ptrdiff_t>(last));
-            if (part.front().side != part.back().side) {
-                addClass(part);
+            for (std::size_t added = first; added < m_classes.size() && each.strikes > 1; ++added) {
+                again.push_back(added);
             }
-            first = last;
         }
     }
-    return true;
+    for (const std::size_t number : again) {
+        freeSupport(m_classes[number]);
+    }
+}
+
+/// Leaves the registers that the next value of a class depends on to themselves.
+void Correspondence::freeSupport(const Class &of)
+{
+    for (const Member &member : of.members) {
+        const BitGraph &graph = *m_graphs[member.side];
+        std::vector<bool> seen(graph.signalCount, false);
+        std::vector<Signal> open;
+        const Node &own = graph.nodes[graph.drivers[member.signal]];
+        const Span<Signal> inputs = graph.inputsOf(own);
+        const Part &part = graph.partOf(own);
+        if (part.op == Op::FlipFlop) {
+            const Span<Signal> outputs = graph.outputsOf(own);
+            const auto bit = static_cast<std::size_t>(std::find(outputs.begin(), outputs.end(), member.signal) -
+                                                      outputs.begin());
+            open = {inputs[1], inputs[2], inputs[3], inputs[4 + bit]};
+        } else {
+            open.assign(inputs.begin(), inputs.end());
+        }
+        while (!open.empty()) {
+            const Signal signal = open.back();
+            open.pop_back();
+            if (seen[signal]) {
+                continue;
+            }
+            seen[signal] = true;
+            const std::uint32_t driver = graph.drivers[signal];
+            if (m_classOf[member.side][signal] != NONE) {
+                m_classes[m_classOf[member.side][signal]].isFree = true;
+            } else if (driver != NONE && graph.partOf(graph.nodes[driver]).isLogic()) {
+                const Span<Signal> in = graph.inputsOf(graph.nodes[driver]);
+                open.insert(open.end(), in.begin(), in.end());
+            }
+        }
+    }
+}
+
+/// Returns false when no two members of different sides stay together.
+bool Correspondence::splitClass(const Class &old)
+{
+    const auto keyOf = [&](const Member &member) {
+        const Signatures &own = m_everywhere[member.side];
+        return std::make_pair(own.hash(member.signal), own.isInverted(member.signal) != member.inverted);
+    };
+    Members members;
+    for (const Member &member : old.members) {
+        if (m_everywhere[member.side].isKnown(member.signal)) {
+            members.push_back(member);
+        }
+    }
+    std::stable_sort(members.begin(), members.end(),
+                     [&](const Member &a, const Member &b) { return keyOf(a) < keyOf(b); });
+    bool found = false;
+    for (std::size_t first = 0; first < members.size();) {
+        std::size_t last = first;
+        while (last < members.size() && keyOf(members[last]) == keyOf(members[first])) {
+            ++last;
+        }
+        const Members part(members.begin() + static_cast<std::ptrdiff_t>(first),
+                           members.begin() + static_cast<std::ptrdiff_t>(last));
+        if (part.front().side != part.back().side) {
+            addClass(part, old);
+            found = true;
+        }
+        first = last;
+    }
+    return found;
 }
 
 /// True unless both were known from reset on and were not what they would be now.
@@ -307,7 +391,7 @@ bool Correspondence::addNewClasses()
                                      [&](const Member &member) { return !mayBeEqual(leader, member); }),
                       members.end());
         if (members.front().side != members.back().side) {
-            addClass(std::move(members));
+            addClass(std::move(members), {});
             added = true;
         }
     }

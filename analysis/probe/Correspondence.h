@@ -42,22 +42,34 @@ class Correspondence {
         bool inverted;
     };
     using Members = std::vector<Member>;
-    const std::vector<Members> &classes() const { return m_classes; }
-    const std::vector<bool> &differed() const { return m_differed; }
+    /// Registers that are taken for the same one.
+    struct Class {
+        Members members;
+        std::uint8_t strikes = 0; ///< runs in which it differed; from the first one on its value is no longer chosen
+        bool isFree = false;      ///< its value is not chosen
+        bool differed = false;    ///< in the last run
+    };
+    const std::vector<Class> &classes() const { return m_classes; }
 
   private:
 
     void runFromReset();
     void makeFirstClasses();
     void repeatUntilStable();
-    /// Runs on with random states; returns false when a class fell apart.
-    bool runEverywhere();
-    bool splitClasses();
+    /// Runs on with random states; returns false when a class fell apart. Looks at registers alone unless it is for
+    /// good.
+    bool runEverywhere(bool forGood);
+    void splitClasses();
+    bool splitClass(const Class &old);
     bool addNewClasses();
-    void addClass(Members members);
+    void addClass(Members members, const Class &like);
+    void freeSupport(const Class &of);
+    void addByNames(Members &members, const Class &like);
     void forceClasses();
-    void checkClasses();
+    bool checkClasses();
     void checkNames(bool fromReset);
+    void sampleAll(Signatures *signatures, bool fromReset);
+    void sampleControl(Signatures *signatures);
     void chooseLanes();
     bool isCandidate(Side side, Signal signal) const;
     bool mayBeEqual(const Member &a, const Member &b) const;
@@ -73,8 +85,7 @@ class Correspondence {
     Signatures m_everywhere[2];
     std::vector<Signal> m_control[2];
     std::vector<std::uint8_t> m_nameFlags; ///< by pair of wires
-    std::vector<Members> m_classes;
-    std::vector<bool> m_differed; ///< by class
+    std::vector<Class> m_classes;
     std::vector<std::uint32_t> m_classOf[2];
 };
 

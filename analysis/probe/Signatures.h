@@ -26,10 +26,10 @@ class Signatures {
             add(signal, simulator[signal], lanes);
         }
     }
-    /// The same for clocks and resets alone.
-    void sampleControl(const Simulator &simulator, std::uint64_t lanes, const std::vector<Signal> &control)
+    /// The same for some wires alone.
+    void sample(const Simulator &simulator, std::uint64_t lanes, const std::vector<Signal> &signals)
     {
-        for (const Signal signal : control) {
+        for (const Signal signal : signals) {
             add(signal, simulator[signal], lanes);
         }
     }
