@@ -12,17 +12,16 @@ namespace kvr::netlistdb::analysis::probe {
 Locator::Locator(const BitGraph &graph, IVDBInstance *root) : m_graph(graph), m_root(root)
 {
     for (const ModuleGraph &module : graph.hierarchy.modules) {
-        m_firstItem.push_back(static_cast<std::uint32_t>(m_items.size()));
         m_firstSub.push_back(static_cast<std::uint32_t>(m_subs.size()));
-        m_items.insert(m_items.end(), module.items.begin(), module.items.end());
         for (const ModuleGraph::SubInstance &sub : module.subs) {
             m_subs.push_back(sub.instance);
         }
     }
-    m_itemIndex.reset(m_items.size());
-    for (std::uint32_t item = 0; item < m_items.size(); ++item) {
-        if (m_items[item] != nullptr) {
-            m_itemIndex.add(m_items, item);
+    const std::vector<IVDBNet *> &items = graph.hierarchy.items;
+    m_itemIndex.reset(items.size());
+    for (std::uint32_t item = 0; item < items.size(); ++item) {
+        if (items[item] != nullptr) {
+            m_itemIndex.add(items, item);
         }
     }
     m_subIndex.reset(m_subs.size());
@@ -71,11 +70,11 @@ Signal Locator::find(const IVDBInstance *inst, const IVDBNet *net) const
         throw std::invalid_argument("CrossProbe: the net is no net of the source");
     }
     const std::uint32_t occurrence = occurrenceOf(inst);
-    const std::uint32_t item = m_itemIndex.find(m_items, net);
+    const std::uint32_t item = m_itemIndex.find(m_graph.hierarchy.items, net);
     if (occurrence == NONE || item == NONE) {
         return SIGNAL_UNKNOWN;
     }
-    const std::uint32_t number = item - m_firstItem[m_graph.occurrences[occurrence].module];
+    const std::uint32_t number = item - m_graph.moduleOf(occurrence).firstNet;
     if (number >= m_graph.moduleOf(occurrence).netCount()) {
         throw std::invalid_argument("CrossProbe: the net is none of that instance");
     }

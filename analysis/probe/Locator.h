@@ -35,16 +35,17 @@ class Locator {
     NetPlace placeOf(std::uint32_t net) const;
     /// Null when the tree of the database does not reach down to it.
     IVDBInstance *instanceItem(std::uint32_t occurrence) const;
-    IVDBNet *netItem(const NetPlace &place) const { return m_graph.moduleOf(place.occurrence).items[place.net]; }
+    IVDBNet *netItem(const NetPlace &place) const
+    {
+        return m_graph.hierarchy.items[m_graph.moduleOf(place.occurrence).firstNet + place.net];
+    }
 
   private:
     std::uint32_t occurrenceOf(const IVDBInstance *inst) const;
 
     const BitGraph &m_graph;
     IVDBInstance *m_root;
-    std::vector<const IVDBNet *> m_items; ///< of all modules, module by module
-    std::vector<std::uint32_t> m_firstItem;
-    PointerIndex m_itemIndex;
+    PointerIndex m_itemIndex; ///< in the items of the hierarchy
     std::vector<const Verific::Instance *> m_subs; ///< of all modules, module by module
     std::vector<std::uint32_t> m_firstSub;
     PointerIndex m_subIndex;
