@@ -21,16 +21,15 @@ Lanes startOf(const Part &part, Span<Signal> inputs, std::size_t bit)
 
 } // namespace
 
-/// A register keeps its first value as long as what it takes over is that value, too: an assumption that is withdrawn
+/// First, a register keeps its first value as long as what it takes over is that value, too: an assumption that is withdrawn
 /// where it does not hold, until it holds everywhere.
 std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &simulator)
 {
     std::vector<Lanes> values(graph.signalCount, UNKNOWN);
     values[SIGNAL_ZERO] = ZERO;
     values[SIGNAL_ONE] = ONE;
-    std::vector<std::pair<Signal, bool>> starts = graph.starts;
     std::vector<Lanes> given(graph.starts.empty() ? 0 : graph.signalCount, UNKNOWN);
-    for (const auto &[signal, value] : starts) {
+    for (const auto &[signal, value] : graph.starts) {
         given[signal] = value ? ONE : ZERO;
     }
     for (const Node &node : graph.nodes) {
@@ -44,9 +43,7 @@ std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &si
             }
         }
     }
-    bool changed = true;
-    for (int pass = 0; changed; ++pass) {
-        changed = false;
+    const auto settle = [&] {
         for (const std::uint32_t number : simulator.order()) {
             const Node &node = graph.nodes[number];
             const Part &part = graph.partOf(node);
@@ -54,6 +51,11 @@ std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &si
                 evaluate(part, graph.inputsOf(node), graph.outputsOf(node), values);
             }
         }
+    };
+    bool changed = true;
+    for (int pass = 0; changed; ++pass) {
+        changed = false;
+        settle();
         for (const Node &node : graph.nodes) {
             const Part &part = graph.partOf(node);
             if (part.op != Op::FlipFlop) {
@@ -71,6 +73,28 @@ std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &si
                 }
             }
         }
+    }
+    // What registers without a first value take over is theirs, once they have been loaded.
+    changed = true;
+    for (int pass = 0; changed && pass < MOST_PASSES; ++pass) {
+        changed = false;
+        for (const Node &node : graph.nodes) {
+            const Part &part = graph.partOf(node);
+            const Span<Signal> in = graph.inputsOf(node);
+            if (part.op != Op::FlipFlop || in[2] != SIGNAL_ZERO || in[3] != SIGNAL_ZERO || !part.start.empty() ||
+                part.has(PART_SETS_CLEARS)) {
+                continue;
+            }
+            const Span<Signal> out = graph.outputsOf(node);
+            for (std::size_t bit = 0; bit < part.width; ++bit) {
+                const bool hasStart = !given.empty() && given[out[bit]] != UNKNOWN;
+                if (!hasStart && values[out[bit]] == UNKNOWN && values[in[4 + bit]] != UNKNOWN) {
+                    values[out[bit]] = values[in[4 + bit]];
+                    changed = true;
+                }
+            }
+        }
+        settle();
     }
     std::vector<std::uint8_t> constants(graph.signalCount, 2);
     for (Signal signal = 0; signal < graph.signalCount; ++signal) {

@@ -58,7 +58,7 @@ class Correspondence {
     void repeatUntilStable();
     /// Runs on with random states; returns false when a class fell apart. Looks at registers alone unless it is for
     /// good.
-    bool runEverywhere(bool forGood);
+    bool runEverywhere(bool forGood, int steps);
     void splitClasses();
     bool splitClass(const Class &old);
     bool addNewClasses();

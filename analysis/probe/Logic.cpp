@@ -129,7 +129,7 @@ void shift(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lane
     }
 }
 
-/// More than one select at a time is for the netlist to leave open: not known.
+/// More than one select at a time is for the netlist to leave open: known is only what all words agree on.
 void oneHot(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lanes> &values)
 {
     const std::size_t width = part.width;
@@ -143,10 +143,13 @@ void oneHot(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lan
     }
     for (std::size_t at = 0; at < width; ++at) {
         Lanes chosen = ZERO;
+        Lanes common = values[in[at]];
         for (std::size_t select = 0; select < part.selects; ++select) {
-            chosen = chosen | (values[selects[select]] & values[in[width * (select + 1) + at]]);
+            const Lanes word = values[in[width * (select + 1) + at]];
+            chosen = chosen | (values[selects[select]] & word);
+            common = {common.zero | word.zero, common.one | word.one};
         }
-        values[out[at]] = inLanes(several, UNKNOWN, choose(any, values[in[at]], chosen));
+        values[out[at]] = inLanes(several, common, choose(any, values[in[at]], chosen));
     }
 }
 

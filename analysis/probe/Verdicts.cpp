@@ -18,6 +18,8 @@ Verdicts::Verdicts(const BitGraph &elaborated, const BitGraph &postMap, const Co
     m_verdicts.resize(elaborated.signalCount);
     m_target.assign(elaborated.signalCount, NONE);
     markNets();
+    markAnchored(Correspondence::ELABORATED, elaborated);
+    markAnchored(Correspondence::POST_MAP, postMap);
     indexPostMap();
     matchNames();
     matchEqual();
@@ -33,6 +35,28 @@ void Verdicts::markNets()
         hasNet.assign(graph->signalCount, false);
         for (const Signal signal : graph->signals) {
             hasNet[signal] = signal >= FIRST_SIGNAL;
+        }
+    }
+}
+
+/// Wires that depend on inputs, memories and matched registers alone. Others may have seen too few of the values that
+/// registers without a match can have.
+void Verdicts::markAnchored(Side side, const BitGraph &graph)
+{
+    const Simulator &simulator = m_correspondence.simulator(side);
+    const std::vector<std::uint8_t> constants = constantsOf(graph, simulator);
+    std::vector<bool> &anchored = m_anchored[side];
+    anchored.assign(graph.signalCount, true);
+    for (const Signal signal : simulator.registers()) {
+        anchored[signal] = m_correspondence.isInClass(side, signal) || simulator.isControl()[signal] ||
+                           constants[signal] != 2;
+    }
+    for (const std::uint32_t number : simulator.order()) {
+        const Node &node = graph.nodes[number];
+        const Span<Signal> in = graph.inputsOf(node);
+        const bool all = std::all_of(in.begin(), in.end(), [&](Signal input) { return anchored[input]; });
+        for (const Signal output : graph.outputsOf(node)) {
+            anchored[output] = anchored[output] && all;
         }
     }
 }
@@ -57,6 +81,22 @@ void Verdicts::indexPostMap()
         }
     }
     std::stable_sort(m_index.begin(), m_index.end());
+    for (Signal signal = FIRST_SIGNAL; signal < m_postMap.signalCount; ++signal) {
+        const Signatures &fromReset = m_correspondence.fromReset(Correspondence::POST_MAP);
+        if (m_hasNet[1][signal] && fromReset.isKnown(signal)) {
+            m_fromReset.push_back(fromReset.hash(signal));
+        }
+    }
+    std::sort(m_fromReset.begin(), m_fromReset.end());
+}
+
+/// Whether no post-map wire was equal to the elaborated one from reset on. Two that differ in states alone that were not
+/// reached from reset may be one for all that a user ever sees.
+bool Verdicts::wasAlone(Signal elaborated) const
+{
+    const Signatures &fromReset = m_correspondence.fromReset(Correspondence::ELABORATED);
+    return fromReset.isKnown(elaborated) &&
+           !std::binary_search(m_fromReset.begin(), m_fromReset.end(), fromReset.hash(elaborated));
 }
 
 bool Verdicts::agreesFromReset(Signal elaborated, Signal postMap, bool inverted) const
@@ -95,7 +135,9 @@ void Verdicts::matchEqual()
         const auto range = std::equal_range(m_index.begin(), m_index.end(), Keyed{left.hash(signal), 0});
         for (auto other = range.first; other != range.second; ++other) {
             const bool inverted = left.isInverted(signal) != right.isInverted(other->signal);
-            if (agreesFromReset(signal, other->signal, inverted)) {
+            const bool hasAnchors = isRegister(signal) ||
+                                    (m_anchored[0][signal] && m_anchored[1][other->signal]);
+            if (hasAnchors && agreesFromReset(signal, other->signal, inverted)) {
                 m_matches.push_back({{signal, other->signal}, inverted, false});
             }
         }
@@ -247,7 +289,7 @@ void Verdicts::explain()
             if (!isUsed(signal)) {
                 verdict.grade = ProbeGrade::Gone;
                 verdict.reason = GoneReason::Unused;
-            } else {
+            } else if (wasAlone(signal)) {
                 explainAbsorbed(signal);
             }
         }

@@ -45,6 +45,7 @@ class Verdicts {
     };
 
     void markNets();
+    void markAnchored(Side side, const BitGraph &graph);
     void indexPostMap();
     void matchNames();
     void matchEqual();
@@ -54,6 +55,7 @@ class Verdicts {
     bool wasSeen(Side side, Signal signal) const;
     /// Whether the two were equal, or inverse, from reset on, as far as that is known.
     bool agreesFromReset(Signal elaborated, Signal postMap, bool inverted) const;
+    bool wasAlone(Signal elaborated) const;
     bool isUsed(Signal signal) const { return m_isUsed[signal]; }
     void markUsed();
     void explainAbsorbed(Signal signal);
@@ -63,8 +65,10 @@ class Verdicts {
     const BitGraph &m_postMap;
     const Correspondence &m_correspondence;
     std::vector<bool> m_hasNet[2];
+    std::vector<bool> m_anchored[2];
     std::vector<bool> m_isUsed;
     std::vector<Keyed> m_index;
+    std::vector<std::uint64_t> m_fromReset; ///< hashes of the post-map wires, sorted
     std::vector<Match> m_matches;
     std::vector<Verdict> m_verdicts;
     std::vector<Signal> m_target; ///< by elaborated wire: the best match, or NONE
