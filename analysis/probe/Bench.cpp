@@ -134,8 +134,8 @@ void Bench::findClocks(const BitGraph &graph, const Simulator &simulator, Signal
     }
 }
 
-/// An input is a reset when one of its values, held for some cycles, alone makes registers known that the other one does
-/// not. Every run tries one input with one value.
+/// An input is a reset when one of its values, held for some cycles, alone makes registers known that the other one
+/// does not. Every run tries one input with one value.
 void Bench::findResets()
 {
     std::vector<Input *> tried;
@@ -211,8 +211,8 @@ void Bench::applyInputs(bool isReset)
         } else {
             const std::uint64_t moves = ALL_LANES & ~(input.seldomMoves & ~m_random.seldom(3));
             const std::uint64_t even = m_random.next() & ~(input.seldomOne | input.seldomZero);
-            const std::uint64_t next = even | (m_random.seldom(3) & input.seldomOne) |
-                                       (~m_random.seldom(3) & input.seldomZero);
+            const std::uint64_t next =
+                even | (m_random.seldom(3) & input.seldomOne) | (~m_random.seldom(3) & input.seldomZero);
             input.value = (next & moves) | (input.value & ~moves);
         }
         apply(input, lanesOf(input.value));

@@ -50,8 +50,8 @@ class Bench {
         bool isExternal;
         bool isClock = false;
         bool isReset = false;
-        bool active = false;      ///< value of a reset while it acts
-        std::uint32_t group = 0;  ///< the same for all bits of a port
+        bool active = false;     ///< value of a reset while it acts
+        std::uint32_t group = 0; ///< the same for all bits of a port
         std::uint64_t value = 0;
         std::uint64_t seldomOne = 0;  ///< runs in which it is mostly 0
         std::uint64_t seldomZero = 0; ///< runs in which it is mostly 1

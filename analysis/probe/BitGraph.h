@@ -73,9 +73,9 @@ class BitGraph {
     IDesignDatabase::SOURCE_TYPE source;
     Hierarchy hierarchy;
     RecipeTable recipes;
-    std::vector<Occurrence> occurrences;           ///< the top first
-    std::vector<std::uint32_t> firstChild;         ///< by occurrence: number of the first below it; children stand together
-    std::vector<Signal> signals;                   ///< by net
+    std::vector<Occurrence> occurrences;   ///< the top first
+    std::vector<std::uint32_t> firstChild; ///< by occurrence: number of the first below it; children stand together
+    std::vector<Signal> signals;           ///< by net
     std::uint32_t signalCount = 0;
     std::vector<Node> nodes;
     std::vector<Signal> pins;
@@ -83,9 +83,9 @@ class BitGraph {
     std::size_t stateWords = 0; ///< of shift registers
     std::vector<OpaqueCell> opaque;
     std::vector<TopPort> ports;
-    std::vector<std::pair<Signal, bool>> starts;   ///< values of registers before the first clock
-    std::vector<std::uint32_t> drivers;            ///< by signal: the node whose output it is, NONE for none
-    std::vector<bool> external;                    ///< by signal: what an inout port of the top is on
+    std::vector<std::pair<Signal, bool>> starts; ///< values of registers before the first clock
+    std::vector<std::uint32_t> drivers;          ///< by signal: the node whose output it is, NONE for none
+    std::vector<bool> external;                  ///< by signal: what an inout port of the top is on
 
     const ModuleGraph &moduleOf(std::uint32_t occurrence) const
     {

@@ -15,14 +15,15 @@ Lanes startOf(const Part &part, Span<Signal> inputs, std::size_t bit)
     };
     const bool hasReset = inputs[2] != SIGNAL_ZERO || inputs[3] != SIGNAL_ZERO;
     const Lanes own = valueOf(part.start);
-    const Lanes reset = hasReset && !part.has(PART_LOADS) && !part.has(PART_SETS_CLEARS) ? valueOf(part.reset) : UNKNOWN;
+    const Lanes reset =
+        hasReset && !part.has(PART_LOADS) && !part.has(PART_SETS_CLEARS) ? valueOf(part.reset) : UNKNOWN;
     return own == UNKNOWN ? reset : reset == UNKNOWN || reset == own ? own : UNKNOWN;
 }
 
 } // namespace
 
-/// First, a register keeps its first value as long as what it takes over is that value, too: an assumption that is withdrawn
-/// where it does not hold, until it holds everywhere.
+/// First, a register keeps its first value as long as what it takes over is that value, too: an assumption that is
+/// withdrawn where it does not hold, until it holds everywhere.
 std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &simulator)
 {
     std::vector<Lanes> values(graph.signalCount, UNKNOWN);

@@ -7,12 +7,13 @@ namespace kvr::netlistdb::analysis::probe {
 
 namespace {
 
+constexpr int MANY = 1'000'000; ///< wires
 constexpr int WARM_UP = 8;
-constexpr int FROM_RESET = 56;
-constexpr int EVERYWHERE = 32;
-constexpr int LONG_RUN = 128;    ///< to see registers that hardly ever change
+constexpr int FROM_RESET = 56; ///< at least; more in small designs
+constexpr int EVERYWHERE = 32; ///< the same
+constexpr int LONG_RUN = 128;  ///< to see registers that hardly ever change
 constexpr std::uint64_t MUCH_CHOSEN = 0x5555555555555555ULL;
-constexpr int SHORT_RUN = 8;    ///< when something differs, what comes behind hardly tells more
+constexpr int SHORT_RUN = 8; ///< when something differs, what comes behind hardly tells more
 constexpr int MOST_ROUNDS = 24;
 constexpr std::uint8_t MOST_STRIKES = 3;
 constexpr unsigned LEAST_ACTIVITY = 4; ///< runs in which a wire must have been 0, and 1, to be told apart from others
@@ -33,6 +34,10 @@ Correspondence::Correspondence(const BitGraph &elaborated, const BitGraph &postM
         }
         m_classOf[side].assign(m_graphs[side]->signalCount, NONE);
     }
+    const auto size = static_cast<int>(std::min<std::uint32_t>(elaborated.signalCount + postMap.signalCount, MANY));
+    m_stepsFromReset = std::clamp(3 * MANY / size, FROM_RESET, 4 * FROM_RESET);
+    m_stepsEverywhere = std::clamp(2 * MANY / size, EVERYWHERE, 3 * EVERYWHERE);
+    m_longSteps = std::clamp(4 * MANY / size, LONG_RUN, 4 * LONG_RUN);
     m_nameFlags.assign(m_names.wires.size(), 0);
     runFromReset();
     makeFirstClasses();
@@ -67,7 +72,7 @@ void Correspondence::runFromReset()
     for (const Side side : {ELABORATED, POST_MAP}) {
         m_fromReset[side].clear(m_graphs[side]->signalCount);
     }
-    for (int step = 0; step < FROM_RESET; ++step) {
+    for (int step = 0; step < m_stepsFromReset; ++step) {
         m_bench.step([&] { sampleAll(m_fromReset, true); }, [&] { sampleControl(m_fromReset); });
     }
     m_afterReset = m_bench.save();
@@ -133,9 +138,8 @@ void Correspondence::addClass(Members members, const Class &like)
 void Correspondence::addByNames(Members &members, const Class &like)
 {
     const auto find = [&](Side side, Signal signal) {
-        return std::find_if(members.begin(), members.end(), [&](const Member &member) {
-            return member.side == side && member.signal == signal;
-        });
+        return std::find_if(members.begin(), members.end(),
+                            [&](const Member &member) { return member.side == side && member.signal == signal; });
     };
     for (std::size_t at = 0; at < members.size() && !members.empty();) {
         const Member own = members[at];
@@ -178,18 +182,18 @@ void Correspondence::makeFirstClasses()
 
 void Correspondence::repeatUntilStable()
 {
-    int steps = EVERYWHERE;
+    int steps = m_stepsEverywhere;
     for (int round = 0; round < MOST_ROUNDS; ++round) {
         if (!runEverywhere(false, steps)) {
             splitClasses();
         } else if (!addNewClasses()) {
-            if (steps == LONG_RUN) {
+            if (steps == m_longSteps) {
                 break;
             }
-            steps = LONG_RUN;
+            steps = m_longSteps;
         }
     }
-    runEverywhere(true, EVERYWHERE);
+    runEverywhere(true, m_stepsEverywhere);
 }
 
 bool Correspondence::runEverywhere(bool forGood, int steps)
@@ -267,15 +271,14 @@ void Correspondence::forceClasses()
         }
         for (const Member &member : each.members) {
             Simulator &own = member.side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
-            own.set(member.signal,
-                    inLanes(lanes, lanesOf(member.inverted ? ~value : value), own[member.signal]));
+            own.set(member.signal, inLanes(lanes, lanesOf(member.inverted ? ~value : value), own[member.signal]));
         }
     }
 }
 
 /// Members of a class that differed stay together as far as they were equal. Where none were, the class goes on without
-/// its value being chosen: the netlists may rely on states that registers have only together. When it differs again, the
-/// registers that it depends on are left to themselves, too. Only what differs even then is given up.
+/// its value being chosen: the netlists may rely on states that registers have only together. When it differs again,
+/// the registers that it depends on are left to themselves, too. Only what differs even then is given up.
 void Correspondence::splitClasses()
 {
     std::vector<Class> old;
@@ -320,8 +323,8 @@ void Correspondence::freeSupport(const Class &of)
         const Part &part = graph.partOf(own);
         if (part.op == Op::FlipFlop) {
             const Span<Signal> outputs = graph.outputsOf(own);
-            const auto bit = static_cast<std::size_t>(std::find(outputs.begin(), outputs.end(), member.signal) -
-                                                      outputs.begin());
+            const auto bit =
+                static_cast<std::size_t>(std::find(outputs.begin(), outputs.end(), member.signal) - outputs.begin());
             open = {inputs[1], inputs[2], inputs[3], inputs[4 + bit]};
         } else {
             open.assign(inputs.begin(), inputs.end());
@@ -402,6 +405,16 @@ bool Correspondence::addNewClasses()
         }
     }
     return added;
+}
+
+bool Correspondence::areCompatible(Signal elaborated, Signal postMap) const
+{
+    const auto isChosen = [&](Side side, Signal signal) {
+        const std::uint32_t driver = m_graphs[side]->drivers[signal];
+        return isCandidate(side, signal) && m_graphs[side]->partOf(m_graphs[side]->nodes[driver]).op == Op::FlipFlop;
+    };
+    return !isChosen(ELABORATED, elaborated) || !isChosen(POST_MAP, postMap) ||
+           (m_classOf[ELABORATED][elaborated] == m_classOf[POST_MAP][postMap] && isInClass(POST_MAP, postMap));
 }
 
 Correspondence::NameVerdict Correspondence::verdictOf(const WirePair &pair) const

@@ -33,6 +33,9 @@ class Correspondence {
     NameVerdict verdictOf(const WirePair &pair) const;
     /// Whether the output of that register is in a class that held.
     bool isInClass(Side side, Signal signal) const { return m_classOf[side][signal] != NONE; }
+    /// Whether two wires may be one as far as registers are concerned: two registers whose values were chosen at random
+    /// are one only when they are in one class.
+    bool areCompatible(Signal elaborated, Signal postMap) const;
     const Simulator &simulator(Side side) const { return side == ELABORATED ? m_bench.elaborated : m_bench.postMap; }
 
   public:
@@ -52,7 +55,6 @@ class Correspondence {
     const std::vector<Class> &classes() const { return m_classes; }
 
   private:
-
     void runFromReset();
     void makeFirstClasses();
     void repeatUntilStable();
@@ -80,6 +82,9 @@ class Correspondence {
     Bench m_bench;
     const BitGraph *m_graphs[2];
     Bench::State m_afterReset;
+    int m_stepsFromReset;
+    int m_stepsEverywhere;
+    int m_longSteps;
     std::uint64_t m_lanes = ALL_LANES;
     Signatures m_fromReset[2];
     Signatures m_everywhere[2];

@@ -154,9 +154,9 @@ struct CrossProbe::State {
         case ProbeGrade::Merged:
             return "equal to another net of the elaborated form, which has this net";
         case ProbeGrade::Gone:
-            return verdict.reason == GoneReason::Constant ? std::string("always ") + (verdict.value ? "1" : "0") +
-                                                                " once reset"
-                                                          : sentenceOf(verdict.reason);
+            return verdict.reason == GoneReason::Constant
+                       ? std::string("always ") + (verdict.value ? "1" : "0") + " once reset"
+                       : sentenceOf(verdict.reason);
         case ProbeGrade::Unknown:
             break;
         }
@@ -195,9 +195,9 @@ ProbeMatch CrossProbe::find(const IVDBInstance *inst, const IVDBNet *net) const
     result.reason = verdict.reason;
     const std::string path = inst->getPath();
     const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
-    auto match = std::lower_bound(
-        m_state->matches.begin(), m_state->matches.end(), signal,
-        [](const Match &each, Signal elaborated) { return each.wires.elaborated < elaborated; });
+    auto match =
+        std::lower_bound(m_state->matches.begin(), m_state->matches.end(), signal,
+                         [](const Match &each, Signal elaborated) { return each.wires.elaborated < elaborated; });
     for (; match != m_state->matches.end() && match->wires.elaborated == signal; ++match) {
         m_state->addTargets(m_state->postMap, *m_state->locators[1], match->wires.postMap, match->inverted, wanted,
                             result.targets);
@@ -217,10 +217,10 @@ ProbeMatch CrossProbe::findBack(const IVDBInstance *inst, const IVDBNet *net) co
     ProbeMatch result;
     const std::string path = inst->getPath();
     const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
-    auto place = std::lower_bound(m_state->back.begin(), m_state->back.end(), signal,
-                                  [&](std::uint32_t each, Signal postMap) {
-                                      return m_state->matches[each].wires.postMap < postMap;
-                                  });
+    auto place =
+        std::lower_bound(m_state->back.begin(), m_state->back.end(), signal, [&](std::uint32_t each, Signal postMap) {
+            return m_state->matches[each].wires.postMap < postMap;
+        });
     for (; place != m_state->back.end() && m_state->matches[*place].wires.postMap == signal; ++place) {
         const Match &match = m_state->matches[*place];
         if (result.targets.empty()) {

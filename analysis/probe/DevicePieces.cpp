@@ -12,10 +12,10 @@ void addDeviceFlipFlop(RecipeBuilder &cell, const DeviceFlipFlop &pins)
     const Slot sync = reset(pins.sync);
     const Slot async = reset(pins.async);
     const Slot d = cell.invertedIf(pins.dataInverted, cell.pin(pins.d, SLOT_UNKNOWN));
-    Part &part = cell.add(Op::FlipFlop, {{cell.pin(pins.clock, SLOT_UNKNOWN), enable, sync, async, d,
-                                          cell.pin(pins.q, SLOT_UNKNOWN)}});
-    part.flags = static_cast<std::uint16_t>((pins.falls ? PART_FALLING : 0) |
-                                            (pins.enableFirst ? PART_ENABLE_FIRST : 0));
+    Part &part = cell.add(
+        Op::FlipFlop, {{cell.pin(pins.clock, SLOT_UNKNOWN), enable, sync, async, d, cell.pin(pins.q, SLOT_UNKNOWN)}});
+    part.flags =
+        static_cast<std::uint16_t>((pins.falls ? PART_FALLING : 0) | (pins.enableFirst ? PART_ENABLE_FIRST : 0));
     part.reset = std::string(1, pins.resetValue);
     part.start = std::string(1, pins.start);
 }

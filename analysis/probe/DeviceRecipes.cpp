@@ -140,8 +140,7 @@ void quadMemory(RecipeBuilder &cell, std::uint32_t width, std::uint32_t addressB
 
 void dualMemory(RecipeBuilder &cell, int addressBits)
 {
-    const std::uint16_t memory =
-        addMemory(cell, 1, static_cast<std::uint32_t>(addressBits), cell.parameter("INIT"));
+    const std::uint16_t memory = addMemory(cell, 1, static_cast<std::uint32_t>(addressBits), cell.parameter("INIT"));
     const Slots own = cell.port("A").empty() ? numbered(cell, "A", addressBits) : cell.port("A");
     const Slots other = cell.port("DPRA").empty() ? numbered(cell, "DPRA", addressBits) : cell.port("DPRA");
     addReadPort(cell, memory, own, cell.port("SPO"));

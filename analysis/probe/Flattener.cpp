@@ -64,8 +64,8 @@ void Flattener::readCells()
             const auto cell = static_cast<std::uint32_t>(instances.size());
             instances.push_back(instance);
             const bool isLeaf = !module.isSub(cell) && instance->View() != nullptr;
-            recipes.push_back(
-                isLeaf ? m_graph.recipes.recipeOf(*instance, hierarchy.models[module.modelOf(cell)].kind) : NONE);
+            recipes.push_back(isLeaf ? m_graph.recipes.recipeOf(*instance, hierarchy.models[module.modelOf(cell)].kind)
+                                     : NONE);
         }
     }
 }
@@ -240,7 +240,8 @@ void Flattener::sinkOutputs()
     for (const Node &node : m_graph.nodes) {
         const Part &part = m_graph.partOf(node);
         const auto end = m_graph.pins.begin() + static_cast<std::ptrdiff_t>(node.firstPin + part.slots.size());
-        std::replace_if(end - part.outputs(), end, [](Signal signal) { return signal < FIRST_SIGNAL; }, sink);
+        std::replace_if(
+            end - part.outputs(), end, [](Signal signal) { return signal < FIRST_SIGNAL; }, sink);
     }
 }
 
@@ -282,12 +283,10 @@ void Flattener::addNode(std::uint32_t occurrence, std::uint32_t cell, std::uint3
 std::uint32_t Flattener::memoryOf(std::uint32_t occurrence, std::uint32_t cell, const Recipe &recipe, const Part &part)
 {
     const MemoryShape &shape = recipe.memories[part.memory];
-    const std::string key = shape.name.empty()
-                                ? std::to_string(occurrence) + ' ' + std::to_string(cell) + ' ' +
-                                      std::to_string(part.memory)
-                                : std::to_string(occurrence) + '/' + shape.name;
-    const auto [found, isNew] =
-        m_sharedMemories.try_emplace(key, static_cast<std::uint32_t>(m_graph.memories.size()));
+    const std::string key =
+        shape.name.empty() ? std::to_string(occurrence) + ' ' + std::to_string(cell) + ' ' + std::to_string(part.memory)
+                           : std::to_string(occurrence) + '/' + shape.name;
+    const auto [found, isNew] = m_sharedMemories.try_emplace(key, static_cast<std::uint32_t>(m_graph.memories.size()));
     if (isNew) {
         m_graph.memories.push_back({shape.width, shape.addressBits, occurrence, cell, &shape});
     }

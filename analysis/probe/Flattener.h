@@ -32,8 +32,8 @@ class Flattener {
     std::uint32_t netAt(std::uint32_t occurrence, std::uint32_t cell, Slot slot) const;
 
     BitGraph &m_graph;
-    std::vector<std::uint32_t> m_leader;   ///< by wire: the constants, then all nets
-    std::vector<std::uint8_t> m_drivers;   ///< by wire: 0, 1, or 2 for several
+    std::vector<std::uint32_t> m_leader; ///< by wire: the constants, then all nets
+    std::vector<std::uint8_t> m_drivers; ///< by wire: 0, 1, or 2 for several
     std::unordered_map<std::string, std::uint32_t> m_sharedMemories;
     std::vector<Signal> m_own; ///< by pin of the cell at hand: a wire for an output that is on no net
 };

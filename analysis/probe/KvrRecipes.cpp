@@ -45,8 +45,10 @@ void multiplier(RecipeBuilder &cell)
     cell.recipe().kind = CellKind::Dsp;
     const Slots p = cell.port("P");
     Part &part = cell.add(Op::MultiplyAdd, {{cell.pin("CLK", SLOT_UNKNOWN), cell.pin("CE", SLOT_ONE)},
-                                            cell.extended("A", p.size(), true), cell.extended("B", p.size(), true),
-                                            cell.extended("C", p.size(), true), p});
+                                            cell.extended("A", p.size(), true),
+                                            cell.extended("B", p.size(), true),
+                                            cell.extended("C", p.size(), true),
+                                            p});
     part.width = static_cast<std::uint32_t>(p.size());
 }
 

@@ -83,10 +83,9 @@ Signal Locator::find(const IVDBInstance *inst, const IVDBNet *net) const
 
 NetPlace Locator::placeOf(std::uint32_t net) const
 {
-    const auto next = std::upper_bound(m_graph.occurrences.begin(), m_graph.occurrences.end(), net,
-                                       [](std::uint32_t number, const Occurrence &occurrence) {
-                                           return number < occurrence.firstNet;
-                                       });
+    const auto next = std::upper_bound(
+        m_graph.occurrences.begin(), m_graph.occurrences.end(), net,
+        [](std::uint32_t number, const Occurrence &occurrence) { return number < occurrence.firstNet; });
     const auto occurrence = static_cast<std::uint32_t>(next - m_graph.occurrences.begin()) - 1;
     return {occurrence, net - m_graph.occurrences[occurrence].firstNet};
 }

@@ -45,7 +45,7 @@ class Locator {
 
     const BitGraph &m_graph;
     IVDBInstance *m_root;
-    PointerIndex m_itemIndex; ///< in the items of the hierarchy
+    PointerIndex m_itemIndex;                      ///< in the items of the hierarchy
     std::vector<const Verific::Instance *> m_subs; ///< of all modules, module by module
     std::vector<std::uint32_t> m_firstSub;
     PointerIndex m_subIndex;

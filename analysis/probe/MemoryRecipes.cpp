@@ -45,8 +45,8 @@ void addRead(RecipeBuilder &cell, std::uint16_t memory, const ReadPort &port)
     part.memory = memory;
     part.width = static_cast<std::uint32_t>(port.data.size());
     part.inputs = static_cast<std::uint32_t>(port.address.size());
-    part.flags = static_cast<std::uint16_t>((port.falling ? PART_FALLING : 0) |
-                                            (port.writeFirst ? PART_WRITE_FIRST : 0));
+    part.flags =
+        static_cast<std::uint16_t>((port.falling ? PART_FALLING : 0) | (port.writeFirst ? PART_WRITE_FIRST : 0));
 }
 
 void addWrite(RecipeBuilder &cell, std::uint16_t memory, Slot clock, bool falling, const Slots &address,
@@ -90,8 +90,9 @@ bool memoryPort(RecipeBuilder &cell)
             !(isZero(cell.parameter("ARST_VALUE")) || isZero(cell.parameter("SRST_VALUE")))) {
             return false;
         }
-        addRead(cell, 0, {clocked, falling, clock, clocked ? cell.pin("EN", SLOT_ONE) : SLOT_ONE,
-                          isNonZero(cell.parameter("TRANSPARENCY_MASK")) || cell.flag("TRANSPARENT"), address, data});
+        addRead(cell, 0,
+                {clocked, falling, clock, clocked ? cell.pin("EN", SLOT_ONE) : SLOT_ONE,
+                 isNonZero(cell.parameter("TRANSPARENCY_MASK")) || cell.flag("TRANSPARENT"), address, data});
         return true;
     }
     if (type.substr(0, 6) == "$memwr") {
@@ -128,11 +129,12 @@ bool wholeMemory(RecipeBuilder &cell)
     const Slots readClock = cell.port("RD_CLK"), readEnable = cell.port("RD_EN");
     for (std::uint32_t port = 0; port < reads; ++port) {
         const bool clocked = bitOf(cell.parameter("RD_CLK_ENABLE"), port);
-        addRead(cell, 0, {clocked, falls(cell.parameter("RD_CLK_POLARITY"), port),
-                          clocked && port < readClock.size() ? readClock[port] : SLOT_UNKNOWN,
-                          clocked && port < readEnable.size() ? readEnable[port] : SLOT_ONE,
-                          isNonZero(cell.parameter("RD_TRANSPARENCY_MASK")), partOf(readAddress, port, reads),
-                          partOf(readData, port, reads)});
+        addRead(cell, 0,
+                {clocked, falls(cell.parameter("RD_CLK_POLARITY"), port),
+                 clocked && port < readClock.size() ? readClock[port] : SLOT_UNKNOWN,
+                 clocked && port < readEnable.size() ? readEnable[port] : SLOT_ONE,
+                 isNonZero(cell.parameter("RD_TRANSPARENCY_MASK")), partOf(readAddress, port, reads),
+                 partOf(readData, port, reads)});
     }
     const Slots writeClock = cell.port("WR_CLK");
     for (std::uint32_t port = 0; port < writes; ++port) {
@@ -150,7 +152,7 @@ bool wholeMemory(RecipeBuilder &cell)
 
 bool addWordMemory(RecipeBuilder &cell)
 {
-    static constexpr std::string_view ports[] = {"$memrd",   "$memrd_v2", "$memwr",
+    static constexpr std::string_view ports[] = {"$memrd",    "$memrd_v2", "$memwr",
                                                  "$memwr_v2", "$meminit",  "$meminit_v2"};
     cell.recipe().kind = CellKind::Memory;
     if (std::find(std::begin(ports), std::end(ports), cell.type()) != std::end(ports)) {

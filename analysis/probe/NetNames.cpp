@@ -127,8 +127,7 @@ void forEachName(const BitGraph &graph,
         const Occurrence &occurrence = graph.occurrences[at];
         occurrencesOf[occurrence.module].push_back(at);
         if (occurrence.parent != NONE) {
-            const std::uint64_t own =
-                hashOfLevels(textOf(graph.instanceOf(at).Name()), prefixes[occurrence.parent]);
+            const std::uint64_t own = hashOfLevels(textOf(graph.instanceOf(at).Name()), prefixes[occurrence.parent]);
             prefixes[at] = hashOf(".", own);
         }
     }

@@ -51,30 +51,30 @@ constexpr Slot innerSlot(std::int32_t net)
 }
 
 enum PartFlag : std::uint16_t {
-    PART_NEGATED = 1,         ///< Y is inverted
-    PART_SIGNED = 2,          ///< operands are in two's complement
-    PART_OR_EQUAL = 4,        ///< of Less
-    PART_CARRIES = 8,         ///< of Add: has further outputs
-    PART_REMAINDER = 16,      ///< of Divide
-    PART_FLOOR = 32,          ///< of Divide: rounds down
-    PART_FALLING = 64,        ///< the clock acts when it falls
-    PART_LOADS = 128,         ///< of FlipFlop: the async reset loads a value of its own slots
-    PART_SETS_CLEARS = 256,   ///< of FlipFlop, Latch: has set and clear slots, active high
-    PART_ENABLE_FIRST = 512,  ///< of FlipFlop: the enable holds back the sync reset, too
-    PART_WRITE_FIRST = 1024,  ///< of ClockedRead: shows what is written at the same time
+    PART_NEGATED = 1,        ///< Y is inverted
+    PART_SIGNED = 2,         ///< operands are in two's complement
+    PART_OR_EQUAL = 4,       ///< of Less
+    PART_CARRIES = 8,        ///< of Add: has further outputs
+    PART_REMAINDER = 16,     ///< of Divide
+    PART_FLOOR = 32,         ///< of Divide: rounds down
+    PART_FALLING = 64,       ///< the clock acts when it falls
+    PART_LOADS = 128,        ///< of FlipFlop: the async reset loads a value of its own slots
+    PART_SETS_CLEARS = 256,  ///< of FlipFlop, Latch: has set and clear slots, active high
+    PART_ENABLE_FIRST = 512, ///< of FlipFlop: the enable holds back the sync reset, too
+    PART_WRITE_FIRST = 1024, ///< of ClockedRead: shows what is written at the same time
 };
 
 struct Part {
     Op op = Op::Lut;
     std::uint16_t flags = 0;
-    std::uint16_t memory = 0;  ///< of memory parts: which memory of the cell
-    std::uint32_t width = 1;   ///< bits of the result, or of a word
-    std::uint32_t inputs = 0;  ///< number of inputs, or of bits of an operand or address
-    std::uint32_t selects = 0; ///< of OneHot
-    std::uint64_t table = 0;   ///< of Lut
+    std::uint16_t memory = 0;          ///< of memory parts: which memory of the cell
+    std::uint32_t width = 1;           ///< bits of the result, or of a word
+    std::uint32_t inputs = 0;          ///< number of inputs, or of bits of an operand or address
+    std::uint32_t selects = 0;         ///< of OneHot
+    std::uint64_t table = 0;           ///< of Lut
     std::vector<std::uint64_t> tables; ///< of WideLut
-    std::string reset;         ///< of FlipFlop, Latch: by bit, 0, 1 or x
-    std::string start;         ///< state before the first clock: by bit, 0, 1 or x; empty: not known
+    std::string reset;                 ///< of FlipFlop, Latch: by bit, 0, 1 or x
+    std::string start;                 ///< state before the first clock: by bit, 0, 1 or x; empty: not known
     std::vector<Slot> slots;
 
     bool has(PartFlag flag) const { return (flags & flag) != 0; }
@@ -95,7 +95,7 @@ struct MemoryShape {
 /// How a cell works: what all instances of one view with the same parameters have in common.
 struct Recipe {
     CellKind kind = CellKind::Logic;
-    bool isKnown = false;               ///< otherwise nothing is known of its outputs
+    bool isKnown = false; ///< otherwise nothing is known of its outputs
     std::vector<Part> parts;
     std::uint32_t innerNets = 0;
     std::vector<MemoryShape> memories;

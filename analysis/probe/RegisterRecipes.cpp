@@ -53,15 +53,14 @@ void flipFlop(RecipeBuilder &cell)
     const Slots load = loads ? cell.port("AD") : Slots();
     const Slots set = setsClears ? activeAll(cell, "SET", "SET_POLARITY") : Slots();
     const Slots clear = setsClears ? activeAll(cell, "CLR", "CLR_POLARITY") : Slots();
-    Part &part = cell.add(Op::FlipFlop, {{cell.pin("CLK", SLOT_UNKNOWN), enable, sync, async}, cell.port("D"), load,
-                                         set, clear, q});
+    Part &part = cell.add(Op::FlipFlop,
+                          {{cell.pin("CLK", SLOT_UNKNOWN), enable, sync, async}, cell.port("D"), load, set, clear, q});
     const std::string_view polarity = cell.parameter("CLK_POLARITY");
     part.width = static_cast<std::uint32_t>(q.size());
     part.flags = static_cast<std::uint16_t>((!polarity.empty() && !isNonZero(polarity) ? PART_FALLING : 0) |
                                             (loads ? PART_LOADS : 0) | (setsClears ? PART_SETS_CLEARS : 0) |
                                             (type == "$sdffce" ? PART_ENABLE_FIRST : 0));
-    part.reset =
-        valueOf(cell.parameter(sync != SLOT_ZERO ? "SRST_VALUE" : "ARST_VALUE"), q.size());
+    part.reset = valueOf(cell.parameter(sync != SLOT_ZERO ? "SRST_VALUE" : "ARST_VALUE"), q.size());
 }
 
 void latch(RecipeBuilder &cell)
@@ -118,9 +117,9 @@ bool gateRegister(RecipeBuilder &cell, std::string_view kind, std::string_view l
     Part &part = isLatch ? cell.add(Op::Latch, {{gate, async, d}, more, {q}})
                          : cell.add(Op::FlipFlop, {{cell.pin("C", SLOT_UNKNOWN), enable, sync, async, d}, more, {q}});
     part.reset = reset;
-    part.flags = static_cast<std::uint16_t>((falls ? PART_FALLING : 0) | (isLoad ? PART_LOADS : 0) |
-                                            (setsClears ? PART_SETS_CLEARS : 0) |
-                                            (kind == "SDFFCE" ? PART_ENABLE_FIRST : 0));
+    part.flags =
+        static_cast<std::uint16_t>((falls ? PART_FALLING : 0) | (isLoad ? PART_LOADS : 0) |
+                                   (setsClears ? PART_SETS_CLEARS : 0) | (kind == "SDFFCE" ? PART_ENABLE_FIRST : 0));
     return true;
 }
 
@@ -131,10 +130,10 @@ struct Gate {
 };
 
 constexpr Gate GATES[] = {
-    {"$_NOT_", "A", 1},         {"$_AND_", "AB", 8},       {"$_NAND_", "AB", 7},       {"$_OR_", "AB", 14},
-    {"$_NOR_", "AB", 1},        {"$_XOR_", "AB", 6},       {"$_XNOR_", "AB", 9},       {"$_ANDNOT_", "AB", 2},
-    {"$_ORNOT_", "AB", 11},     {"$_MUX_", "ABS", 0xCA},   {"$_NMUX_", "ABS", 0x35},   {"$_AOI3_", "ABC", 0x07},
-    {"$_OAI3_", "ABC", 0x1F},   {"$_AOI4_", "ABCD", 0x0777}, {"$_OAI4_", "ABCD", 0x111F},
+    {"$_NOT_", "A", 1},       {"$_AND_", "AB", 8},         {"$_NAND_", "AB", 7},        {"$_OR_", "AB", 14},
+    {"$_NOR_", "AB", 1},      {"$_XOR_", "AB", 6},         {"$_XNOR_", "AB", 9},        {"$_ANDNOT_", "AB", 2},
+    {"$_ORNOT_", "AB", 11},   {"$_MUX_", "ABS", 0xCA},     {"$_NMUX_", "ABS", 0x35},    {"$_AOI3_", "ABC", 0x07},
+    {"$_OAI3_", "ABC", 0x1F}, {"$_AOI4_", "ABCD", 0x0777}, {"$_OAI4_", "ABCD", 0x111F},
 };
 
 } // namespace
@@ -142,8 +141,8 @@ constexpr Gate GATES[] = {
 bool addWordRegister(RecipeBuilder &cell)
 {
     const std::string_view type = cell.type();
-    static constexpr std::string_view flipFlops[] = {"$dff",   "$dffe",  "$dffsr",  "$dffsre", "$adff",  "$adffe",
-                                                     "$aldff", "$aldffe", "$sdff", "$sdffe",  "$sdffce"};
+    static constexpr std::string_view flipFlops[] = {"$dff",   "$dffe",   "$dffsr", "$dffsre", "$adff",  "$adffe",
+                                                     "$aldff", "$aldffe", "$sdff",  "$sdffe",  "$sdffce"};
     static constexpr std::string_view latches[] = {"$dlatch", "$adlatch", "$dlatchsr", "$sr"};
     if (std::find(std::begin(flipFlops), std::end(flipFlops), type) != std::end(flipFlops)) {
         flipFlop(cell);
@@ -182,7 +181,7 @@ bool addGate(RecipeBuilder &cell)
         return false;
     }
     const std::string_view kind = type.substr(2, end - 2);
-    static constexpr std::string_view registers[] = {"DFF",   "DFFE",   "SDFF",  "SDFFE",  "SDFFCE",  "ALDFF",
+    static constexpr std::string_view registers[] = {"DFF",    "DFFE",  "SDFF",   "SDFFE",  "SDFFCE",  "ALDFF",
                                                      "ALDFFE", "DFFSR", "DFFSRE", "DLATCH", "DLATCHSR"};
     return std::find(std::begin(registers), std::end(registers), kind) != std::end(registers) &&
            gateRegister(cell, kind, type.substr(end + 1, type.size() - end - 2));

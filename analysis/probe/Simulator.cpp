@@ -35,6 +35,7 @@ Simulator::Simulator(const BitGraph &graph) : m_graph(graph)
         }
     }
     sortLogic();
+    m_steps = stepsOf(m_order);
     findClocks();
     findControl();
     restart();
@@ -65,8 +66,8 @@ void Simulator::restart()
         }
     }
     startMemories();
-    for (const std::uint32_t node : m_order) {
-        run(node);
+    for (const Step &step : m_steps) {
+        run(step);
     }
     for (std::size_t group = 0; group < m_groups.size(); ++group) {
         m_clocks.resize(m_groups.size());
@@ -243,9 +244,10 @@ void Simulator::findClocks()
             m_clockSignals.push_back(clock);
         }
         m_groups[groupOf[clock]].nodes.push_back(number);
+        m_groups[groupOf[clock]].steps.push_back(stepOf(number));
         if (part.op == Op::FlipFlop &&
             (m_graph.inputsOf(m_graph.nodes[number])[3] != SIGNAL_ZERO || part.has(PART_SETS_CLEARS))) {
-            m_asynchronous.push_back(number);
+            m_asynchronous.push_back(stepOf(number));
         }
     }
 }
@@ -272,33 +274,43 @@ std::vector<std::uint32_t> Simulator::coneOf(const std::vector<Signal> &signals)
 void Simulator::findControl()
 {
     std::vector<Signal> signals = m_clockSignals;
-    for (const std::uint32_t number : m_asynchronous) {
-        const Node &node = m_graph.nodes[number];
-        const Part &part = m_graph.partOf(node);
-        const Span<Signal> in = m_graph.inputsOf(node);
+    for (const Step &step : m_asynchronous) {
+        const Part &part = *step.part;
+        const Span<Signal> in = step.in;
         signals.push_back(in[3]);
         if (part.has(PART_SETS_CLEARS)) {
             signals.insert(signals.end(), in.begin() + 4 + part.width, in.end());
         }
     }
-    m_control = coneOf(signals);
+    const std::vector<std::uint32_t> control = coneOf(signals);
+    m_control = stepsOf(control);
     m_isControl.assign(m_graph.signalCount, false);
     for (const Signal signal : signals) {
         m_isControl[signal] = true;
     }
-    for (const std::uint32_t node : m_control) {
-        for (const Signal input : m_graph.inputsOf(m_graph.nodes[node])) {
+    for (const Step &step : m_control) {
+        for (const Signal input : step.in) {
             m_isControl[input] = true;
         }
     }
 }
 
-void Simulator::run(std::uint32_t number)
+std::vector<Simulator::Step> Simulator::stepsOf(const std::vector<std::uint32_t> &nodes) const
 {
-    const Node &node = m_graph.nodes[number];
-    const Part &part = m_graph.partOf(node);
-    const Span<Signal> in = m_graph.inputsOf(node);
-    const Span<Signal> out = m_graph.outputsOf(node);
+    std::vector<Step> steps;
+    steps.reserve(nodes.size());
+    for (const std::uint32_t node : nodes) {
+        steps.push_back(stepOf(node));
+    }
+    return steps;
+}
+
+void Simulator::run(const Step &step)
+{
+    const Node &node = *step.node;
+    const Part &part = *step.part;
+    const Span<Signal> in = step.in;
+    const Span<Signal> out = step.out;
     switch (part.op) {
     case Op::Latch:
         runLatch(part, in, out);
@@ -377,8 +389,8 @@ void Simulator::readMemory(const Node &node, Span<Signal> address, Span<Signal> 
 void Simulator::settle()
 {
     if (!m_isSettled) {
-        for (const std::uint32_t node : m_order) {
-            run(node);
+        for (const Step &step : m_steps) {
+            run(step);
         }
         m_isSettled = true;
     }
@@ -387,11 +399,10 @@ void Simulator::settle()
 bool Simulator::applyAsynchronous()
 {
     bool changed = false;
-    for (const std::uint32_t number : m_asynchronous) {
-        const Node &node = m_graph.nodes[number];
-        const Part &part = m_graph.partOf(node);
-        const Span<Signal> in = m_graph.inputsOf(node);
-        const Span<Signal> out = m_graph.outputsOf(node);
+    for (const Step &step : m_asynchronous) {
+        const Part &part = *step.part;
+        const Span<Signal> in = step.in;
+        const Span<Signal> out = step.out;
         const Lanes reset = m_values[in[3]];
         for (std::size_t bit = 0; bit < part.width; ++bit) {
             Lanes q = m_values[out[bit]];
@@ -417,8 +428,8 @@ bool Simulator::applyAsynchronous()
 void Simulator::react()
 {
     for (int turn = 0; turn < MOST_REACTIONS; ++turn) {
-        for (const std::uint32_t node : m_control) {
-            run(node);
+        for (const Step &step : m_control) {
+            run(step);
         }
         const bool wasReset = applyAsynchronous();
         m_isSettled = m_isSettled && !wasReset;

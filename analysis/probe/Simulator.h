@@ -8,8 +8,8 @@
 
 namespace kvr::netlistdb::analysis::probe {
 
-/// Runs a netlist clock cycle by clock cycle, 64 runs at a time. Registers and memories start with what the netlist says,
-/// and with 0 where it says nothing, as devices do; everything else begins as not known.
+/// Runs a netlist clock cycle by clock cycle, 64 runs at a time. Registers and memories start with what the netlist
+/// says, and with 0 where it says nothing, as devices do; everything else begins as not known.
 ///
 /// Clocks are simulated, not assumed: a register takes over its input where its clock pin rises (or falls), whatever
 /// the clock went through.
@@ -60,12 +60,26 @@ class Simulator {
     const std::vector<std::uint32_t> &order() const { return m_order; }
 
   private:
+    /// A node, with what is looked up for it all the time.
+    struct Step {
+        const Node *node;
+        const Part *part;
+        Span<Signal> in;
+        Span<Signal> out;
+    };
+    Step stepOf(std::uint32_t node) const
+    {
+        const Node &own = m_graph.nodes[node];
+        return {&own, &m_graph.partOf(own), m_graph.inputsOf(own), m_graph.outputsOf(own)};
+    }
+    std::vector<Step> stepsOf(const std::vector<std::uint32_t> &nodes) const;
+
     void sortLogic();
     void findControl();
     void findClocks();
     std::vector<std::uint32_t> coneOf(const std::vector<Signal> &signals) const;
     void startMemories();
-    void run(std::uint32_t node);
+    void run(const Step &step);
     void runLatch(const Part &part, Span<Signal> in, Span<Signal> out);
     void readMemory(const Node &node, Span<Signal> address, Span<Signal> out);
     void writeMemory(const Node &node, std::uint64_t edge);
@@ -73,7 +87,7 @@ class Simulator {
     bool applyAsynchronous();
     bool clockRegisters();
     void settleFor(std::uint32_t group);
-    void clockNode(const Node &node, const Part &part, std::uint64_t sure, std::uint64_t maybe);
+    void clockNode(const Step &step, std::uint64_t sure, std::uint64_t maybe);
     void shiftStages(const Node &node, const Part &part, std::uint64_t edge);
     void multiplyAdd(const Node &node, const Part &part, std::uint64_t edge);
     void readClocked(const Node &node, const Part &part, std::uint64_t edge);
@@ -82,7 +96,8 @@ class Simulator {
     struct ClockGroup {
         Signal clock;
         std::vector<std::uint32_t> nodes;
-        std::vector<std::uint32_t> cone;  ///< logic in front of the registers; all of it when it is large
+        std::vector<Step> steps; ///< of the nodes
+        std::vector<Step> cone;  ///< logic in front of the registers
         bool hasCone = false;
     };
 
@@ -95,9 +110,10 @@ class Simulator {
     std::vector<std::uint32_t> m_externalOf; ///< by signal; empty when there are no inout ports
     std::vector<std::uint32_t> m_order;      ///< logic, each node behind those that it depends on
     std::vector<bool> m_inLoop;
-    std::vector<std::uint32_t> m_control;
+    std::vector<Step> m_steps; ///< of the order
+    std::vector<Step> m_control;
     std::vector<bool> m_isControl;
-    std::vector<std::uint32_t> m_asynchronous;
+    std::vector<Step> m_asynchronous;
     std::vector<ClockGroup> m_groups;
     std::vector<Signal> m_clockSignals;
     std::vector<Lanes> m_clocks; ///< by group: the value that was seen last

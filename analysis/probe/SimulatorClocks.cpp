@@ -24,23 +24,22 @@ bool Simulator::clockRegisters()
     }
     const auto eachNode = [&](auto visit) {
         for (const Edge &edge : edges) {
-            for (const std::uint32_t number : m_groups[edge.group].nodes) {
-                const Node &node = m_graph.nodes[number];
-                const Part &part = m_graph.partOf(node);
+            for (const Step &step : m_groups[edge.group].steps) {
+                const Part &part = *step.part;
                 const bool falls = part.has(PART_FALLING);
                 const Lanes from = falls ? ~edge.before : edge.before;
                 const Lanes to = falls ? ~edge.after : edge.after;
                 const std::uint64_t sure = from.zero & ~from.one & to.one & ~to.zero;
                 const std::uint64_t maybe = from.zero & to.one & ~sure;
                 if ((sure | maybe) != 0) {
-                    visit(edge.group, node, part, sure, maybe);
+                    visit(edge.group, step, sure, maybe);
                 }
             }
         }
     };
     std::uint32_t last = NONE;
     bool any = false;
-    eachNode([&](std::uint32_t group, const Node &, const Part &, std::uint64_t, std::uint64_t) {
+    eachNode([&](std::uint32_t group, const Step &, std::uint64_t, std::uint64_t) {
         any = true;
         if (group != last && !m_isSettled) {
             settleFor(group);
@@ -51,19 +50,19 @@ bool Simulator::clockRegisters()
         return false;
     }
     m_later.clear();
-    eachNode([&](std::uint32_t, const Node &node, const Part &part, std::uint64_t sure, std::uint64_t maybe) {
-        if (part.op != Op::MemoryWrite && !part.has(PART_WRITE_FIRST)) {
-            clockNode(node, part, sure, maybe);
+    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t maybe) {
+        if (step.part->op != Op::MemoryWrite && !step.part->has(PART_WRITE_FIRST)) {
+            clockNode(step, sure, maybe);
         }
     });
-    eachNode([&](std::uint32_t, const Node &node, const Part &part, std::uint64_t sure, std::uint64_t) {
-        if (part.op == Op::MemoryWrite) {
-            writeMemory(node, sure);
+    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t) {
+        if (step.part->op == Op::MemoryWrite) {
+            writeMemory(*step.node, sure);
         }
     });
-    eachNode([&](std::uint32_t, const Node &node, const Part &part, std::uint64_t sure, std::uint64_t maybe) {
-        if (part.has(PART_WRITE_FIRST)) {
-            clockNode(node, part, sure, maybe);
+    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t maybe) {
+        if (step.part->has(PART_WRITE_FIRST)) {
+            clockNode(step, sure, maybe);
         }
     });
     for (const auto &[signal, value] : m_later) {
@@ -83,11 +82,11 @@ void Simulator::settleFor(std::uint32_t number)
             const Span<Signal> inputs = m_graph.inputsOf(m_graph.nodes[node]);
             signals.insert(signals.end(), inputs.begin(), inputs.end());
         }
-        group.cone = coneOf(signals);
+        group.cone = stepsOf(coneOf(signals));
         group.hasCone = true;
     }
-    for (const std::uint32_t node : group.cone) {
-        run(node);
+    for (const Step &step : group.cone) {
+        run(step);
     }
 }
 
@@ -98,8 +97,10 @@ void Simulator::setLater(Signal signal, const Lanes &next, std::uint64_t sure, s
     m_later.emplace_back(signal, inLanes(sure, next, inLanes(maybe, either, before)));
 }
 
-void Simulator::clockNode(const Node &node, const Part &part, std::uint64_t sure, std::uint64_t maybe)
+void Simulator::clockNode(const Step &step, std::uint64_t sure, std::uint64_t maybe)
 {
+    const Node &node = *step.node;
+    const Part &part = *step.part;
     if (part.op == Op::ShiftRegister) {
         shiftStages(node, part, sure);
         return;
@@ -112,8 +113,8 @@ void Simulator::clockNode(const Node &node, const Part &part, std::uint64_t sure
         readClocked(node, part, sure);
         return;
     }
-    const Span<Signal> in = m_graph.inputsOf(node);
-    const Span<Signal> out = m_graph.outputsOf(node);
+    const Span<Signal> in = step.in;
+    const Span<Signal> out = step.out;
     const Lanes enable = m_values[in[1]];
     const Lanes reset = m_values[in[2]];
     for (std::size_t bit = 0; bit < part.width; ++bit) {

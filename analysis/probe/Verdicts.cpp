@@ -7,7 +7,7 @@ namespace kvr::netlistdb::analysis::probe {
 
 namespace {
 
-constexpr unsigned LEAST_ACTIVITY = 6;  ///< runs in which a wire must have been 0, and 1, for its behaviour to tell it
+constexpr unsigned LEAST_ACTIVITY = 6;   ///< runs in which a wire must have been 0, and 1, for its behaviour to tell it
 constexpr std::size_t LONGEST_WAY = 400; ///< wires that are looked at for the cell that absorbed another
 
 } // namespace
@@ -48,8 +48,8 @@ void Verdicts::markAnchored(Side side, const BitGraph &graph)
     std::vector<bool> &anchored = m_anchored[side];
     anchored.assign(graph.signalCount, true);
     for (const Signal signal : simulator.registers()) {
-        anchored[signal] = m_correspondence.isInClass(side, signal) || simulator.isControl()[signal] ||
-                           constants[signal] != 2;
+        anchored[signal] =
+            m_correspondence.isInClass(side, signal) || simulator.isControl()[signal] || constants[signal] != 2;
     }
     for (const std::uint32_t number : simulator.order()) {
         const Node &node = graph.nodes[number];
@@ -90,8 +90,8 @@ void Verdicts::indexPostMap()
     std::sort(m_fromReset.begin(), m_fromReset.end());
 }
 
-/// Whether no post-map wire was equal to the elaborated one from reset on. Two that differ in states alone that were not
-/// reached from reset may be one for all that a user ever sees.
+/// Whether no post-map wire was equal to the elaborated one from reset on. Two that differ in states alone that were
+/// not reached from reset may be one for all that a user ever sees.
 bool Verdicts::wasAlone(Signal elaborated) const
 {
     const Signatures &fromReset = m_correspondence.fromReset(Correspondence::ELABORATED);
@@ -110,8 +110,8 @@ bool Verdicts::agreesFromReset(Signal elaborated, Signal postMap, bool inverted)
            (left.isInverted(elaborated) != right.isInverted(postMap)) == inverted;
 }
 
-/// A name counts unless the two ever differed from reset on. States that are never reached may tell them apart only when
-/// they were seen to change from reset on.
+/// A name counts unless the two ever differed from reset on. States that are never reached may tell them apart only
+/// when they were seen to change from reset on.
 void Verdicts::matchNames()
 {
     const Signatures &left = m_correspondence.fromReset(Correspondence::ELABORATED);
@@ -135,9 +135,9 @@ void Verdicts::matchEqual()
         const auto range = std::equal_range(m_index.begin(), m_index.end(), Keyed{left.hash(signal), 0});
         for (auto other = range.first; other != range.second; ++other) {
             const bool inverted = left.isInverted(signal) != right.isInverted(other->signal);
-            const bool hasAnchors = isRegister(signal) ||
-                                    (m_anchored[0][signal] && m_anchored[1][other->signal]);
-            if (hasAnchors && agreesFromReset(signal, other->signal, inverted)) {
+            const bool hasAnchors = isRegister(signal) || (m_anchored[0][signal] && m_anchored[1][other->signal]);
+            if (hasAnchors && m_correspondence.areCompatible(signal, other->signal) &&
+                agreesFromReset(signal, other->signal, inverted)) {
                 m_matches.push_back({{signal, other->signal}, inverted, false});
             }
         }
@@ -181,10 +181,10 @@ void Verdicts::grade()
         if (at > 0 && m_matches[at - 1].wires.elaborated == own) {
             continue;
         }
-        m_verdicts[own].grade = match.byName                            ? ProbeGrade::Exact
-                                : owners[match.wires.postMap] != own    ? ProbeGrade::Merged
-                                : isRegister(own)                       ? ProbeGrade::Register
-                                                                        : ProbeGrade::Structural;
+        m_verdicts[own].grade = match.byName                         ? ProbeGrade::Exact
+                                : owners[match.wires.postMap] != own ? ProbeGrade::Merged
+                                : isRegister(own)                    ? ProbeGrade::Register
+                                                                     : ProbeGrade::Structural;
     }
 }
 

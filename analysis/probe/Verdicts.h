@@ -20,9 +20,9 @@ struct Match {
 struct Verdict {
     ProbeGrade grade = ProbeGrade::Unknown;
     GoneReason reason = GoneReason::None;
-    bool value = false;   ///< of a constant
-    bool isKnown = false; ///< nothing unknown reached it
-    bool wasSeen = false; ///< and it was seen to change often enough
+    bool value = false;        ///< of a constant
+    bool isKnown = false;      ///< nothing unknown reached it
+    bool wasSeen = false;      ///< and it was seen to change often enough
     std::uint32_t node = NONE; ///< of the post-map netlist: whose cell absorbed it
 };
 

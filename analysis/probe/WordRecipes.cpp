@@ -108,9 +108,12 @@ void alu(RecipeBuilder &cell)
         }
         return slots;
     };
-    Part &part = cell.add(Op::Add, {cell.extended("A", y.size(), isSigned), cell.extended("B", y.size(), isSigned),
-                                    {cell.pin("CI", SLOT_ZERO), cell.pin("BI", SLOT_ZERO)}, y,
-                                    orInner(cell.port("X")), orInner(cell.port("CO"))});
+    Part &part = cell.add(Op::Add, {cell.extended("A", y.size(), isSigned),
+                                    cell.extended("B", y.size(), isSigned),
+                                    {cell.pin("CI", SLOT_ZERO), cell.pin("BI", SLOT_ZERO)},
+                                    y,
+                                    orInner(cell.port("X")),
+                                    orInner(cell.port("CO"))});
     part.width = static_cast<std::uint32_t>(y.size());
     part.flags = PART_CARRIES;
 }
@@ -160,8 +163,8 @@ void shift(RecipeBuilder &cell, bool left, bool keepsSign)
     part.width = static_cast<std::uint32_t>(y.size());
 }
 
-/// Bits of an amount beyond those that can move a bit of an operand of @p width to another place: where they differ from
-/// the sign, everything has left the operand.
+/// Bits of an amount beyond those that can move a bit of an operand of @p width to another place: where they differ
+/// from the sign, everything has left the operand.
 Slot takeFarBits(RecipeBuilder &cell, Slots &amount, std::size_t width, bool isSigned)
 {
     std::size_t enough = isSigned ? 2 : 1;
@@ -245,9 +248,8 @@ bool number(RecipeBuilder &cell, Op op, std::uint16_t flags)
 {
     const Slots y = cell.port("Y");
     const bool isSigned = bothSigned(cell);
-    const std::size_t width = op == Op::Multiply
-                                  ? y.size()
-                                  : std::max({y.size(), cell.port("A").size(), cell.port("B").size()});
+    const std::size_t width =
+        op == Op::Multiply ? y.size() : std::max({y.size(), cell.port("A").size(), cell.port("B").size()});
     if (width > WIDEST_NUMBER) {
         return false;
     }
@@ -361,7 +363,9 @@ const std::unordered_map<std::string_view, Build> &builders()
          }},
         {"$buf", [](RecipeBuilder &cell) { return wiring(cell, cell.port("A")), true; }},
         {"$concat",
-         [](RecipeBuilder &cell) { return wiring(cell, shared({cell.port("A"), cell.port("B")})), true; }},
+         [](RecipeBuilder &cell) {
+             return wiring(cell, shared({cell.port("A"), cell.port("B")})), true;
+         }},
         {"$tribuf",
          [](RecipeBuilder &cell) {
              const Slots a = cell.port("A"), y = cell.port("Y");

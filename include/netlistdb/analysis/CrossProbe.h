@@ -62,10 +62,10 @@ struct ProbeMatch {
 ///
 /// Names are where it begins, not what it rests on. Both netlists are simulated side by side, bit by bit, with the same
 /// random inputs, first from reset and then with random values in all registers that correspond. What behaves
-/// differently is never a match, whatever its name; what behaves alike is one without a name, when it was seen to change
-/// often enough. Random values are no proof: two nets that differ in one of millions of states may pass for equal.
-/// Cells whose function is not known (black boxes) are taken for the same cell in both forms when they have the same
-/// name and type, or are the only ones of their type.
+/// differently is never a match, whatever its name; what behaves alike is one without a name, when it was seen to
+/// change often enough. Random values are no proof: two nets that differ in one of millions of states may pass for
+/// equal. Cells whose function is not known (black boxes) are taken for the same cell in both forms when they have the
+/// same name and type, or are the only ones of their type.
 ///
 /// Built once, in time and memory in proportion to the unfolded design. Never changes: any number of threads may ask at
 /// a time. The database must outlive it; once one of the sources has been reset or imported anew, every question is

@@ -20,9 +20,9 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
-constexpr std::array GRADES = {analysis::ProbeGrade::Exact,  analysis::ProbeGrade::Register,
+constexpr std::array GRADES = {analysis::ProbeGrade::Exact,      analysis::ProbeGrade::Register,
                                analysis::ProbeGrade::Structural, analysis::ProbeGrade::Merged,
-                               analysis::ProbeGrade::Gone,   analysis::ProbeGrade::Unknown};
+                               analysis::ProbeGrade::Gone,       analysis::ProbeGrade::Unknown};
 
 std::string gradeNames()
 {

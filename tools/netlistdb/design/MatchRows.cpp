@@ -86,7 +86,8 @@ void MatchRows::write(const Run &run)
     const analysis::ProbeMatch &match = run.match;
     const bool inverted = !match.targets.empty() && match.targets.front().inverted;
     const std::string net = run.vector.empty() ? run.net : rangeOf(run.vector, run.first, run.last);
-    std::string target = run.targetVector.empty() ? run.target : rangeOf(run.targetVector, run.targetFirst, run.targetLast);
+    std::string target =
+        run.targetVector.empty() ? run.target : rangeOf(run.targetVector, run.targetFirst, run.targetLast);
     std::vector<std::string> also;
     for (std::size_t at = 1; at < match.targets.size(); ++at) {
         also.push_back((match.targets[at].inverted ? "~" : "") + nameOf(match.targets[at]));
