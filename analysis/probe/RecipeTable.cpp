@@ -59,7 +59,7 @@ Recipe build(const Verific::Instance &instance, CellKind kind)
 {
     Recipe recipe;
     recipe.kind = kind;
-    const ModelBuilder pins(instance, instance);
+    const ModelBuilder pins(instance, instance, false);
     const auto attempt = [&](bool (*add)(RecipeBuilder &)) {
         Recipe candidate;
         candidate.kind = kind;

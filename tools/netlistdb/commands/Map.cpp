@@ -61,9 +61,9 @@ class MapCommand : public Command {
         app.add_flag("--all", m_all, "Show nets and buses that no user declared, too");
         app.add_option_function<std::vector<std::string>>(
                "--grade", [this](const std::vector<std::string> &names) { takeGrades(names); },
-               "Show nets of these grades only: " + gradeNames())
+               "Show nets of these grades only")
             ->delimiter(',')
-            ->type_name("GRADE,...")
+            ->type_name(gradeNames())
             ->allow_extra_args(false);
         addReadingOptions(app, common);
         addOutputOptions(app, common);
