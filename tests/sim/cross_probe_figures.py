@@ -13,6 +13,10 @@ import tempfile
 from side_by_side import KVR_MODELS, MODELS, designs, mapping, registers_of, simulate, without_names
 
 
+#: Cycles after which registers without a reset have mostly been loaded. Waveforms are looked for from there on.
+SETTLED = 64
+
+
 def same(left, right, inverted, cycles):
     """Whether two waveforms agree wherever both are known."""
     known = ~(left[1] | right[1]) & ((1 << cycles) - 1)
@@ -36,13 +40,13 @@ def figures_of(design, scratch, cycles, nameless):
     # Below the top there is only what is inside the models of cells.
     for name in (name for name in post_map.names if "/" not in name):
         ones, unknown = post_map.of(name)
-        if unknown >> (cycles // 2) == 0:
-            present.add(ones >> (cycles // 2))
-            present.add((ones ^ whole) >> (cycles // 2))
+        if unknown >> SETTLED == 0:
+            present.add(ones >> SETTLED)
+            present.add((ones ^ whole) >> SETTLED)
     registers = registers_of(design.elaborated, design.top)
     waves = {row["net"]: elaborated.of(row["net"]) for row in rows}
-    late = {net: wave[0] >> (cycles // 2) for net, wave in waves.items() if wave and wave[1] >> (cycles // 2) == 0}
-    half = (1 << (cycles - cycles // 2)) - 1
+    late = {net: wave[0] >> SETTLED for net, wave in waves.items() if wave and wave[1] >> SETTLED == 0}
+    half = (1 << (cycles - SETTLED)) - 1
     changing = {net: wave for net, wave in late.items() if wave not in (0, half)}
     often = collections.Counter(changing[net] for net in changing if net in registers)
     for row in rows:
