@@ -12,6 +12,11 @@ void addDesignOptions(CLI::App &command, CommonOptions &options)
     addChoice(command, "--form", options.form, "Form of the netlist (default: found out from it)",
               "elaborated|post-map", FORMS)
         ->group("Design");
+    addReadingOptions(command, options);
+}
+
+void addReadingOptions(CLI::App &command, CommonOptions &options)
+{
     addSourceOptions(command, options);
     addNumber(command, "--max-instances", options.maxInstances, 1,
               "Refuse a design that unfolds to more than N instances (default: 50 million)")

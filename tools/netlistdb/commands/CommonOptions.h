@@ -34,6 +34,8 @@ struct CommonOptions {
 
 /// Adds the options about the design to a command.
 void addDesignOptions(CLI::App &command, CommonOptions &options);
+/// Adds them without the form, for commands that know it.
+void addReadingOptions(CLI::App &command, CommonOptions &options);
 /// Adds those of them that say how a design is read, for every command.
 void addSourceOptions(CLI::App &command, CommonOptions &options);
 /// Adds the options about results to a command.

@@ -9,17 +9,20 @@
 
 namespace kvr::netlistdb::tool {
 
-Design::Design(std::string name, Form form, Clocks clocks, const Verific::Netlist &netlist)
+Design::Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist)
     : m_name(std::move(name)), m_form(form), m_sources(netlist), m_devices(takeDeviceCensus(netlist, form)),
-      m_database(std::make_unique<DesignDatabase>(clocks == Clocks::Yes))
+      m_database(std::move(database))
 {
 }
 
 Design::~Design()
 {
     m_clocks.reset();
+    const bool isLast = m_database.use_count() == 1;
     m_database.reset();
-    Verific::Libset::Reset();
+    if (isLast) {
+        Verific::Libset::Reset();
+    }
 }
 
 IVDBNetlist &Design::top()
@@ -68,17 +71,19 @@ const analysis::ClockMap &Design::clocks()
     return *m_clocks;
 }
 
-std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
+namespace {
+
+std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_ptr<DesignDatabase> &database,
+                               const Reading &reading)
 {
-    const SourceNetlist source = readNetlist(files, reading);
     limitInstances(source, reading.maxInstances);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
-    auto design = std::make_unique<Design>(source.name, source.form, clocks, *source.netlist);
+    auto design = std::make_unique<Design>(source.name, source.form, database, *source.netlist);
     bool whole = false;
     try {
-        whole = source.form == Form::PostMap ? design->database().parsePostMapNetlist(source.netlist)
-                                             : design->database().parseElaboratedNetlist(source.netlist);
+        whole = source.form == Form::PostMap ? database->parsePostMapNetlist(source.netlist)
+                                             : database->parseElaboratedNetlist(source.netlist);
     } catch (const std::out_of_range &) {
         throw refused(source.name, "the name of some net ends in a bit subscript beyond 32 bits");
     } catch (const std::invalid_argument &fault) {
@@ -90,12 +95,35 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     if (std::string note = noteOnHierarchy(*source.netlist, source.form); !note.empty()) {
         reading.notes.push_back(std::move(note));
     }
+    reading.progress.clear();
+    return design;
+}
+
+} // namespace
+
+std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
+{
+    const SourceNetlist source = readNetlist(files, reading);
+    auto design = import(source, std::make_shared<DesignDatabase>(clocks == Clocks::Yes), reading);
     const std::string warning = design->devices().warning();
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);
     }
-    reading.progress.clear();
     return design;
+}
+
+DesignPair loadDesignPair(const std::string &elaborated, const std::string &postMap, const Reading &reading)
+{
+    const auto database = std::make_shared<DesignDatabase>(true);
+    DesignPair pair;
+    for (const Form form : {Form::Elaborated, Form::PostMap}) {
+        Reading own = reading;
+        own.form = form;
+        const bool isElaborated = form == Form::Elaborated;
+        const SourceNetlist source = readNetlist({isElaborated ? elaborated : postMap}, own);
+        (isElaborated ? pair.elaborated : pair.postMap) = import(source, database, own);
+    }
+    return pair;
 }
 
 } // namespace kvr::netlistdb::tool

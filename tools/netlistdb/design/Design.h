@@ -27,11 +27,11 @@ struct SourceNetlist {
 /// Whether a command asks about clocks, which costs time and memory.
 enum class Clocks { No, Yes };
 
-/// An imported design. Frees the netlist database with itself: one at a time in a process.
+/// An imported design: one form of it. The last one of a database frees the netlist database with itself.
 class Design {
   public:
-    /// Keeps @p netlist, from which the database is to be filled, for what the database does not hold.
-    Design(std::string name, Form form, Clocks clocks, const Verific::Netlist &netlist);
+    /// Keeps @p netlist, from which @p database is to be filled, for what the database does not tell.
+    Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist);
     ~Design();
     Design(const Design &) = delete;
     Design &operator=(const Design &) = delete;
@@ -62,7 +62,7 @@ class Design {
     Form m_form;
     SourceNetlists m_sources;
     DeviceCensus m_devices;
-    std::unique_ptr<DesignDatabase> m_database;
+    std::shared_ptr<DesignDatabase> m_database;
     std::unique_ptr<const analysis::ClockMap> m_clocks;
     std::unordered_map<const IVDBNetlist *, std::unique_ptr<ModuleNames>> m_names;
     std::unordered_map<const IVDBNetlist *, std::string> m_moduleNames;
@@ -75,6 +75,16 @@ SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &
 /// Reads @p files and imports them. Notes cells of unknown type when a command asks about clocks.
 /// @throws Failure, Interrupted
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
+
+/// Both forms of one design, in one database that keeps its source netlists.
+struct DesignPair {
+    std::unique_ptr<Design> elaborated;
+    std::unique_ptr<Design> postMap;
+};
+
+/// Reads and imports both forms, whichever form they look like.
+/// @throws Failure, Interrupted
+DesignPair loadDesignPair(const std::string &elaborated, const std::string &postMap, const Reading &reading);
 
 /// True for names that are taken as Verilog sources: of these a design may have several.
 bool isVerilogName(const std::string &file);

@@ -1,0 +1,239 @@
+#include <netlistdb/analysis/CrossProbe.h>
+
+#include "analysis/probe/Locator.h"
+#include "analysis/probe/NetNames.h"
+#include "analysis/probe/Verdicts.h"
+
+#include <netlistdb/DesignDatabase.h>
+#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/IVDBNet.h>
+
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+
+namespace kvr::netlistdb::analysis {
+
+using namespace probe;
+
+namespace {
+
+constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
+constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+
+const char *sentenceOf(GoneReason reason)
+{
+    switch (reason) {
+    case GoneReason::None:
+        break;
+    case GoneReason::Constant:
+        return "never changes, once reset";
+    case GoneReason::Unused:
+        return "no output of the design depends on it";
+    case GoneReason::InLogic:
+        return "no net equals it; computed inside a cell of logic";
+    case GoneReason::InMemory:
+        return "no net equals it; taken into a memory";
+    case GoneReason::InDsp:
+        return "no net equals it; taken into an arithmetic block";
+    case GoneReason::InShiftRegister:
+        return "no net equals it; a stage inside a shift register";
+    case GoneReason::Retimed:
+        return "no net equals it; its registers were moved through logic or encoded anew";
+    }
+    return "";
+}
+
+bool isMadeUp(const std::string &name)
+{
+    return name.empty() || name.front() == '$';
+}
+
+} // namespace
+
+const char *nameOf(ProbeGrade grade)
+{
+    static constexpr const char *names[] = {"exact", "register", "structural", "merged", "gone", "unknown"};
+    return names[static_cast<std::size_t>(grade)];
+}
+
+const char *nameOf(GoneReason reason)
+{
+    static constexpr const char *names[] = {"",       "constant",          "unused", "in-logic", "in-memory",
+                                            "in-dsp", "in-shift-register", "retimed"};
+    return names[static_cast<std::size_t>(reason)];
+}
+
+struct CrossProbe::State {
+    explicit State(DesignDatabase &from)
+        : database(from), generations{from.generation(ELABORATED), from.generation(POST_MAP)},
+          elaborated(from, ELABORATED), postMap(from, POST_MAP)
+    {
+        {
+            const Correspondence correspondence(elaborated, postMap);
+            Verdicts found(elaborated, postMap, correspondence);
+            names = correspondence.names().wires;
+            verdicts = found.takeVerdicts();
+            matches = found.takeMatches();
+        }
+        for (std::uint32_t match = 0; match < matches.size(); ++match) {
+            back.push_back(match);
+        }
+        // The best grade first, whichever order the elaborated wires have.
+        std::stable_sort(back.begin(), back.end(), [&](std::uint32_t a, std::uint32_t b) {
+            const Match &left = matches[a];
+            const Match &right = matches[b];
+            if (left.wires.postMap != right.wires.postMap) {
+                return left.wires.postMap < right.wires.postMap;
+            }
+            return left.byName != right.byName
+                       ? left.byName
+                       : verdicts[left.wires.elaborated].grade < verdicts[right.wires.elaborated].grade;
+        });
+        elaborated.pins = {};
+        elaborated.nodes = {};
+        postMap.pins = {};
+        locators[0].emplace(elaborated, database.getRoot(ELABORATED));
+        locators[1].emplace(postMap, database.getRoot(POST_MAP));
+    }
+
+    void check() const
+    {
+        if (database.generation(ELABORATED) != generations[0] || database.generation(POST_MAP) != generations[1]) {
+            throw std::logic_error("CrossProbe: the source has been reset or imported anew");
+        }
+    }
+
+    std::string nameOfNet(const BitGraph &graph, const Locator &locator, std::uint32_t net) const
+    {
+        const NetPlace place = locator.placeOf(net);
+        const std::string path = graph.pathOf(place.occurrence);
+        const IVDBNet *const item = locator.netItem(place);
+        return path + (path.empty() ? "" : "/") + (item != nullptr ? item->getName() : std::string());
+    }
+
+    /// The nets on a wire: one called @p wanted first, then declared ones.
+    void addTargets(const BitGraph &graph, const Locator &locator, Signal signal, bool inverted, std::uint64_t wanted,
+                    std::vector<ProbeTarget> &targets) const
+    {
+        struct Choice {
+            int rank;
+            std::uint32_t net;
+        };
+        std::vector<Choice> choices;
+        for (const std::uint32_t net : locator.netsOn(signal)) {
+            const NetPlace place = locator.placeOf(net);
+            const IVDBNet *const item = locator.netItem(place);
+            if (item != nullptr) {
+                const bool isWanted = hashOfPath(nameOfNet(graph, locator, net)) == wanted;
+                choices.push_back({isWanted ? 0 : isMadeUp(item->getName()) ? 2 : 1, net});
+            }
+        }
+        std::stable_sort(choices.begin(), choices.end(),
+                         [](const Choice &a, const Choice &b) { return a.rank < b.rank; });
+        for (const Choice &choice : choices) {
+            const NetPlace place = locator.placeOf(choice.net);
+            IVDBInstance *const instance = locator.instanceItem(place.occurrence);
+            if (instance != nullptr) {
+                targets.push_back({instance, locator.netItem(place), inverted});
+            }
+        }
+    }
+
+    std::string evidenceOf(Signal signal, ProbeGrade grade) const
+    {
+        const Verdict &verdict = verdicts[signal];
+        switch (grade) {
+        case ProbeGrade::Exact:
+            return verdict.wasSeen ? "same name, and equal in all runs"
+                                   : "same name; nothing contradicts, but it was hardly seen to change";
+        case ProbeGrade::Register:
+            return "a register that behaves the same, from reset and from random states";
+        case ProbeGrade::Structural:
+            return "computes the same from matched registers and inputs, over random values";
+        case ProbeGrade::Merged:
+            return "equal to another net of the elaborated form, which has this net";
+        case ProbeGrade::Gone:
+            return verdict.reason == GoneReason::Constant
+                       ? std::string("always ") + (verdict.value ? "1" : "0") + " once reset"
+                       : sentenceOf(verdict.reason);
+        case ProbeGrade::Unknown:
+            break;
+        }
+        const auto named = std::lower_bound(names.begin(), names.end(), WirePair{signal, 0});
+        if (named != names.end() && named->elaborated == signal) {
+            return "the net of this name behaves differently";
+        }
+        return !verdict.isKnown   ? "depends on something whose value is not known"
+               : !verdict.wasSeen ? "hardly seen to change"
+                                  : "no net was found that equals it, and no cell that has taken it in";
+    }
+
+    DesignDatabase &database;
+    std::uint64_t generations[2];
+    BitGraph elaborated;
+    BitGraph postMap;
+    std::vector<WirePair> names;
+    std::vector<Verdict> verdicts;
+    std::vector<Match> matches;
+    std::vector<std::uint32_t> back; ///< places in matches, by post-map wire
+    std::optional<Locator> locators[2];
+};
+
+CrossProbe::CrossProbe(DesignDatabase &database) : m_state(std::make_unique<const State>(database)) {}
+CrossProbe::~CrossProbe() = default;
+CrossProbe::CrossProbe(CrossProbe &&) noexcept = default;
+CrossProbe &CrossProbe::operator=(CrossProbe &&) noexcept = default;
+
+ProbeMatch CrossProbe::find(const IVDBInstance *inst, const IVDBNet *net) const
+{
+    m_state->check();
+    const Signal signal = m_state->locators[0]->find(inst, net);
+    ProbeMatch result;
+    const Verdict &verdict = m_state->verdicts[signal];
+    result.grade = verdict.grade;
+    result.reason = verdict.reason;
+    const std::string path = inst->getPath();
+    const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
+    auto match =
+        std::lower_bound(m_state->matches.begin(), m_state->matches.end(), signal,
+                         [](const Match &each, Signal elaborated) { return each.wires.elaborated < elaborated; });
+    for (; match != m_state->matches.end() && match->wires.elaborated == signal; ++match) {
+        m_state->addTargets(m_state->postMap, *m_state->locators[1], match->wires.postMap, match->inverted, wanted,
+                            result.targets);
+    }
+    if (verdict.node != NONE) {
+        const Node &node = m_state->postMap.nodes[verdict.node];
+        result.cell = m_state->postMap.pathOf(node.occurrence, node.cell);
+    }
+    result.evidence = m_state->evidenceOf(signal, result.grade);
+    return result;
+}
+
+ProbeMatch CrossProbe::findBack(const IVDBInstance *inst, const IVDBNet *net) const
+{
+    m_state->check();
+    const Signal signal = m_state->locators[1]->find(inst, net);
+    ProbeMatch result;
+    const std::string path = inst->getPath();
+    const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
+    auto place =
+        std::lower_bound(m_state->back.begin(), m_state->back.end(), signal, [&](std::uint32_t each, Signal postMap) {
+            return m_state->matches[each].wires.postMap < postMap;
+        });
+    for (; place != m_state->back.end() && m_state->matches[*place].wires.postMap == signal; ++place) {
+        const Match &match = m_state->matches[*place];
+        if (result.targets.empty()) {
+            result.grade = m_state->verdicts[match.wires.elaborated].grade;
+            result.evidence = m_state->evidenceOf(match.wires.elaborated, result.grade);
+        }
+        m_state->addTargets(m_state->elaborated, *m_state->locators[0], match.wires.elaborated, match.inverted, wanted,
+                            result.targets);
+    }
+    if (result.targets.empty()) {
+        result.evidence = "no net of the elaborated form was found that equals it";
+    }
+    return result;
+}
+
+} // namespace kvr::netlistdb::analysis

@@ -1,0 +1,112 @@
+#include "analysis/probe/Locator.h"
+
+#include <netlistdb/DesignDatabase.h>
+#include <netlistdb/IVDBInstance.h>
+#include <netlistdb/IVDBNet.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace kvr::netlistdb::analysis::probe {
+
+Locator::Locator(const BitGraph &graph, IVDBInstance *root) : m_graph(graph), m_root(root)
+{
+    for (const ModuleGraph &module : graph.hierarchy.modules) {
+        m_firstSub.push_back(static_cast<std::uint32_t>(m_subs.size()));
+        for (const ModuleGraph::SubInstance &sub : module.subs) {
+            m_subs.push_back(sub.instance);
+        }
+    }
+    const std::vector<IVDBNet *> &items = graph.hierarchy.items;
+    m_itemIndex.reset(items.size());
+    for (std::uint32_t item = 0; item < items.size(); ++item) {
+        if (items[item] != nullptr) {
+            m_itemIndex.add(items, item);
+        }
+    }
+    m_subIndex.reset(m_subs.size());
+    for (std::uint32_t sub = 0; sub < m_subs.size(); ++sub) {
+        m_subIndex.add(m_subs, sub);
+    }
+    m_firstNet.assign(graph.signalCount + 1, 0);
+    for (const Signal signal : graph.signals) {
+        ++m_firstNet[signal + 1];
+    }
+    for (std::size_t signal = 0; signal < graph.signalCount; ++signal) {
+        m_firstNet[signal + 1] += m_firstNet[signal];
+    }
+    m_nets.resize(graph.signals.size());
+    std::vector<std::uint32_t> next(m_firstNet.begin(), m_firstNet.end() - 1);
+    for (std::uint32_t net = 0; net < graph.signals.size(); ++net) {
+        m_nets[next[graph.signals[net]]++] = net;
+    }
+}
+
+std::uint32_t Locator::occurrenceOf(const IVDBInstance *inst) const
+{
+    std::vector<std::uint32_t> way;
+    bool isInside = true;
+    for (const IVDBInstance *at = inst; at != m_root; at = at->getOwnerInstance()) {
+        const Verific::Instance *const instance =
+            at != nullptr ? m_graph.database.sourceInstance(at, m_graph.source) : nullptr;
+        if (instance == nullptr) {
+            throw std::invalid_argument("CrossProbe: the instance is no instance of the source");
+        }
+        way.push_back(m_subIndex.find(m_subs, instance));
+        isInside = isInside && way.back() != NONE;
+    }
+    std::uint32_t occurrence = 0;
+    for (std::size_t level = way.size(); level-- > 0 && isInside;) {
+        const std::uint32_t sub = way[level] - m_firstSub[m_graph.occurrences[occurrence].module];
+        isInside = sub < m_graph.moduleOf(occurrence).subs.size();
+        occurrence = m_graph.firstChild[occurrence] + sub;
+    }
+    return isInside ? occurrence : NONE;
+}
+
+Signal Locator::find(const IVDBInstance *inst, const IVDBNet *net) const
+{
+    if (net == nullptr || m_graph.database.sourceNet(net, m_graph.source) == nullptr) {
+        throw std::invalid_argument("CrossProbe: the net is no net of the source");
+    }
+    const std::uint32_t occurrence = occurrenceOf(inst);
+    const std::uint32_t item = m_itemIndex.find(m_graph.hierarchy.items, net);
+    if (occurrence == NONE || item == NONE) {
+        return SIGNAL_UNKNOWN;
+    }
+    const std::uint32_t number = item - m_graph.moduleOf(occurrence).firstNet;
+    if (number >= m_graph.moduleOf(occurrence).netCount()) {
+        throw std::invalid_argument("CrossProbe: the net is none of that instance");
+    }
+    return m_graph.signalOf(occurrence, number);
+}
+
+NetPlace Locator::placeOf(std::uint32_t net) const
+{
+    const auto next = std::upper_bound(
+        m_graph.occurrences.begin(), m_graph.occurrences.end(), net,
+        [](std::uint32_t number, const Occurrence &occurrence) { return number < occurrence.firstNet; });
+    const auto occurrence = static_cast<std::uint32_t>(next - m_graph.occurrences.begin()) - 1;
+    return {occurrence, net - m_graph.occurrences[occurrence].firstNet};
+}
+
+IVDBInstance *Locator::instanceItem(std::uint32_t occurrence) const
+{
+    std::vector<std::uint32_t> way;
+    for (; m_graph.occurrences[occurrence].parent != NONE; occurrence = m_graph.occurrences[occurrence].parent) {
+        way.push_back(occurrence);
+    }
+    IVDBInstance *item = m_root;
+    for (auto at = way.rbegin(); at != way.rend() && item != nullptr; ++at) {
+        const Occurrence &own = m_graph.occurrences[*at];
+        const ModuleGraph::SubInstance &sub = m_graph.moduleOf(own.parent).subs[own.sub];
+        const std::vector<IVDBInstance *> &children = item->getSubInstances();
+        item = sub.cell < children.size() ? children[sub.cell] : nullptr;
+        if (item != nullptr && m_graph.database.sourceInstance(item, m_graph.source) != sub.instance) {
+            item = nullptr;
+        }
+    }
+    return item;
+}
+
+} // namespace kvr::netlistdb::analysis::probe

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "analysis/probe/Simulator.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace kvr::netlistdb::analysis::probe {
+
+/// What was seen of every wire in the course of a simulation, in a few words: wires that were always equal, or always
+/// the inverse of each other, have the same hash.
+class Signatures {
+  public:
+    void clear(std::size_t signals)
+    {
+        m_hash.assign(signals, 0);
+        m_ones.assign(signals, 0);
+        m_zeros.assign(signals, 0);
+        m_flags.assign(signals, 0);
+    }
+
+    /// Adds the values in @p lanes of one moment.
+    void sample(const Simulator &simulator, std::uint64_t lanes)
+    {
+        for (Signal signal = 0; signal < m_hash.size(); ++signal) {
+            add(signal, simulator[signal], lanes);
+        }
+    }
+    /// The same for some wires alone.
+    void sample(const Simulator &simulator, std::uint64_t lanes, const std::vector<Signal> &signals)
+    {
+        for (const Signal signal : signals) {
+            add(signal, simulator[signal], lanes);
+        }
+    }
+
+    std::uint64_t hash(Signal signal) const { return m_hash[signal]; }
+    /// True when it was known in every moment.
+    bool isKnown(Signal signal) const { return (m_flags[signal] & UNKNOWN_ONCE) == 0; }
+    /// True when the hash is that of the inverse.
+    bool isInverted(Signal signal) const { return (m_flags[signal] & INVERTED) != 0; }
+    /// In how many runs it was 0 and in how many it was 1, whichever is less.
+    unsigned activity(Signal signal) const;
+    /// True when it was the same all the time.
+    bool isStill(Signal signal) const { return m_ones[signal] == 0 || m_zeros[signal] == 0; }
+    /// The value of a wire that was still.
+    bool stillValue(Signal signal) const { return m_ones[signal] != 0; }
+
+  private:
+    enum Flag : std::uint8_t { UNKNOWN_ONCE = 1, STARTED = 2, INVERTED = 4 };
+
+    void add(Signal signal, const Lanes &value, std::uint64_t lanes)
+    {
+        std::uint8_t &flags = m_flags[signal];
+        if ((~value.known() & lanes) != 0) {
+            flags |= UNKNOWN_ONCE;
+            return;
+        }
+        if ((flags & STARTED) == 0) {
+            flags |= STARTED | ((value.one & (lanes & (~lanes + 1))) != 0 ? INVERTED : 0);
+        }
+        m_ones[signal] |= value.one & lanes;
+        m_zeros[signal] |= value.zero & lanes;
+        const std::uint64_t seen = ((flags & INVERTED) != 0 ? value.zero : value.one) & lanes;
+        m_hash[signal] = (m_hash[signal] ^ seen) * 0x9E3779B97F4A7C15ULL;
+        m_hash[signal] ^= m_hash[signal] >> 29;
+    }
+
+    std::vector<std::uint64_t> m_hash;
+    std::vector<std::uint64_t> m_ones;
+    std::vector<std::uint64_t> m_zeros;
+    std::vector<std::uint8_t> m_flags;
+};
+
+} // namespace kvr::netlistdb::analysis::probe

@@ -1,0 +1,443 @@
+#include "analysis/probe/Simulator.h"
+
+#include "analysis/probe/Logic.h"
+
+#include <algorithm>
+
+namespace kvr::netlistdb::analysis::probe {
+
+namespace {
+
+constexpr int MOST_REACTIONS = 12; ///< clocks made by registers of clocks made by registers, and so on
+
+} // namespace
+
+Simulator::Simulator(const BitGraph &graph) : m_graph(graph)
+{
+    for (const Node &node : graph.nodes) {
+        const Op op = graph.partOf(node).op;
+        if (op == Op::FlipFlop || op == Op::ClockedRead || op == Op::MultiplyAdd || op == Op::Latch) {
+            const Span<Signal> outputs = graph.outputsOf(node);
+            m_registers.insert(m_registers.end(), outputs.begin(), outputs.end());
+        }
+    }
+    std::size_t contents = 0;
+    for (const Memory &memory : graph.memories) {
+        m_firstContent.push_back(contents);
+        contents += memory.words() * memory.width;
+    }
+    m_contents.resize(contents);
+    for (Signal signal = 0; signal < graph.signalCount; ++signal) {
+        if (graph.external[signal]) {
+            m_externalOf.resize(graph.signalCount, NONE);
+            m_externalOf[signal] = static_cast<std::uint32_t>(m_external.size());
+            m_external.push_back(UNKNOWN);
+        }
+    }
+    sortLogic();
+    m_steps = stepsOf(m_order);
+    findClocks();
+    findControl();
+    restart();
+}
+
+void Simulator::restart()
+{
+    m_values.assign(m_graph.signalCount, UNKNOWN);
+    m_values[SIGNAL_ZERO] = ZERO;
+    m_values[SIGNAL_ONE] = ONE;
+    m_stages.assign(m_graph.stateWords, ZERO);
+    for (const Signal signal : m_registers) {
+        m_values[signal] = ZERO;
+    }
+    for (const Node &node : m_graph.nodes) {
+        const Part &part = m_graph.partOf(node);
+        const Span<Signal> outputs = m_graph.outputsOf(node);
+        for (std::size_t bit = 0; bit < part.start.size() && bit < outputs.size(); ++bit) {
+            if (part.start[bit] != 'x') {
+                m_values[outputs[bit]] = part.start[bit] == '1' ? ONE : ZERO;
+            }
+        }
+    }
+    for (const auto &[signal, value] : m_graph.starts) {
+        const std::uint32_t driver = m_graph.drivers[signal];
+        if (driver != NONE && !m_graph.partOf(m_graph.nodes[driver]).isLogic()) {
+            m_values[signal] = value ? ONE : ZERO;
+        }
+    }
+    startMemories();
+    for (const Step &step : m_steps) {
+        run(step);
+    }
+    for (std::size_t group = 0; group < m_groups.size(); ++group) {
+        m_clocks.resize(m_groups.size());
+        m_clocks[group] = m_values[m_groups[group].clock];
+    }
+    m_isSettled = false;
+}
+
+void Simulator::load(const State &state)
+{
+    m_values = state.values;
+    m_stages = state.stages;
+    m_contents = state.contents;
+    m_clocks = state.clocks;
+    m_isSettled = false;
+}
+
+void Simulator::startMemories()
+{
+    std::fill(m_contents.begin(), m_contents.end(), ZERO);
+    for (std::size_t number = 0; number < m_graph.memories.size(); ++number) {
+        const std::string &start = m_graph.memories[number].shape->start;
+        const std::size_t size = m_graph.memories[number].words() * m_graph.memories[number].width;
+        for (std::size_t bit = 0; bit < start.size() && bit < size; ++bit) {
+            m_contents[m_firstContent[number] + bit] = start[bit] == '1' ? ONE : ZERO;
+        }
+    }
+    for (const Node &node : m_graph.nodes) {
+        const Part &part = m_graph.partOf(node);
+        if (part.op != Op::MemoryStart) {
+            continue;
+        }
+        const Span<Signal> in = m_graph.inputsOf(node);
+        std::array<std::uint64_t, 64> first;
+        const Span<Signal> address(in.begin(), in.begin() + part.inputs);
+        if (numbersOf(m_values, address, first) != ALL_LANES) {
+            continue;
+        }
+        const Memory &memory = m_graph.memories[node.state];
+        const std::size_t size = memory.words() * memory.width;
+        for (std::size_t bit = 0; bit < part.width && first[0] * memory.width + bit < size; ++bit) {
+            const Lanes value = m_values[in[part.inputs + bit]];
+            m_contents[m_firstContent[node.state] + first[0] * memory.width + bit] = value == ONE ? ONE : ZERO;
+        }
+    }
+}
+
+/// Kahn's algorithm. What a combinational loop drives stays not known.
+void Simulator::sortLogic()
+{
+    const std::size_t count = m_graph.nodes.size();
+    std::vector<std::uint32_t> waiting(count, 0);
+    std::vector<std::uint32_t> firstUser(m_graph.signalCount + 1, 0);
+    std::vector<std::uint32_t> users;
+    const auto eachEdge = [&](auto visit) {
+        for (std::uint32_t node = 0; node < count; ++node) {
+            if (!m_graph.partOf(m_graph.nodes[node]).isLogic()) {
+                continue;
+            }
+            for (const Signal input : m_graph.inputsOf(m_graph.nodes[node])) {
+                const std::uint32_t driver = m_graph.drivers[input];
+                if (driver != NONE && m_graph.partOf(m_graph.nodes[driver]).isLogic()) {
+                    visit(input, node);
+                }
+            }
+        }
+    };
+    eachEdge([&](Signal input, std::uint32_t node) {
+        ++firstUser[input + 1];
+        ++waiting[node];
+    });
+    for (std::size_t signal = 0; signal < m_graph.signalCount; ++signal) {
+        firstUser[signal + 1] += firstUser[signal];
+    }
+    users.resize(firstUser.back());
+    std::vector<std::uint32_t> next(firstUser.begin(), firstUser.end() - 1);
+    eachEdge([&](Signal input, std::uint32_t node) { users[next[input]++] = node; });
+
+    std::vector<bool> isDone(count, false);
+    const auto finish = [&](std::uint32_t node, bool isInOrder) {
+        isDone[node] = true;
+        if (isInOrder) {
+            m_order.push_back(node);
+        }
+        std::vector<std::uint32_t> ready;
+        for (const Signal output : m_graph.outputsOf(m_graph.nodes[node])) {
+            if (m_graph.drivers[output] != node) {
+                continue;
+            }
+            for (std::uint32_t at = firstUser[output]; at < firstUser[output + 1]; ++at) {
+                if (--waiting[users[at]] == 0 && !isDone[users[at]]) {
+                    ready.push_back(users[at]);
+                }
+            }
+        }
+        return ready;
+    };
+    std::vector<std::uint32_t> open;
+    for (std::uint32_t node = 0; node < count; ++node) {
+        if (m_graph.partOf(m_graph.nodes[node]).isLogic() && waiting[node] == 0) {
+            open.push_back(node);
+        }
+    }
+    const auto drain = [&] {
+        while (!open.empty()) {
+            const std::uint32_t node = open.back();
+            open.pop_back();
+            const std::vector<std::uint32_t> ready = finish(node, true);
+            open.insert(open.end(), ready.begin(), ready.end());
+        }
+    };
+    m_inLoop.assign(count, false);
+    drain();
+    // What is left hangs on loops. Without those that no other one needs, the loops remain, and what lies between them.
+    std::vector<std::uint32_t> needed(count, 0);
+    std::vector<std::uint32_t> left;
+    for (std::uint32_t node = 0; node < count; ++node) {
+        if (m_graph.partOf(m_graph.nodes[node]).isLogic() && !isDone[node]) {
+            left.push_back(node);
+        }
+    }
+    const auto eachDriver = [&](std::uint32_t node, auto visit) {
+        for (const Signal input : m_graph.inputsOf(m_graph.nodes[node])) {
+            const std::uint32_t driver = m_graph.drivers[input];
+            if (driver != NONE && m_graph.partOf(m_graph.nodes[driver]).isLogic() && !isDone[driver]) {
+                visit(driver);
+            }
+        }
+    };
+    for (const std::uint32_t node : left) {
+        eachDriver(node, [&](std::uint32_t driver) { ++needed[driver]; });
+    }
+    std::vector<bool> isBehind(count, false);
+    for (const std::uint32_t node : left) {
+        if (needed[node] == 0 && !isBehind[node]) {
+            isBehind[node] = true;
+            open.push_back(node);
+        }
+    }
+    while (!open.empty()) {
+        const std::uint32_t node = open.back();
+        open.pop_back();
+        eachDriver(node, [&](std::uint32_t driver) {
+            if (--needed[driver] == 0 && !isBehind[driver]) {
+                isBehind[driver] = true;
+                open.push_back(driver);
+            }
+        });
+    }
+    for (const std::uint32_t node : left) {
+        if (!isBehind[node]) {
+            m_inLoop[node] = true;
+            const std::vector<std::uint32_t> ready = finish(node, false);
+            open.insert(open.end(), ready.begin(), ready.end());
+        }
+    }
+    open.erase(std::remove_if(open.begin(), open.end(), [&](std::uint32_t node) { return m_inLoop[node]; }),
+               open.end());
+    drain();
+}
+
+void Simulator::findClocks()
+{
+    std::vector<std::uint32_t> groupOf(m_graph.signalCount, NONE);
+    for (std::uint32_t number = 0; number < m_graph.nodes.size(); ++number) {
+        const Part &part = m_graph.partOf(m_graph.nodes[number]);
+        if (!part.isClocked()) {
+            continue;
+        }
+        const Signal clock = m_graph.inputsOf(m_graph.nodes[number])[0];
+        if (groupOf[clock] == NONE) {
+            groupOf[clock] = static_cast<std::uint32_t>(m_groups.size());
+            m_groups.emplace_back().clock = clock;
+            m_clockSignals.push_back(clock);
+        }
+        m_groups[groupOf[clock]].nodes.push_back(number);
+        m_groups[groupOf[clock]].steps.push_back(stepOf(number));
+        if (part.op == Op::FlipFlop &&
+            (m_graph.inputsOf(m_graph.nodes[number])[3] != SIGNAL_ZERO || part.has(PART_SETS_CLEARS))) {
+            m_asynchronous.push_back(stepOf(number));
+        }
+    }
+}
+
+std::vector<std::uint32_t> Simulator::coneOf(const std::vector<Signal> &signals) const
+{
+    std::vector<bool> isIn(m_graph.nodes.size(), false);
+    std::vector<Signal> open = signals;
+    while (!open.empty()) {
+        const std::uint32_t driver = m_graph.drivers[open.back()];
+        open.pop_back();
+        if (driver != NONE && !isIn[driver] && m_graph.partOf(m_graph.nodes[driver]).isLogic()) {
+            isIn[driver] = true;
+            const Span<Signal> inputs = m_graph.inputsOf(m_graph.nodes[driver]);
+            open.insert(open.end(), inputs.begin(), inputs.end());
+        }
+    }
+    std::vector<std::uint32_t> cone;
+    std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(cone),
+                 [&](std::uint32_t node) { return isIn[node]; });
+    return cone;
+}
+
+void Simulator::findControl()
+{
+    std::vector<Signal> signals = m_clockSignals;
+    for (const Step &step : m_asynchronous) {
+        const Part &part = *step.part;
+        const Span<Signal> in = step.in;
+        signals.push_back(in[3]);
+        if (part.has(PART_SETS_CLEARS)) {
+            signals.insert(signals.end(), in.begin() + 4 + part.width, in.end());
+        }
+    }
+    const std::vector<std::uint32_t> control = coneOf(signals);
+    m_control = stepsOf(control);
+    m_isControl.assign(m_graph.signalCount, false);
+    for (const Signal signal : signals) {
+        m_isControl[signal] = true;
+    }
+    for (const Step &step : m_control) {
+        for (const Signal input : step.in) {
+            m_isControl[input] = true;
+        }
+    }
+}
+
+std::vector<Simulator::Step> Simulator::stepsOf(const std::vector<std::uint32_t> &nodes) const
+{
+    std::vector<Step> steps;
+    steps.reserve(nodes.size());
+    for (const std::uint32_t node : nodes) {
+        steps.push_back(stepOf(node));
+    }
+    return steps;
+}
+
+void Simulator::run(const Step &step)
+{
+    const Node &node = *step.node;
+    const Part &part = *step.part;
+    const Span<Signal> in = step.in;
+    const Span<Signal> out = step.out;
+    switch (part.op) {
+    case Op::Latch:
+        runLatch(part, in, out);
+        break;
+    case Op::MemoryRead:
+        readMemory(node, {in.begin() + 3, in.end()}, out);
+        break;
+    case Op::ShiftOutput:
+        m_values[out[0]] = stageOf(node, part, in);
+        break;
+    default:
+        evaluate(part, in, out, m_values);
+        break;
+    }
+    if (!m_externalOf.empty()) {
+        for (const Signal output : out) {
+            if (m_externalOf[output] != NONE) {
+                const std::uint64_t driven = m_values[output].known();
+                m_values[output] = inLanes(driven, m_values[output], m_external[m_externalOf[output]]);
+            }
+        }
+    }
+}
+
+void Simulator::runLatch(const Part &part, Span<Signal> in, Span<Signal> out)
+{
+    const Lanes enable = m_values[in[0]];
+    const Lanes reset = m_values[in[1]];
+    for (std::size_t bit = 0; bit < part.width; ++bit) {
+        Lanes q = choose(enable, m_values[out[bit]], m_values[in[2 + bit]]);
+        q = choose(reset, q, bit < part.reset.size() && part.reset[bit] == '1' ? ONE : ZERO);
+        if (part.has(PART_SETS_CLEARS)) {
+            q = (q | m_values[in[2 + part.width + bit]]) & ~m_values[in[2 + 2 * part.width + bit]];
+        }
+        m_values[out[bit]] = q;
+    }
+}
+
+Lanes Simulator::stageOf(const Node &node, const Part &part, Span<Signal> address) const
+{
+    Lanes level[32];
+    std::size_t count = std::min<std::size_t>(part.width, 32);
+    std::copy_n(m_stages.begin() + node.state, count, level);
+    for (std::size_t bit = 0; bit < address.size(); ++bit) {
+        const Lanes select = m_values[address[bit]];
+        count /= 2;
+        for (std::size_t at = 0; at < count; ++at) {
+            level[at] = choose(select, level[2 * at], level[2 * at + 1]);
+        }
+    }
+    return level[0];
+}
+
+void Simulator::readMemory(const Node &node, Span<Signal> address, Span<Signal> out)
+{
+    const Memory &memory = m_graph.memories[node.state];
+    std::array<std::uint64_t, 64> places;
+    const std::uint64_t known = numbersOf(m_values, address, places);
+    for (const Signal output : out) {
+        m_values[output] = UNKNOWN;
+    }
+    for (std::size_t lane = 0; lane < 64; ++lane) {
+        const std::uint64_t mask = std::uint64_t{1} << lane;
+        if ((known & mask) == 0 || places[lane] >= memory.words()) {
+            continue;
+        }
+        const Lanes *const word = m_contents.data() + m_firstContent[node.state] + places[lane] * memory.width;
+        for (std::size_t bit = 0; bit < out.size() && bit < memory.width; ++bit) {
+            Lanes &value = m_values[out[bit]];
+            value.zero &= word[bit].zero | ~mask;
+            value.one &= word[bit].one | ~mask;
+        }
+    }
+}
+
+void Simulator::settle()
+{
+    if (!m_isSettled) {
+        for (const Step &step : m_steps) {
+            run(step);
+        }
+        m_isSettled = true;
+    }
+}
+
+bool Simulator::applyAsynchronous()
+{
+    bool changed = false;
+    for (const Step &step : m_asynchronous) {
+        const Part &part = *step.part;
+        const Span<Signal> in = step.in;
+        const Span<Signal> out = step.out;
+        const Lanes reset = m_values[in[3]];
+        for (std::size_t bit = 0; bit < part.width; ++bit) {
+            Lanes q = m_values[out[bit]];
+            if (part.has(PART_SETS_CLEARS)) {
+                const Lanes set = m_values[in[4 + part.width + bit]];
+                const Lanes clear = m_values[in[4 + 2 * part.width + bit]];
+                q = (q | set) & ~clear;
+            } else if (part.has(PART_LOADS)) {
+                q = choose(reset, q, m_values[in[4 + part.width + bit]]);
+            } else if (reset.one != 0) {
+                const char value = bit < part.reset.size() ? part.reset[bit] : 'x';
+                q = choose(reset, q, value == '1' ? ONE : value == '0' ? ZERO : UNKNOWN);
+            }
+            if (q != m_values[out[bit]]) {
+                m_values[out[bit]] = q;
+                changed = true;
+            }
+        }
+    }
+    return changed;
+}
+
+void Simulator::react()
+{
+    for (int turn = 0; turn < MOST_REACTIONS; ++turn) {
+        for (const Step &step : m_control) {
+            run(step);
+        }
+        const bool wasReset = applyAsynchronous();
+        m_isSettled = m_isSettled && !wasReset;
+        if (!clockRegisters() && !wasReset) {
+            return;
+        }
+        m_isSettled = false;
+    }
+}
+
+} // namespace kvr::netlistdb::analysis::probe
