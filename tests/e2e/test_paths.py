@@ -13,16 +13,18 @@ class Paths(ProgramTest):
         return self.fail_with(2, "clock-of", design, path)
 
     def test_an_unknown_path_names_its_nearest_matches(self):
+        two_clocks = ("; names like it have different clocks: 'u_clocks/clk_div_o' (u_clocks/u_divider/clk_div_o), "
+                      "'u_clocks/clk_idle_o' (clk_sys_i)")
         for path, expected in (
             ("clk_sy", "; did you mean 'clk_sys' or 'clk_sys_i'?"),
-            ("u_clocks/clk_dvi_o", "; did you mean 'u_clocks/clk_div_o'"),
+            ("u_clocks/clk_dvi_o", two_clocks),
             ("u_clock/clk_div_o", "; did you mean 'u_clocks/clk_div_o'"),
-            ("u_clokcs/clk_dvi_o", "; did you mean 'u_clocks/clk_div_o'"),
+            ("u_clokcs/clk_dvi_o", two_clocks),
             ("U_CLOCKS/clk_div_o", "; did you mean 'u_clocks/clk_div_o'"),
             ("g_uart/u_tx/ready_o", "; did you mean 'g_uart[0].u_uart/u_tx/ready_o', 'g_uart[1].u_uart/u_tx/ready_o'"),
             ("clk_shift", "; did you mean 'u_spi/clk_shift'?"),
             ("soc_top/u_clocks/clk_div_o", "; did you mean 'u_clocks/clk_div_o'?"),
-            ("soc_top/u_clocks/clk_dvi_o", "; did you mean 'u_clocks/clk_div_o'"),
+            ("soc_top/u_clocks/clk_dvi_o", two_clocks),
         ):
             with self.subTest(path):
                 message = self.message(path)
@@ -40,6 +42,7 @@ class Paths(ProgramTest):
             (r"\g_uart[0].u_uart .tx_ready", tx_ready),
             (r"soc_top.\g_uart[0].u_uart .\tx_ready ", tx_ready),
             (r"\u_clocks /\clk_div_o ", "u_clocks/clk_div_o"),
+            (r"\u_clocks.clk_div_o ", "u_clocks/clk_div_o"),
             ("u_dsp.u_fir.y_o[3]", "u_dsp/u_fir/y_o[3]"),
         ):
             with self.subTest(path):
@@ -48,6 +51,11 @@ class Paths(ProgramTest):
                 self.assertNotEqual(run("clock-of", ELABORATED, expected).returncode, 2)
         message = self.fail_with(2, "tree", ELABORATED, "--from", "soc_top.g_uart[0].u_uart.u_tx")
         self.assertTrue(message.endswith("; did you mean 'g_uart[0].u_uart/u_tx'?"), message)
+
+    def test_nobody_is_sent_to_a_net_of_another_clock(self):
+        message = self.message("clk_d_i", "designs/clocks/netlists/bridges_elaborated.json")
+        self.assertTrue(message.endswith("; names like it have different clocks: 'clk_a_i' (clk_a_i), 'clk_b_i' (clk_b_i), "
+                                         "'clk_c_i' (clk_c_i)"), message)
 
     def test_a_path_of_a_hundred_dots_is_answered(self):
         self.assertIn("no net or bus", self.message(".".join("x" * 101)))

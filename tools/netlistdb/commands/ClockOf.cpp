@@ -136,9 +136,9 @@ class ClockOfCommand : public DesignCommand {
         if (m_first) {
             return {{"net", "NET"}, {"clock", "CLOCK", Look::Name}};
         }
-        std::vector<Column> columns = {{"net", "NET"},         {"clock", nullptr},    {nullptr, "CLOCKS", Look::Name},
-                                       {"clocks", nullptr},    {"networks", nullptr}, {nullptr, "ALSO", Look::Dim},
-                                       {"reached_by", nullptr}};
+        std::vector<Column> columns = {{"net", "NET"},          {"clock", nullptr},    {nullptr, "CLOCKS", Look::Name},
+                                       {"clocks", nullptr},     {"networks", nullptr}, {nullptr, "ALSO", Look::Dim},
+                                       {"reached_by", nullptr}, {"aliases", nullptr},  {"sources", nullptr}};
         if (m_capture) {
             columns.insert(columns.end(), {{nullptr, "CAPTURED BY"}, {"captured_by", nullptr}, {"reaches", nullptr}});
         }
@@ -191,6 +191,20 @@ class ClockOfCommand : public DesignCommand {
         return names;
     }
 
+    /// What else @p bit is called, by full names, and where it comes from; tables do not show it.
+    static ItemFacts namesOf(Design &design, const PathResolver::Bit &bit, bool isTable)
+    {
+        if (isTable || bit.net == nullptr) {
+            return {};
+        }
+        ItemFacts facts = factsOf(design.names(*bit.instance->getModule()), *bit.net);
+        const std::string prefix = bit.instance->getPath();
+        for (std::string &alias : facts.aliases) {
+            alias.insert(0, prefix.empty() ? "" : prefix + "/");
+        }
+        return facts;
+    }
+
     void writeAll(Design &design, const std::vector<PathResolver::Bit> &bits, ResultWriter &writer)
     {
         const analysis::ClockMap &map = design.clocks();
@@ -208,13 +222,16 @@ class ClockOfCommand : public DesignCommand {
             const std::vector<std::string> reached = reachingWords(launch.reached);
             const std::string shown = clocks.empty() ? "(none)" : fmt::format("{}", fmt::join(clocks, " "));
             const std::string also = alsoText(networks, reached);
+            const ItemFacts names = namesOf(design, bit, writer.isTable());
             Row row = {std::string_view(path),
                        clocks.empty() ? Value() : Value(std::string_view(clocks.front())),
                        std::string_view(shown),
                        &clocks,
                        &networks,
                        std::string_view(also),
-                       &reached};
+                       &reached,
+                       &names.aliases,
+                       &names.sources};
             Captured captured;
             if (m_capture) {
                 captured = bit.net != nullptr ? capturedOf(map.capture(bit.instance, bit.net), map) : Captured();

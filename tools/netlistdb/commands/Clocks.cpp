@@ -52,7 +52,8 @@ class ClocksCommand : public DesignCommand {
                         {"aliases", nullptr},
                         {"instance", nullptr},
                         {"file", nullptr},
-                        {"line", nullptr}};
+                        {"line", nullptr},
+                        {"sources", nullptr}};
         session.progress.clear();
         writer->begin(head);
         for (const ClockTreeLine &line : clockTreeOf(map)) {
@@ -78,13 +79,18 @@ class ClocksCommand : public DesignCommand {
         }
         const IVDBLineInfo *source = clock.net != nullptr ? clock.net->getLineInfo() : nullptr;
         const std::vector<std::string> aliases = aliasesOf(design, clock);
+        std::vector<std::string> sources;
+        if (clock.instance != nullptr && clock.net != nullptr) {
+            sources = design.names(*clock.instance->getModule()).sourcesOf(*clock.net);
+        }
         const std::string instance = clock.instance != nullptr ? clock.instance->getPath() : std::string();
         const std::string drawn = line.drawing + clock.name;
         const std::string shown = sourceText(source, m_directory);
         const std::string also = alsoText(aliases, parents, line);
         writer.row({std::string_view(drawn), std::string_view(clock.name), std::string_view(nameOf(clock.root)),
                     std::string_view(edgesText(clock.edges)), clock.registers, nets, &parents, std::string_view(shown),
-                    std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source)});
+                    std::string_view(also), &aliases, std::string_view(instance), fileOf(source), lineOf(source),
+                    &sources});
     }
 
     /// What else the wire of @p clock is called, as a domain of the database and in its own instance.

@@ -74,7 +74,10 @@ class TreeCommand : public DesignCommand {
                         {"module", nullptr},
                         {"user_module", "MODULE", Look::Name},
                         {"library", "LIBRARY", Look::Dim},
-                        {"user_declared", nullptr}};
+                        {"user_declared", nullptr},
+                        {"file", nullptr},
+                        {"line", nullptr},
+                        {"sources", nullptr}};
         if (m_clocks) {
             head.columns.push_back({"clocks", "CLOCKS"});
             m_clocksOf = clocksByInstance(design->clocks());
@@ -102,10 +105,18 @@ class TreeCommand : public DesignCommand {
                                        : walk.depth() == 0 ? walk.path()
                                                            : instance.getName();
             const std::string drawing = writer.isTable() ? drawn(walk, shown) : std::string();
-            Row row = {std::uint64_t(walk.depth()),           std::string_view(drawing),
-                       std::string_view(walk.path()),         std::string_view(instance.getName()),
-                       std::string_view(module.getName()),    std::string_view(design.nameOf(module)),
-                       std::string_view(module.GetLibName()), module.isUserDeclared()};
+            const ItemFacts facts = writer.isTable() ? ItemFacts() : design.factsOf(instance);
+            Row row = {std::uint64_t(walk.depth()),
+                       std::string_view(drawing),
+                       std::string_view(walk.path()),
+                       std::string_view(instance.getName()),
+                       std::string_view(module.getName()),
+                       std::string_view(design.nameOf(module)),
+                       std::string_view(module.GetLibName()),
+                       module.isUserDeclared(),
+                       facts.fileValue(),
+                       facts.lineValue(),
+                       &facts.sources};
             if (m_clocks) {
                 const auto found = m_clocksOf.find(&instance);
                 row.emplace_back(found != m_clocksOf.end() ? &found->second : &NONE);

@@ -9,9 +9,10 @@
 
 namespace kvr::netlistdb::tool {
 
-Design::Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist)
+Design::Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist,
+               Clocks clocks)
     : m_name(std::move(name)), m_form(form), m_sources(netlist), m_devices(takeDeviceCensus(netlist, form)),
-      m_database(std::move(database))
+      m_database(std::move(database)), m_hasClocks(clocks == Clocks::Yes)
 {
 }
 
@@ -74,12 +75,12 @@ const analysis::ClockMap &Design::clocks()
 namespace {
 
 std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_ptr<DesignDatabase> &database,
-                               const Reading &reading)
+                               Clocks clocks, const Reading &reading)
 {
     limitInstances(source, reading.maxInstances);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
-    auto design = std::make_unique<Design>(source.name, source.form, database, *source.netlist);
+    auto design = std::make_unique<Design>(source.name, source.form, database, *source.netlist, clocks);
     bool whole = false;
     try {
         whole = source.form == Form::PostMap ? database->parsePostMapNetlist(source.netlist)
@@ -104,7 +105,7 @@ std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_pt
 std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
 {
     const SourceNetlist source = readNetlist(files, reading);
-    auto design = import(source, std::make_shared<DesignDatabase>(clocks == Clocks::Yes), reading);
+    auto design = import(source, std::make_shared<DesignDatabase>(clocks == Clocks::Yes), clocks, reading);
     const std::string warning = design->devices().warning();
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);
@@ -121,7 +122,7 @@ DesignPair loadDesignPair(const std::string &elaborated, const std::string &post
         own.form = form;
         const bool isElaborated = form == Form::Elaborated;
         const SourceNetlist source = readNetlist({isElaborated ? elaborated : postMap}, own);
-        (isElaborated ? pair.elaborated : pair.postMap) = import(source, database, own);
+        (isElaborated ? pair.elaborated : pair.postMap) = import(source, database, Clocks::Yes, own);
     }
     return pair;
 }

@@ -30,8 +30,10 @@ enum class Clocks { No, Yes };
 /// An imported design: one form of it. The last one of a database frees the netlist database with itself.
 class Design {
   public:
-    /// Keeps @p netlist, from which @p database is to be filled, for what the database does not tell.
-    Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist);
+    /// Keeps @p netlist, from which @p database is to be filled, for what the database does not tell. With Clocks::Yes
+    /// the database keeps its source netlists.
+    Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist,
+           Clocks clocks);
     ~Design();
     Design(const Design &) = delete;
     Design &operator=(const Design &) = delete;
@@ -42,6 +44,8 @@ class Design {
     DesignDatabase &database() { return *m_database; }
     IVDBNetlist &top();
     IVDBInstance &root();
+    /// Whether clocks() may be asked.
+    bool hasClocks() const { return m_hasClocks; }
     /// Every clock of every net. Built at the first call. Needs Clocks::Yes.
     const analysis::ClockMap &clocks();
     /// The domain that the database finds for @p net in @p instance: that of the first register it meets, or null.
@@ -63,6 +67,7 @@ class Design {
     SourceNetlists m_sources;
     DeviceCensus m_devices;
     std::shared_ptr<DesignDatabase> m_database;
+    bool m_hasClocks;
     std::unique_ptr<const analysis::ClockMap> m_clocks;
     std::unordered_map<const IVDBNetlist *, std::unique_ptr<ModuleNames>> m_names;
     std::unordered_map<const IVDBNetlist *, std::string> m_moduleNames;

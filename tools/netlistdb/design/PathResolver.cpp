@@ -8,7 +8,10 @@
 #include "design/PathSpellings.h"
 
 #include <algorithm>
+#include <fmt/ranges.h>
 #include <netlistdb/netlistdb.h>
+#include <optional>
+#include <set>
 
 namespace kvr::netlistdb::tool {
 
@@ -153,10 +156,56 @@ std::string PathResolver::hint(const std::string &path, bool instancesOnly)
     for (const Beginning &beginning : found) {
         const std::vector<std::string> names = near(beginning, path, instancesOnly);
         if (!names.empty()) {
-            return didYouMean(names);
+            return resembling(names);
         }
     }
-    return didYouMean(elsewhere(path.substr(path.rfind('/') + 1), instancesOnly));
+    return resembling(elsewhere(path.substr(path.rfind('/') + 1), instancesOnly));
+}
+
+/// What is said of @p paths, which were found by resemblance alone. Nobody is sent to a net of another clock than the
+/// one that was meant: where the nets differ in their clocks, the clocks stand beside them.
+std::string PathResolver::resembling(const std::vector<std::string> &paths)
+{
+    std::vector<std::string> clocks;
+    std::set<std::string> different;
+    for (const std::string &path : paths) {
+        clocks.push_back(clocksOf(path));
+        if (!clocks.back().empty()) {
+            different.insert(clocks.back());
+        }
+    }
+    if (different.size() < 2) {
+        return didYouMean(paths);
+    }
+    std::string text = "; names like it have different clocks:";
+    for (std::size_t at = 0; at < paths.size(); ++at) {
+        text += (at == 0 ? " '" : ", '") + paths[at] + "'" + (clocks[at].empty() ? "" : " (" + clocks[at] + ")");
+    }
+    return text;
+}
+
+/// The clock that the nets of @p path are, or the clocks that reach them, joined by commas; empty for an instance, for
+/// nets without a clock, and in a design that was loaded without clocks.
+std::string PathResolver::clocksOf(const std::string &path)
+{
+    if (!m_design.hasClocks()) {
+        return "";
+    }
+    const analysis::ClockMap &map = m_design.clocks();
+    std::set<std::string> names;
+    for (const Bit &bit : findNets(path)) {
+        if (bit.net == nullptr) {
+            continue;
+        }
+        if (const std::optional<analysis::ClockId> clock = map.electrical(bit.instance, bit.net).clock) {
+            names.insert(map.clocks()[*clock].name);
+            continue;
+        }
+        for (const analysis::ReachingClock &reaching : map.launch(bit.instance, bit.net).clocks) {
+            names.insert(map.clocks()[reaching.clock].name);
+        }
+    }
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 /// Paths that begin like @p path and go on with names like those in the rest of it.

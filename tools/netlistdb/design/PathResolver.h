@@ -56,6 +56,8 @@ class PathResolver {
     bool exists(const std::string &path, bool instancesOnly);
     std::string hint(const std::string &path, bool instancesOnly);
     std::vector<std::string> near(const Beginning &beginning, const std::string &path, bool instancesOnly);
+    std::string resembling(const std::vector<std::string> &paths);
+    std::string clocksOf(const std::string &path);
     std::vector<std::string> elsewhere(std::string_view name, bool instancesOnly);
 
     Design &m_design;

@@ -55,6 +55,12 @@ std::vector<std::string> otherSpellings(const std::string &path, const std::stri
         }
         add(spelling);
     }
+    if (std::count(plain.begin(), plain.end(), '.') > static_cast<std::ptrdiff_t>(dots.size())) {
+        // An escaped name of a flattened netlist, asked for where the levels are instances.
+        std::string spelling = plain;
+        std::replace(spelling.begin(), spelling.end(), '.', '/');
+        add(spelling);
+    }
     return spellings;
 }
 
