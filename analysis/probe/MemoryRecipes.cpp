@@ -61,7 +61,7 @@ void addWrite(RecipeBuilder &cell, std::uint16_t memory, Slot clock, bool fallin
 
 bool isZero(std::string_view value)
 {
-    return value.find_first_not_of("0") == std::string_view::npos;
+    return value.find_first_not_of('0') == std::string_view::npos;
 }
 
 /// `$memrd`, `$memwr`, `$meminit`: they share the memory that they name.

@@ -81,7 +81,8 @@ class ManualPage(unittest.TestCase):
             usage = re.search(rf"(?m)^Usage: netlistdb {command} (.*) \[OPTIONS\]$", answer(command, "--help"))[1]
             shown = re.match(r"\n\.Nm\n\.Cm (\S+)\n((?:\.(?:Op )?Ar .*\n)+)\.Pp\n", self.commands[command])
             self.assertIsNotNone(shown, command)
-            arguments = re.sub(r"(?m)^\.Op Ar (.*)$", r"[\1]", shown[2].replace(" ...", "...")).replace(".Ar ", "").split()
+            arguments = shown[2].replace(" ...", "...").replace(".Ar ", "")
+            arguments = re.sub(r"(?m)^\.Op (.*)$", r"[\1]", arguments.replace(".Op Ar ", ".Op ")).split()
             self.assertEqual((shown[1], arguments), (command, usage.lower().split()))
 
     def test_it_tells_of_every_exit_status(self):
