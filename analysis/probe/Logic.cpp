@@ -244,8 +244,9 @@ void calculate(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<
 {
     std::array<std::uint64_t, 64> a;
     std::array<std::uint64_t, 64> b;
-    std::uint64_t known = numbersOf(values, {in.begin(), in.begin() + part.width}, a);
-    known &= numbersOf(values, {in.begin() + part.width, in.begin() + 2 * part.width}, b);
+    const auto second = in.begin() + part.width;
+    std::uint64_t known = numbersOf(values, {in.begin(), second}, a);
+    known &= numbersOf(values, {second, second + part.width}, b);
     for (std::size_t lane = 0; lane < 64; ++lane) {
         if (part.op == Op::Multiply) {
             a[lane] *= b[lane];
