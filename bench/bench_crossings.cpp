@@ -1,6 +1,7 @@
 // How long does it take to find and classify all crossings of a design whose clock map is there?
 
 #include "support/BenchmarkArgs.h"
+#include "support/TreeWalk.h"
 #include "support/Measure.h"
 
 #include <netlistdb/analysis/Crossings.h>
