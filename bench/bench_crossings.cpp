@@ -1,8 +1,8 @@
 // How long does it take to find and classify all crossings of a design whose clock map is there?
 
 #include "support/BenchmarkArgs.h"
-#include "support/TreeWalk.h"
 #include "support/Measure.h"
+#include "support/TreeWalk.h"
 
 #include <netlistdb/analysis/Crossings.h>
 
