@@ -1,0 +1,148 @@
+#include "analysis/plan/NearHashes.h"
+
+#include "analysis/probe/Hash.h"
+#include "analysis/probe/NetNames.h"
+
+#include <utility>
+
+namespace kvr::netlistdb::analysis::plan {
+
+using namespace probe;
+
+namespace {
+
+/// Wires behind one register that are looked at: more make it too long for designs of many registers.
+constexpr std::size_t MOST_WIRES = 1024;
+
+constexpr std::uint64_t OWN = 0x6F776E;
+constexpr std::uint64_t CONSTANT = 0x636F6E;
+
+} // namespace
+
+NearHashes::NearHashes(const BitGraph &graph) : m_graph(graph), m_names(graph.signalCount)
+{
+    // Names far down come and go with the modules that a signal is led into.
+    std::vector<std::uint32_t> depths(graph.occurrences.size());
+    for (std::uint32_t at = 0; at < depths.size(); ++at) {
+        const std::uint32_t parent = graph.occurrences[at].parent;
+        depths[at] = parent == NONE ? 0 : depths[parent] + 1;
+    }
+    std::vector<std::uint32_t> nameDepths(graph.signalCount, NONE);
+    forEachName(graph, [&](std::uint32_t occurrence, std::uint32_t net, std::uint64_t name) {
+        const Signal signal = m_graph.signalOf(occurrence, net);
+        if (std::pair(depths[occurrence], name) < std::pair(nameDepths[signal], m_names[signal])) {
+            nameDepths[signal] = depths[occurrence];
+            m_names[signal] = name;
+        }
+    });
+}
+
+bool NearHashes::isLeaf(Signal signal) const
+{
+    const std::uint32_t driver = m_graph.drivers[signal];
+    return signal < FIRST_SIGNAL || driver == NONE || isState(m_graph.partOf(m_graph.nodes[driver]));
+}
+
+std::uint64_t NearHashes::leafOf(Signal signal) const
+{
+    return signal < FIRST_SIGNAL ? mixed(CONSTANT + signal) : m_names[signal];
+}
+
+/// The hash over the inputs in m_making; 0 when one of them has none.
+std::uint64_t NearHashes::joinedInputs(const OutputMaking &making, const Memo &memo) const
+{
+    std::uint64_t hash = making.shape;
+    for (const Signal input : making.inputs) {
+        if (memo.states[input] != Memo::Done || memo.hashes[input] == 0) {
+            return 0;
+        }
+        hash = mixed(hash * 0x9E3779B97F4A7C15ULL + memo.hashes[input]);
+    }
+    return hash;
+}
+
+/// The hash of @p start. The outputs of the node @p root count by their distance from the bit that is worked out. 0
+/// when the way back is too long, a loop, or ends at something without a name.
+std::uint64_t NearHashes::hashOfCone(Signal start, std::uint32_t root, Memo &memo)
+{
+    m_waiting.assign(1, start);
+    const auto finish = [&memo](Signal signal, std::uint64_t hash) {
+        memo.states[signal] = Memo::Done;
+        memo.hashes[signal] = hash;
+    };
+    while (!m_waiting.empty()) {
+        const Signal signal = m_waiting.back();
+        if (memo.states[signal] == Memo::Done) {
+            m_waiting.pop_back();
+            continue;
+        }
+        if (memo.states[signal] == Memo::New) {
+            memo.touched.push_back(signal);
+            if (root != NONE && memo.touched.size() > MOST_WIRES) {
+                return 0;
+            }
+        }
+        const std::uint32_t driver = m_graph.drivers[signal];
+        if (isLeaf(signal)) {
+            const bool isOwn = signal >= FIRST_SIGNAL && root != NONE && driver == root;
+            finish(signal,
+                   isOwn ? mixed(OWN + outputOf(m_graph, m_graph.nodes[root], signal) - m_rootOutput) : leafOf(signal));
+            continue;
+        }
+        const Node &node = m_graph.nodes[driver];
+        takeMaking(m_graph, node, outputOf(m_graph, node, signal), true, m_making);
+        if (memo.states[signal] == Memo::Open) {
+            finish(signal, joinedInputs(m_making, memo));
+            continue;
+        }
+        memo.states[signal] = Memo::Open;
+        for (const Signal input : m_making.inputs) {
+            if (memo.states[input] == Memo::New) {
+                m_waiting.push_back(input);
+            }
+        }
+    }
+    return memo.hashes[start];
+}
+
+std::uint64_t NearHashes::registerHash(Signal signal, Memo &memo)
+{
+    const std::uint32_t root = m_graph.drivers[signal];
+    const Node &node = m_graph.nodes[root];
+    m_rootOutput = outputOf(m_graph, node, signal);
+    OutputMaking making;
+    takeMaking(m_graph, node, m_rootOutput, true, making);
+    std::uint64_t hash = 1;
+    for (const Signal input : making.inputs) {
+        hash = hash != 0 && memo.states[input] != Memo::Done ? hashOfCone(input, root, memo) : hash;
+    }
+    hash = hash != 0 ? joinedInputs(making, memo) : 0;
+    for (const Signal each : memo.touched) {
+        memo.states[each] = Memo::New;
+    }
+    memo.touched.clear();
+    return hash;
+}
+
+std::vector<std::uint64_t> NearHashes::take()
+{
+    std::vector<std::uint64_t> result(m_graph.signalCount);
+    const auto emptyMemo = [this] {
+        return Memo{std::vector<Memo::State>(m_graph.signalCount), std::vector<std::uint64_t>(m_graph.signalCount), {}};
+    };
+    Memo logic = emptyMemo();
+    Memo ofRegister = emptyMemo();
+    for (Signal signal = FIRST_SIGNAL; signal < m_graph.signalCount; ++signal) {
+        if (!isLeaf(signal)) {
+            result[signal] = hashOfCone(signal, NONE, logic);
+        } else if (m_graph.drivers[signal] != NONE) {
+            result[signal] = registerHash(signal, ofRegister);
+        }
+    }
+    for (const auto &[signal, value] : m_graph.starts) {
+        result[signal] = result[signal] != 0 ? mixed(result[signal] + (value ? 2 : 1)) : 0;
+    }
+    return result;
+}
+
+} // namespace kvr::netlistdb::analysis::plan
