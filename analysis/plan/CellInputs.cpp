@@ -1,7 +1,5 @@
 #include "analysis/plan/CellInputs.h"
 
-#include "analysis/probe/Hash.h"
-
 #include <algorithm>
 
 namespace kvr::netlistdb::analysis::plan {
@@ -9,11 +7,6 @@ namespace kvr::netlistdb::analysis::plan {
 using namespace probe;
 
 namespace {
-
-std::uint64_t joined(std::uint64_t hash, std::uint64_t value)
-{
-    return mixed(hash * 0x9E3779B97F4A7C15ULL + value);
-}
 
 char bitAt(const std::string &bits, std::size_t index)
 {

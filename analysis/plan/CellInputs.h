@@ -1,11 +1,18 @@
 #pragma once
 
 #include "analysis/probe/BitGraph.h"
+#include "analysis/probe/Hash.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace kvr::netlistdb::analysis::plan {
+
+/// The hash of what was hashed before and @p value behind it.
+inline std::uint64_t joined(std::uint64_t hash, std::uint64_t value)
+{
+    return probe::mixed(hash * 0x9E3779B97F4A7C15ULL + value);
+}
 
 /// One output of a part of a cell: a hash of what the part does to make it, and the wires that it is made from. Vectors
 /// are taken bit by bit where the part works so: the width of a register or multiplexer makes no difference to a bit.

@@ -1,7 +1,6 @@
 #include "analysis/plan/DeepHashes.h"
 
 #include "analysis/plan/CellInputs.h"
-#include "analysis/probe/Hash.h"
 
 #include <DataBase.h>
 
@@ -51,7 +50,7 @@ std::vector<std::uint64_t> deepHashes(const BitGraph &graph)
                 takeMaking(graph, node, at, false, making);
                 std::uint64_t hash = making.shape;
                 for (const Signal input : making.inputs) {
-                    hash = mixed(hash * 0x9E3779B97F4A7C15ULL + before[input]);
+                    hash = joined(hash, before[input]);
                 }
                 now[outputs[at]] = hash;
             }

@@ -1,6 +1,5 @@
 #include "analysis/plan/NearHashes.h"
 
-#include "analysis/probe/Hash.h"
 #include "analysis/probe/NetNames.h"
 
 #include <utility>
@@ -56,7 +55,7 @@ std::uint64_t NearHashes::joinedInputs(const OutputMaking &making, const Memo &m
         if (memo.states[input] != Memo::Done || memo.hashes[input] == 0) {
             return 0;
         }
-        hash = mixed(hash * 0x9E3779B97F4A7C15ULL + memo.hashes[input]);
+        hash = joined(hash, memo.hashes[input]);
     }
     return hash;
 }

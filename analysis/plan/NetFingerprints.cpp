@@ -1,12 +1,11 @@
 #include <netlistdb/analysis/NetFingerprints.h>
 
-#include "analysis/plan/CellInputs.h"
 #include "analysis/plan/DeepHashes.h"
+#include "analysis/plan/LaunchEdges.h"
 #include "analysis/plan/NearHashes.h"
 #include "analysis/probe/Locator.h"
 
 #include <netlistdb/DesignDatabase.h>
-#include <netlistdb/analysis/Clocks.h>
 
 #include <algorithm>
 #include <optional>
@@ -18,9 +17,6 @@ using namespace plan;
 using namespace probe;
 
 namespace {
-
-/// In front of a clock pin; inverters may drive each other in a ring.
-constexpr unsigned MOST_INVERTERS = 64;
 
 /// Finds wires by a hash.
 class Index {
@@ -57,38 +53,12 @@ DesignDatabase &checked(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE s
     return database;
 }
 
-/// By wire: the edge at which the register that drives it samples.
-std::vector<std::uint8_t> edgesOf(const BitGraph &graph)
-{
-    std::vector<std::uint8_t> edges(graph.signalCount);
-    for (const Node &node : graph.nodes) {
-        const Part &part = graph.partOf(node);
-        if (!part.isClocked()) {
-            continue;
-        }
-        bool isFalling = part.has(PART_FALLING);
-        Signal clock = graph.inputsOf(node)[0];
-        for (unsigned steps = 0; steps < MOST_INVERTERS && graph.drivers[clock] != NONE; ++steps) {
-            const Node &driver = graph.nodes[graph.drivers[clock]];
-            if (!isInverter(graph.partOf(driver))) {
-                break;
-            }
-            isFalling = !isFalling;
-            clock = graph.inputsOf(driver)[0];
-        }
-        for (const Signal output : graph.outputsOf(node)) {
-            edges[output] = isFalling ? EDGE_FALL : EDGE_RISE;
-        }
-    }
-    return edges;
-}
-
 } // namespace
 
 struct NetFingerprints::State {
     State(DesignDatabase &from, IDesignDatabase::SOURCE_TYPE type)
         : database(checked(from, type)), source(type), generation(from.generation(type)), graph(from, type),
-          edges(edgesOf(graph)), near(NearHashes(graph).take()), deep(deepHashes(graph)), nearIndex(near),
+          edges(launchEdges(graph)), near(NearHashes(graph).take()), deep(deepHashes(graph)), nearIndex(near),
           deepIndex(deep)
     {
         graph.pins = {};
@@ -164,7 +134,7 @@ NetFingerprint NetFingerprints::of(const IVDBInstance *inst, const IVDBNet *net)
     return {m_state->near[signal], deep, deep != 0 && m_state->deepIndex.find(deep).size() == 1};
 }
 
-std::uint8_t NetFingerprints::edgeOf(const IVDBInstance *inst, const IVDBNet *net) const
+std::uint8_t NetFingerprints::edgesOf(const IVDBInstance *inst, const IVDBNet *net) const
 {
     return m_state->edges[m_state->find(inst, net)];
 }

@@ -68,6 +68,12 @@ class Bash(ProgramTest):
             self.assertEqual(sorted(self.complete(*words)), ["design.json", "directory"])
         self.assertEqual(self.complete("info", "-I", "d"), ["directory"])
 
+    def test_what_a_plan_can_be_asked_for(self):
+        self.assertEqual(self.complete("plan", ""), ["add", "check", "update", "export"])
+        self.assertEqual(self.complete("plan", "up"), ["update"])
+        self.file("a.plan", "")
+        self.assertEqual(self.complete("plan", "check", "a"), ["a.plan"])
+
     def test_it_is_registered(self):
         script = f"source '{COMPLETION}/netlistdb.bash'; complete -p netlistdb"
         result = subprocess.run(["bash", "--norc", "-c", script], capture_output=True, text=True, check=True)
@@ -80,6 +86,7 @@ class ZshSpecifications(ProgramTest):
         script = f"""
             _arguments() {{ print -l -- "$@" }}
             _describe() {{ print -l -- ${{(P)2}} }}
+            compadd() {{ print -l -- ${{(P)2}} }}
             words=("$@") CURRENT=$#
             source '{COMPLETION}/_netlistdb'
         """
@@ -92,6 +99,9 @@ class ZshSpecifications(ProgramTest):
         offered = dict(line.split(":", 1) for line in self.offered(""))
         self.assertEqual(set(offered), {*commands(), "help", "--help", "--version"})
         self.assertEqual(offered["tree"], "Show the instance tree")
+
+    def test_what_a_plan_can_be_asked_for(self):
+        self.assertEqual(self.offered("plan", ""), ["add", "check", "update", "export"])
 
     def test_every_option_of_every_command_stands_with_its_values(self):
         for command in commands():

@@ -16,6 +16,11 @@ _netlistdb_options() {
     done
 }
 
+# _netlistdb_actions PROGRAM COMMAND: what the command can do, of a command that can do several things.
+_netlistdb_actions() {
+    "$1" "$2" --help 2>/dev/null | sed -n 's/^  \([a-z]*\) PLAN .*/\1/p'
+}
+
 _netlistdb_files() {
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$1")
@@ -31,6 +36,10 @@ _netlistdb() {
     fi
     if [ "$command" = help ]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_netlistdb_commands "$program")" -- "$word")
+        return
+    fi
+    if [ "$command" = plan ] && [ "$COMP_CWORD" -eq 2 ] && [[ $word != -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(_netlistdb_actions "$program" plan)" -- "$word")
         return
     fi
     local options value

@@ -55,9 +55,9 @@ class NETLISTDB_EXPORT NetFingerprints {
     /// The fingerprint of @p net, seen in @p inst; without any number for constants, undriven nets and nets inside a
     /// cell. Takes constant time.
     NetFingerprint of(const IVDBInstance *inst, const IVDBNet *net) const;
-    /// Mask of ClockEdge: the edge at which the register that drives @p net samples, at the root of its clock; 0 when
-    /// no register drives it.
-    std::uint8_t edgeOf(const IVDBInstance *inst, const IVDBNet *net) const;
+    /// Mask of ClockEdge: the edges at which the registers sample that drive @p net, or reach it through logic, at the
+    /// root of their clocks; 0 without any.
+    std::uint8_t edgesOf(const IVDBInstance *inst, const IVDBNet *net) const;
 
     /// All nets on a wire.
     using Wire = std::vector<SeenNet>;

@@ -66,6 +66,7 @@ std::vector<std::unique_ptr<Command>> makeCommands()
     commands.push_back(makeCrossingsCommand());
     commands.push_back(makeProbesCommand());
     commands.push_back(makeMapCommand());
+    commands.push_back(makePlanCommand());
     commands.push_back(makeSaveCommand());
     commands.push_back(makeChecksumCommand());
     return commands;

@@ -30,6 +30,8 @@ class PathResolver {
     /// right; also `bus[index]` and `bus[from:to]`.
     /// @throws Failure with the nearest names when there is none.
     std::vector<Bit> nets(const std::string &path);
+    /// The same; empty when there is none.
+    std::vector<Bit> find(const std::string &path) { return findNets(path); }
     /// The instance that @p path names; "." or "/" is the top.
     /// @throws Failure with the nearest names when there is none.
     IVDBInstance &instance(const std::string &path);

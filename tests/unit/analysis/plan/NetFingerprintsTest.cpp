@@ -35,7 +35,7 @@ class NetFingerprintsTest : public clock_test::ClockTest {
 
     IVDBInstance *root() const { return database->getRoot(ELABORATED); }
     NetFingerprint of(const std::string &net) const { return prints->of(root(), clock_test::netOf(root(), net)); }
-    std::uint8_t edge(const std::string &net) const { return prints->edgeOf(root(), clock_test::netOf(root(), net)); }
+    std::uint8_t edges(const std::string &net) const { return prints->edgesOf(root(), clock_test::netOf(root(), net)); }
 
     /// Names of the nets on the wires that were found, wires separated by "|".
     static std::string names(const std::vector<NetFingerprints::Wire> &wires)
@@ -150,17 +150,21 @@ TEST_F(NetFingerprintsTest, SurviveALoopWithoutARegister)
     EXPECT_NE(of("y").deep, 0U);
 }
 
-TEST_F(NetFingerprintsTest, TellTheEdgeAtTheRootOfTheClock)
+TEST_F(NetFingerprintsTest, TellTheEdgesAtTheRootOfTheClock)
 {
     load(R"(
-        module top(in clk, d, out p, q)
+        module top(in clk, d, out p, q, y, z)
           n: $not(A=clk, Y=clk_n)
           f: $dff(CLK=clk, D=d, Q=p)
           g: $dff(CLK=clk_n, D=d, Q=q)
+          h: $not(A=q, Y=y)
+          i: $and(A=p, B=y, Y=z)
         end)");
-    EXPECT_EQ(edge("p"), EDGE_RISE);
-    EXPECT_EQ(edge("q"), EDGE_FALL);
-    EXPECT_EQ(edge("d"), 0U);
+    EXPECT_EQ(edges("p"), EDGE_RISE);
+    EXPECT_EQ(edges("q"), EDGE_FALL);
+    EXPECT_EQ(edges("y"), EDGE_FALL) << "through logic";
+    EXPECT_EQ(edges("z"), EDGE_RISE | EDGE_FALL);
+    EXPECT_EQ(edges("d"), 0U);
 }
 
 TEST_F(NetFingerprintsTest, RefuseASourceThatIsGoneAndANetOfAnother)
