@@ -84,7 +84,7 @@ class CheckRows {
                                     analysis::nameOf(static_cast<PlanVerdict>(verdict)));
             }
         }
-        text = fmt::format("{} {}: {}", all, all == 1 ? "probe" : "probes", text);
+        text = fmt::format("{} {}{}{}", all, all == 1 ? "probe" : "probes", text.empty() ? "" : ": ", text);
         return m_onOtherNets == 0 ? text : text + fmt::format("; {} on other nets of the device", m_onOtherNets);
     }
 
