@@ -28,21 +28,21 @@ struct PlanClock {
 
 /// One bit of a probe.
 struct PlanBit {
-    std::string name;                ///< full name in the RTL
-    std::optional<ProbeGrade> grade; ///< none: no post-map netlist was at hand
-    GoneReason reason = GoneReason::None;
-    std::string device; ///< full name of the post-map net that carries the value; empty: none
-    bool isInverted = false;
-    NetFingerprint fingerprint;
-    PlanNotes notes; ///< around its line
+    std::string name;                     ///< full name in the RTL
+    std::optional<ProbeGrade> grade;      ///< none: no post-map netlist was at hand
+    GoneReason reason = GoneReason::None; ///< of grade Gone
+    std::string device;                   ///< full name of the post-map net that carries the value; empty: none
+    bool isInverted = false;              ///< that net carries the inverse
+    NetFingerprint fingerprint;           ///< in the elaborated netlist
+    PlanNotes notes;                      ///< around its line
 };
 
 /// A net or bus that is to be probed.
 struct PlanProbe {
-    std::string name; ///< as it was asked for
-    std::vector<PlanClock> clocks;
-    std::vector<PlanBit> bits; ///< from left to right
-    PlanNotes notes;           ///< around its first line
+    std::string name;              ///< as it was asked for
+    std::vector<PlanClock> clocks; ///< that it changes with
+    std::vector<PlanBit> bits;     ///< from left to right
+    PlanNotes notes;               ///< around its first line
 };
 
 /// The text of a plan is wrong.
@@ -97,20 +97,20 @@ NETLISTDB_EXPORT const char *nameOf(PlanVerdict verdict);
 /// A bit of a plan in another build. Its name is empty when it was not found, its grade none when no post-map netlist
 /// is at hand.
 struct RebuiltBit {
-    PlanBit bit;
+    PlanBit bit;     ///< as it is there
     std::string why; ///< why it was not found, or what speaks for the answer
 };
 
 /// A probe of a plan in another build: the same bits in the same order.
 struct RebuiltProbe {
-    std::vector<PlanClock> clocks;
-    std::vector<RebuiltBit> bits;
+    std::vector<PlanClock> clocks; ///< of the bits that were found
+    std::vector<RebuiltBit> bits;  ///< one for each of the plan
 };
 
 /// One thing that is to be said of a probe.
 struct PlanFinding {
-    PlanVerdict verdict;
-    std::string text; ///< what it was and what it is
+    PlanVerdict verdict; ///< what happened
+    std::string text;    ///< what it was and what it is
 };
 
 /// What became of @p before: the gravest finding first, and at least one.
