@@ -115,10 +115,9 @@ void NetReasons::findInDevice(const IVDBInstance *inst, IVDBNet *net, std::vecto
     }
 }
 
-void NetReasons::findSource(const IVDBInstance *inst, const IVDBNet *net, const LaunchClocks &launch,
+void NetReasons::findSource(const IVDBNet *net, const ElectricalNet &electrical, const LaunchClocks &launch,
                             std::vector<NetReason> &reasons) const
 {
-    const ElectricalNet electrical = m_clocks.electrical(inst, net);
     const bool isStill = launch.clocks.empty() && launch.networks.empty() &&
                          (launch.reached & ~(REACHED_BY_CONSTANT | REACHED_BY_UNDRIVEN)) == 0;
     if (net->isPwr() || net->isGnd() || electrical.root == ClockRoot::Constant) {
@@ -159,7 +158,9 @@ bool NetReasons::find(const IVDBInstance *inst, IVDBNet *net, std::vector<NetRea
     }
     const LaunchClocks launch = m_clocks.launch(inst, net);
     setClock(place, launch, bit);
-    findSource(inst, net, launch, reasons);
+    const ElectricalNet electrical = m_clocks.electrical(inst, net);
+    bit.wire = {electrical.instance, electrical.net};
+    findSource(net, electrical, launch, reasons);
     const CaptureClocks capture = m_clocks.capture(inst, net);
     if (capture.clocks.empty() && capture.reached == 0) {
         reasons.push_back(

@@ -24,7 +24,7 @@ class NetReasons {
     explicit NetReasons(const ClockMap &clocks) : m_clocks(clocks), m_pins(clocks.state().design) {}
 
     const ClockMap &clocks() const { return m_clocks; }
-    /// Adds the reasons for @p net, seen in @p inst, and sets the clock and its edges in @p bit. Returns false when
+    /// Adds the reasons for @p net, seen in @p inst, and sets clock, edges and wire in @p bit. Returns false when
     /// nobody may see the net, or it is none of those that are looked into.
     bool find(const IVDBInstance *inst, IVDBNet *net, std::vector<NetReason> &reasons, ProbeBit &bit) const;
     /// Adds those among them that follow from where the net lies in the device, and those that it is refused for.
@@ -32,7 +32,7 @@ class NetReasons {
 
   private:
     /// Adds the reasons that follow from what the net comes from.
-    void findSource(const IVDBInstance *inst, const IVDBNet *net, const LaunchClocks &launch,
+    void findSource(const IVDBNet *net, const ElectricalNet &electrical, const LaunchClocks &launch,
                     std::vector<NetReason> &reasons) const;
     void setClock(const Place &place, const LaunchClocks &launch, ProbeBit &bit) const;
     std::string namesOf(const std::vector<ReachingClock> &clocks) const;

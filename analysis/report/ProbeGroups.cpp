@@ -25,7 +25,7 @@ void ProbeGroups::add(const SignalReport &report)
             std::lower_bound(m_groups.begin(), m_groups.end(), bit.clock,
                              [](const ProbeGroup &each, const auto &clock) { return isBefore(each.clock, clock); });
         if (group == m_groups.end() || group->clock != bit.clock) {
-            group = m_groups.insert(group, ProbeGroup{bit.clock, 0, 0, 0});
+            group = m_groups.insert(group, ProbeGroup{bit.clock, 0, 0, 0, 0});
         }
         if (std::find(met.begin(), met.end(), bit.clock) == met.end()) {
             met.push_back(bit.clock);
@@ -33,6 +33,7 @@ void ProbeGroups::add(const SignalReport &report)
         }
         group->edges = static_cast<std::uint8_t>(group->edges | bit.edges);
         ++group->bits;
+        group->wires += m_wires[bit.clock].insert(bit.wire).second ? 1 : 0;
     }
 }
 

@@ -138,7 +138,9 @@ struct ProbeReport::State {
             std::vector<NetReason> own;
             device->findInDevice(target.instance, target.net, own);
             if (std::none_of(own.begin(), own.end(), [](const NetReason &each) { return each.bars; })) {
+                const ElectricalNet electrical = device->clocks().electrical(target.instance, target.net);
                 bit.target = target;
+                bit.wire = {electrical.instance, electrical.net};
                 return;
             }
             if (first.empty()) {
@@ -233,7 +235,10 @@ SignalReport ProbeReport::of(const IVDBInstance *inst, const std::vector<IVDBNet
             }
         }
         bit.mayBeProbed = std::none_of(reasons.begin(), reasons.end(), [](const NetReason &each) { return each.bars; });
-        barred += bit.mayBeProbed ? 0 : 1;
+        if (!bit.mayBeProbed) {
+            bit.wire = {};
+            ++barred;
+        }
         findings.add(at, std::move(reasons));
         report.bits.push_back(std::move(bit));
     }

@@ -5,9 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace kvr::netlistdb {
@@ -68,6 +72,10 @@ struct ProbeBit {
     std::uint8_t edges = 0;            ///< mask of ClockEdge: of that clock where it begins, on which the bit changes
     std::optional<ProbeMatch> match;   ///< what it is in the device, when both forms are given
     std::optional<ProbeTarget> target; ///< of those in match, the net to sample
+    /// The net where the wire to sample begins, behind hierarchy, buffers and inverters, with the instance that it is
+    /// seen in: bits with the same one are sampled once. Null for a bit that may not be probed; the instance also when
+    /// the tree has no item for it.
+    std::pair<const IVDBInstance *, const IVDBNet *> wire{};
 };
 
 /// What there is to say about probing one net or bus.
@@ -126,9 +134,11 @@ struct ProbeGroup {
     std::uint8_t edges = 0;       ///< mask of ClockEdge: those on which bits change
     std::uint64_t signals = 0;    ///< nets and buses that have bits in it
     std::uint64_t bits = 0;       ///< those that may be probed
+    std::uint64_t wires = 0;      ///< different wires that they are: what the core has to sample
 };
 
-/// Adds up what is sampled with which clock. A bus whose bits have several clocks is in several groups.
+/// Adds up what is sampled with which clock. A bus whose bits have several clocks is in several groups. Takes memory in
+/// proportion to the different wires.
 class NETLISTDB_EXPORT ProbeGroups {
   public:
     /// Adds the bits of @p report that may be probed.
@@ -138,6 +148,14 @@ class NETLISTDB_EXPORT ProbeGroups {
 
   private:
     std::vector<ProbeGroup> m_groups;
+    struct WireHash {
+        std::size_t operator()(const std::pair<const IVDBInstance *, const IVDBNet *> &wire) const
+        {
+            return std::hash<const void *>()(wire.first) * 31 + std::hash<const void *>()(wire.second);
+        }
+    };
+    std::map<std::optional<ClockId>, std::unordered_set<std::pair<const IVDBInstance *, const IVDBNet *>, WireHash>>
+        m_wires;
 };
 
 } // namespace kvr::netlistdb::analysis

@@ -210,6 +210,27 @@ TEST_F(ProbeReportTest, OneGroupHoldsAllBitsOfOneClock)
     EXPECT_EQ(groups.all()[2].bits, 1U);
 }
 
+TEST_F(ProbeReportTest, AGroupCountsAWireOnceWhateverNamesItHas)
+{
+    loadElaborated(R"(module sub(in clk, a, out b)
+                          r: DFF(clk=clk, d=a, q=b)
+                      end
+                      module top(in clk, d, out q)
+                          a: DFF(clk=clk, d=d, q=n)
+                          i: $_NOT_(A=n, Y=m)
+                          u: sub(clk=clk, a=m, b=q)
+                      end)");
+    ProbeGroups groups;
+    groups.add(reportOf("n"));
+    groups.add(reportOf("m"));
+    groups.add(reportOf("a", "u"));
+    groups.add(reportOf("b", "u"));
+    groups.add(reportOf("q"));
+    ASSERT_EQ(groups.all().size(), 1U);
+    EXPECT_EQ(groups.all()[0].bits, 5U);
+    EXPECT_EQ(groups.all()[0].wires, 2U);
+}
+
 TEST_F(ProbeReportTest, EveryReasonAndVerdictHasItsName)
 {
     std::string names;
