@@ -1,5 +1,6 @@
 #include <netlistdb/analysis/ProbeReport.h>
 
+#include "analysis/report/FindingCollector.h"
 #include "analysis/report/NearestRegisters.h"
 #include "analysis/report/NetReasons.h"
 
@@ -19,37 +20,6 @@ namespace {
 
 /// Registers that are looked at for one that a net of the device carries.
 constexpr std::size_t MOST_REGISTERS = 8;
-
-/// Puts the reasons of bits together.
-class Collector {
-  public:
-    void add(std::uint32_t bit, std::vector<NetReason> reasons)
-    {
-        for (NetReason &reason : reasons) {
-            const auto same = std::find_if(m_findings.begin(), m_findings.end(), [&](const ProbeFinding &finding) {
-                return finding.reason == reason.reason && finding.bars == reason.bars &&
-                       finding.evidence == reason.evidence && finding.instead == reason.instead;
-            });
-            if (same == m_findings.end()) {
-                m_findings.push_back(
-                    {reason.reason, reason.bars, {bit}, std::move(reason.evidence), std::move(reason.instead)});
-            } else if (same->bits.back() != bit) {
-                same->bits.push_back(bit);
-            }
-        }
-    }
-
-    std::vector<ProbeFinding> take()
-    {
-        std::stable_sort(m_findings.begin(), m_findings.end(), [](const ProbeFinding &a, const ProbeFinding &b) {
-            return a.reason != b.reason ? a.reason < b.reason : a.bars && !b.bars;
-        });
-        return std::move(m_findings);
-    }
-
-  private:
-    std::vector<ProbeFinding> m_findings;
-};
 
 const ClockMap &requireForm(const ClockMap &map, IDesignDatabase::SOURCE_TYPE source)
 {
@@ -156,7 +126,7 @@ struct ProbeReport::State {
     }
 
     /// Adds what only shows when all bits are seen together.
-    void findUnrelated(const SignalReport &report, Collector &findings) const
+    void findUnrelated(const SignalReport &report, FindingCollector &findings) const
     {
         std::map<ClockId, std::vector<std::uint32_t>> bits;
         for (std::uint32_t bit = 0; bit < report.bits.size(); ++bit) {
@@ -219,7 +189,7 @@ SignalReport ProbeReport::of(const IVDBInstance *inst, const std::vector<IVDBNet
     // What belonged to a source that is gone is not to be touched.
     m_state->check();
     SignalReport report;
-    Collector findings;
+    FindingCollector findings;
     std::size_t barred = 0;
     for (std::uint32_t at = 0; at < bits.size(); ++at) {
         ProbeBit bit;

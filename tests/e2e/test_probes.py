@@ -20,7 +20,7 @@ class Probes(ProgramTest):
             with self.subTest(design):
                 rows = self.results("probes", design)
                 self.assertTrue(rows)
-                self.assertTrue(all(row["user_declared"] and row["file"] for row in rows))
+                self.assertTrue(all(row["user_declared"] and (row["file"] or row["reasons"] == ["constant"]) for row in rows))
                 declared = [row for row in self.results("search", design, "", "--user-nets") if row["kind"] != "instance"]
                 order = {row["path"]: at for at, row in enumerate(declared)}
                 places = [order[row["path"]] for row in rows if row["path"] in order]
@@ -47,6 +47,12 @@ class Probes(ProgramTest):
             rows = {row["path"]: (row["verdict"], row["reasons"]) for row in self.results("probes", design, *more)}
             self.assertEqual(rows, {"hidden": ("no", ["protected"]), "open": ("warning", ["unused", "no-clock"])})
         self.assertEqual(self.succeed("probes", design, "--paths"), "open\n")
+
+    def test_what_is_tied_to_a_constant_is_there_without_a_net(self):
+        rows = {row["path"]: row for row in self.results("probes", ELABORATED)}
+        row = rows["u_dsp/u_fir/g_tap[0].sum_in"]
+        self.assertEqual((row["kind"], row["width"], row["bits"], row["verdict"], row["reasons"]), ("bus", 40, 0, "no", ["constant"]))
+        self.assertEqual(row["sources"], ["designs/rtl/fir_filter.v:34.32-34.38"])
 
     def test_tells_width_clock_and_source_position(self):
         rows = {row["path"]: row for row in self.results("probes", ELABORATED)}

@@ -138,7 +138,8 @@ class ProbesCommand : public DesignCommand {
         const bool hasSummary = isWhole && m_found && writer->isTable();
         if (hasSummary) {
             writer->end(Ending::Complete, facts);
-            writeSummary(groups, session);
+            session.output.write("\n");
+            writeGroups(groups, *session.makeWriter());
         }
         const int exitCode =
             hasSummary ? session.finish(true)
@@ -215,26 +216,6 @@ class ProbesCommand : public DesignCommand {
             probes->second.erase(end, probes->second.end());
         }
         return probes->second;
-    }
-
-    static void writeSummary(const Json &groups, Session &session)
-    {
-        session.output.write("\n");
-        const auto writer = session.makeWriter();
-        writer->begin({"probes",
-                       {},
-                       {{"clock", "SAMPLING CLOCK", Look::Name},
-                        {"edges", "EDGES"},
-                        {"signals", "NETS AND BUSES", Look::Plain, true},
-                        {"bits", "BITS", Look::Plain, true},
-                        {"wires", "WIRES", Look::Plain, true}}});
-        for (const Json &line : groups) {
-            const std::string clock = line["clock"].is_null() ? "(none)" : line["clock"].get<std::string>();
-            const std::string edges = line["edges"].is_null() ? "" : line["edges"].get<std::string>();
-            writer->row({std::string_view(clock), std::string_view(edges), line["signals"].get<std::uint64_t>(),
-                         line["bits"].get<std::uint64_t>(), line["wires"].get<std::uint64_t>()});
-        }
-        writer->end(Ending::Complete, {});
     }
 
     /// All that is against probing one net.

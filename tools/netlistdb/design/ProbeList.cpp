@@ -33,6 +33,8 @@ class Lister {
         for (const OtherSignal &other : m_names.others()) {
             if (const auto own = m_vectors.find(&other); own != m_vectors.end()) {
                 addVector(other, *own->second);
+            } else if (isDeclaredConstant(other)) {
+                addConstant(other);
             }
         }
         std::move(m_single.begin(), m_single.end(), std::back_inserter(m_probes));
@@ -115,23 +117,48 @@ class Lister {
         return nets.size() < 2;
     }
 
-    /// @p own is a bit that has the name of the vector.
-    void addVector(const OtherSignal &vector, IVDBNet &own)
+    /// What @p signal is, but for what its nets tell.
+    Probe of(const OtherSignal &signal)
     {
         Probe probe;
-        for (std::size_t position = vector.bits.size(); position-- > 0;) {
-            const NamedBit &bit = vector.bits[position];
+        for (std::size_t position = signal.bits.size(); position-- > 0;) {
+            const NamedBit &bit = signal.bits[position];
             if (bit.net != nullptr || bit.constant != '\0') {
                 probe.bits.push_back(bit.net);
             }
         }
-        probe.name = vector.name;
-        probe.isBus = true;
-        probe.width = vector.bits.size();
+        probe.name = signal.name;
+        probe.isBus = signal.isVector;
+        probe.width = signal.bits.size();
+        probe.aliases = m_names.aliasesOf(signal);
+        return probe;
+    }
+
+    /// @p own is a bit that has the name of the vector.
+    void addVector(const OtherSignal &vector, IVDBNet &own)
+    {
+        Probe probe = of(vector);
         probe.declared = m_names.isDeclared(own);
         probe.source = own.getLineInfo();
-        probe.aliases = m_names.aliasesOf(vector);
         probe.sources = m_names.sourcesOf(own);
+        m_probes.push_back(std::move(probe));
+    }
+
+    /// True for what the user declared and tied to constants, so that it has no net.
+    static bool isDeclaredConstant(const OtherSignal &signal)
+    {
+        return signal.declared && signal.kind == OtherSignal::Kind::Declared && !signal.bits.empty() &&
+               std::all_of(signal.bits.begin(), signal.bits.end(),
+                           [](const NamedBit &bit) { return bit.net == nullptr && bit.constant != '\0'; });
+    }
+
+    void addConstant(const OtherSignal &signal)
+    {
+        Probe probe = of(signal);
+        probe.declared = true;
+        if (!signal.src.empty()) {
+            probe.sources = {signal.src};
+        }
         m_probes.push_back(std::move(probe));
     }
 

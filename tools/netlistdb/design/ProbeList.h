@@ -23,14 +23,14 @@ struct Probe {
     std::uint64_t width = 1;
     bool declared = false; ///< by the user
     const IVDBLineInfo *source = nullptr;
-    const IVDBNetBase *item = nullptr; ///< null for a vector that is no bus
+    const IVDBNetBase *item = nullptr; ///< null for what is neither a net nor a bus of the netlist
     std::vector<IVDBNet *> bits;       ///< null for bits that are tied to constants
     std::vector<std::string> aliases;
     std::vector<std::string> sources; ///< all that is known of where it comes from, as the netlist has it
 };
 
 /// The probes of @p module: buses, then vectors of which some bits have other names, then nets, in the order of the
-/// netlist. Every net is in one of them.
+/// netlist. Every net is in one of them, and so is what the user declared and tied to constants.
 std::vector<Probe> probesOf(Design &design, IVDBNetlist &module);
 
 } // namespace kvr::netlistdb::tool

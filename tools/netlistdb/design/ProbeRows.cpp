@@ -189,4 +189,22 @@ Json groupsOf(const analysis::ProbeGroups &groups, const analysis::ClockMap &clo
     return list;
 }
 
+void writeGroups(const Json &groups, ResultWriter &writer)
+{
+    writer.begin({"probes",
+                  {},
+                  {{"clock", "SAMPLING CLOCK", Look::Name},
+                   {"edges", "EDGES"},
+                   {"signals", "NETS AND BUSES", Look::Plain, true},
+                   {"bits", "BITS", Look::Plain, true},
+                   {"wires", "WIRES", Look::Plain, true}}});
+    for (const Json &line : groups) {
+        const std::string clock = line["clock"].is_null() ? "(none)" : line["clock"].get<std::string>();
+        const std::string edges = line["edges"].is_null() ? "" : line["edges"].get<std::string>();
+        const auto count = [&line](const char *key) { return Value(line[key].get<std::uint64_t>()); };
+        writer.row({std::string_view(clock), std::string_view(edges), count("signals"), count("bits"), count("wires")});
+    }
+    writer.end(Ending::Complete, {});
+}
+
 } // namespace kvr::netlistdb::tool

@@ -39,5 +39,7 @@ class ProbeRows {
 
 /// The groups as JSON, one object for each analyser core.
 Json groupsOf(const analysis::ProbeGroups &groups, const analysis::ClockMap &clocks);
+/// Writes them as a table of their own.
+void writeGroups(const Json &groups, ResultWriter &writer);
 
 } // namespace kvr::netlistdb::tool
