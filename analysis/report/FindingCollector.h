@@ -5,7 +5,11 @@
 #include <netlistdb/analysis/ProbeReport.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <map>
+#include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -17,15 +21,13 @@ class FindingCollector {
     void add(std::uint32_t bit, std::vector<NetReason> reasons)
     {
         for (NetReason &reason : reasons) {
-            const auto same = std::find_if(m_findings.begin(), m_findings.end(), [&](const ProbeFinding &finding) {
-                return finding.reason == reason.reason && finding.bars == reason.bars &&
-                       finding.evidence == reason.evidence && finding.instead == reason.instead;
-            });
-            if (same == m_findings.end()) {
+            const auto [place, isNew] =
+                m_places.try_emplace({reason.reason, reason.bars, reason.evidence, reason.instead}, m_findings.size());
+            if (isNew) {
                 m_findings.push_back(
                     {reason.reason, reason.bars, {bit}, std::move(reason.evidence), std::move(reason.instead)});
-            } else if (same->bits.back() != bit) {
-                same->bits.push_back(bit);
+            } else if (std::vector<std::uint32_t> &bits = m_findings[place->second].bits; bits.back() != bit) {
+                bits.push_back(bit);
             }
         }
     }
@@ -40,6 +42,8 @@ class FindingCollector {
 
   private:
     std::vector<ProbeFinding> m_findings;
+    /// Of the findings, by all that they are the same in.
+    std::map<std::tuple<ProbeReason, bool, std::string, std::string>, std::size_t> m_places;
 };
 
 } // namespace kvr::netlistdb::analysis

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <netlistdb/netlistdb.h>
+#include <unordered_map>
 
 namespace kvr::netlistdb::tool {
 
@@ -57,6 +58,7 @@ std::vector<std::string> deviceNetsOf(const analysis::SignalReport &report)
 std::string shortNames(const std::vector<std::string> &nets)
 {
     std::vector<std::pair<std::string, std::vector<int>>> vectors;
+    std::unordered_map<std::string, std::size_t> places;
     for (const std::string &net : nets) {
         if (net.empty()) {
             continue;
@@ -65,12 +67,12 @@ std::string shortNames(const std::vector<std::string> &nets)
         int index = 0;
         const bool isBit = takeSubscript(net, vector, index);
         const std::string name(isBit ? vector : net);
-        auto known = std::find_if(vectors.begin(), vectors.end(), [&](const auto &each) { return each.first == name; });
-        if (known == vectors.end()) {
-            known = vectors.insert(vectors.end(), {name, {}});
+        const auto [place, isNew] = places.try_emplace(name, vectors.size());
+        if (isNew) {
+            vectors.emplace_back(name, std::vector<int>());
         }
         if (isBit) {
-            known->second.push_back(index);
+            vectors[place->second].second.push_back(index);
         }
     }
     std::string text;
