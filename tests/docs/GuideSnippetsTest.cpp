@@ -5,6 +5,7 @@
 
 #include <netlistdb/analysis/ClockMap.h>
 #include <netlistdb/analysis/Crossings.h>
+#include <netlistdb/analysis/ProbeReport.h>
 
 #include <DataBase.h>
 
@@ -77,6 +78,31 @@ std::string unsafeCrossings(const analysis::ClockMap &map)
             text += crossing.from.name + " to " + crossing.to.name + " on " + map.clocks()[crossing.capture].name +
                     ": " + nameOf(crossing.kind) + '\n';
         }
+    }
+    return text;
+}
+// [end]
+
+// [probe_report]
+/// What of an instance may not be probed, with the reasons: one line for each net or bus.
+std::string notProbeable(const analysis::ClockMap &map, IVDBInstance *inst)
+{
+    std::string text;
+    const analysis::ProbeReport report(map);
+    const auto add = [&](const std::string &name, const analysis::SignalReport &found) {
+        if (found.verdict == analysis::ProbeVerdict::No) {
+            text += name + ':';
+            for (const analysis::ProbeFinding &finding : found.findings) {
+                text += std::string(" ") + nameOf(finding.reason);
+            }
+            text += '\n';
+        }
+    };
+    for (const IVDBNetBus *bus : inst->getModule()->getAllNetBus()) {
+        add(bus->getName(), report.of(inst, bus));
+    }
+    for (IVDBNet *net : inst->getModule()->getNets(false)) {
+        add(net->getName(), report.of(inst, net));
     }
     return text;
 }
@@ -336,6 +362,16 @@ TEST_F(Guide, ListsUnsafeCrossings)
     const std::string text = unsafeCrossings(analysis::ClockMap(database, IDesignDatabase::SOURCE_ELABORATED));
     EXPECT_NE(text.find("host_cs_ni to u_mailbox/u_host/bit_q"), std::string::npos) << text;
     EXPECT_NE(text.find("on host_sclk_i: unsynchronized-reset"), std::string::npos) << text;
+}
+
+TEST_F(Guide, ListsWhatMayNotBeProbed)
+{
+    DesignDatabase database(true);
+    ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved("elaborated")));
+    const analysis::ClockMap map(database, IDesignDatabase::SOURCE_ELABORATED);
+    const std::string text = notProbeable(map, database.getRoot(IDesignDatabase::SOURCE_ELABORATED));
+    EXPECT_NE(text.find("clk_sys_i: clock-net\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("uart_tx_o"), std::string::npos) << text;
 }
 
 TEST_F(Guide, ResetsAndReloads)

@@ -13,7 +13,7 @@ class Pipes(ProgramTest):
         for design in DESIGNS:
             for command in (("search", design, "clk"), ("probes", design), ("tree", design)):
                 with self.subTest(command):
-                    rows = self.results(*command)
+                    rows = [row for row in self.results(*command) if row.get("verdict") != "no"]
                     self.assertEqual(self.paths(*command), [row["path"] or "." for row in rows])
 
     def test_paths_are_no_format(self):

@@ -92,7 +92,7 @@ class MapCommand : public Command {
 
     int run(Session &session) override
     {
-        const DesignPair pair = loadDesignPair(m_elaborated, m_postMap, session.reading());
+        const DesignPair pair = loadDesignPair({m_elaborated}, m_postMap, session.reading());
         Design &from = m_reverse ? *pair.postMap : *pair.elaborated;
         PathResolver resolver(from);
         std::vector<MatchedNet> nets = askedFor(from, resolver);
@@ -183,8 +183,11 @@ class MapCommand : public Command {
                 continue;
             }
             for (const Probe &probe : probesOf(design, *instance.getModule())) {
+                if (probe.item != nullptr && !probe.item->isSelectableForDebugger()) {
+                    continue;
+                }
                 for (IVDBNet *net : probe.bits) {
-                    if ((m_all || probe.declared) && net != nullptr) {
+                    if ((m_all || probe.declared) && net != nullptr && net->isSelectableForDebugger()) {
                         nets.push_back({&instance, net, VDBHelper::getNetFullName(net, &instance)});
                     }
                 }

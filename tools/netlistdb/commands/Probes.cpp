@@ -1,16 +1,20 @@
+#include "base/Failure.h"
 #include "base/Interrupt.h"
 #include "commands/Command.h"
 #include "commands/KindOption.h"
 #include "commands/Session.h"
-#include "design/Design.h"
-#include "design/NetClocks.h"
+#include "commands/VerdictOption.h"
+#include "design/ClockWords.h"
 #include "design/PathResolver.h"
 #include "design/ProbeList.h"
-#include "design/SourceText.h"
+#include "design/ProbeReasonRows.h"
+#include "design/ProbeRows.h"
+#include "design/ProbedDesign.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <deque>
+#include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
 
@@ -18,81 +22,186 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
+using analysis::ProbeVerdict;
+using analysis::SignalReport;
+
 class ProbesCommand : public DesignCommand {
   public:
     const char *name() const override { return "probes"; }
-    const char *summary() const override { return "Show every net that an on-chip debugger may probe"; }
+    const char *summary() const override { return "Show which nets an analyser may probe, and why not the others"; }
+    const char *arguments() const override { return "DESIGN... [POSTMAP] [OPTIONS]"; }
     const char *more() const override
     {
-        return "Shows the nets and vectors that the user declared and that are neither protected nor excluded, with "
-               "the\n"
-               "clock that drives them. A vector is shown whole, also when some of its bits have other names.\n"
-               "The pins of black boxes are no nets of the design. A bus whose bits belong to several clock domains\n"
-               "shows them all.\n\n"
+        return "Shows the nets and vectors that the user declared: whether an on-chip analyser may probe them, how "
+               "many\n"
+               "of their bits, and with which clock. A vector is shown whole, also when some of its bits have other\n"
+               "names. The pins of black boxes are no nets of the design. With POSTMAP, DESIGN is the RTL: what no "
+               "net\n"
+               "of the device carries cannot be probed.\n"
+               "  ok       nothing is against it\n"
+               "  warning  it may be probed, with something to think of\n"
+               "  partly   some of its bits may be probed\n"
+               "  no       it may not be probed\n"
+               "REASONS says why; docs/probes.md explains each, --why-not shows what it rests on. A table has the "
+               "nets\n"
+               "of one sampling clock together and ends with what one analyser core for each clock needs.\n\n"
                "Examples:\n"
-               "  netlistdb probes soc.json\n"
-               "  netlistdb probes soc.json --all --format csv -o probes.csv";
+               "  netlistdb probes soc.json --ok\n"
+               "  netlistdb probes soc_rtl.json soc_mapped.json --from u_cpu --format csv -o probes.csv\n"
+               "  netlistdb probes soc_rtl.json soc_mapped.json --why-not u_cpu/opcode";
     }
 
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
-        app.add_flag("--all", m_all, "Show nets and buses that no user declared, too");
-        app.add_option("--from", m_from, "Show what is in the instance PATH and below it only")->type_name("PATH");
+        CLI::Option *all = app.add_flag("--all", m_all, "Show nets and buses that no user declared, too");
+        CLI::Option *from =
+            app.add_option("--from", m_from, "Show what is in the instance PATH and below it only")->type_name("PATH");
         addKinds(app, m_kinds, "net,bus");
+        CLI::Option *ok = app.add_flag("--ok", m_ok, "Show only what may be probed, at least some bits of it");
+        CLI::Option *verdict = addVerdicts(app, m_verdicts)->excludes(ok);
+        CLI::Option *whyNot =
+            app.add_option("--why-not", m_whyNot, "Show all that is against probing the net or bus PATH")
+                ->type_name("PATH")
+                ->excludes(all)
+                ->excludes(from)
+                ->excludes(ok)
+                ->excludes(verdict);
         DesignCommand::addOptions(app, common);
         addPathsOption(app, common);
+        app.get_option("--paths")->excludes(whyNot);
+    }
+
+    std::vector<std::string> prepare(CommonOptions &common) override
+    {
+        std::vector<std::string> files = DesignCommand::prepare(common);
+        if (m_own.empty()) {
+            return files;
+        }
+        if (common.form) {
+            throw wrongUsage("probes: --form goes with one netlist; of two, the first is the elaborated one");
+        }
+        if (files.front() == "-" && m_own.front() == "-") {
+            throw wrongUsage("probes: '-' can be one of the two netlists only");
+        }
+        files.push_back(m_own.front());
+        return files;
     }
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
-        session.stats.begin("trace");
-        IVDBInstance &start = PathResolver(*design).startOf(m_from);
-        const auto writer = session.makeWriter();
-        ResultHead head;
-        head.command = "probes";
-        head.facts = {{"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}};
-        head.columns = {{"kind", nullptr},
-                        {"path", "PATH"},
-                        {"width", "WIDTH", Look::Plain, true},
-                        {"clocks", "CLOCK", Look::Name},
-                        {nullptr, "SOURCE", Look::Dim},
-                        {"user_declared", nullptr},
-                        {"file", nullptr},
-                        {"line", nullptr},
-                        {"aliases", nullptr},
-                        {"sources", nullptr}};
-        writer->begin(head);
-        const Ending ending = walk(*design, start, *writer, session);
+        ProbedDesign probed(m_design, m_own.empty() ? std::string() : m_own.front(), session.reading());
+        const int exitCode = m_whyNot.empty() ? list(probed, session) : explain(probed, session);
         session.stats.end();
-        return session.finish(*writer, m_found, ending);
+        return exitCode;
     }
 
+  protected:
+    std::size_t mostOwnArguments() const override { return 1; }
+
   private:
-    /// Level by level, as a search goes.
-    Ending walk(Design &design, IVDBInstance &start, ResultWriter &writer, Session &session)
+    /// A net or bus of the table, and the place of its group.
+    struct Entry {
+        std::uint64_t group;
+        IVDBInstance *instance;
+        const Probe *probe;
+    };
+
+    static std::vector<Fact> factsOf(ProbedDesign &probed)
     {
+        Design &design = probed.design();
+        std::vector<Fact> facts = {{"top", design.nameOf(design.top())}, {"form", nameOf(design.form())}};
+        if (probed.device() != nullptr) {
+            facts.push_back({"post_map", std::string_view(probed.device()->name())});
+        }
+        return facts;
+    }
+
+    int list(ProbedDesign &probed, Session &session)
+    {
+        IVDBInstance &start = PathResolver(probed.design()).startOf(m_from);
+        const auto writer = session.makeWriter();
+        // What is piped into other programs is to be probed.
+        m_verdicts.finish(m_ok || session.options.paths);
+        ProbeRows rows(probed.design(), probed.device() != nullptr, *writer);
+        writer->begin({"probes", factsOf(probed), rows.columns()});
         const Interrupt::Action stop(session.interrupt);
+        const bool isWhole =
+            walk(probed, start, session, *writer, rows) && (!writer->isTable() || writeSorted(probed, session, rows));
+        const Json groups = groupsOf(m_groups, probed.design().clocks());
+        std::vector<Fact> facts;
+        if (isWhole) {
+            facts.push_back({"groups", &groups});
+            for (std::size_t verdict = 0; verdict < VERDICTS.size(); ++verdict) {
+                facts.push_back({nameOf(VERDICTS[verdict]), m_counts[verdict]});
+            }
+        }
+        const bool hasSummary = isWhole && m_found && writer->isTable();
+        if (hasSummary) {
+            writer->end(Ending::Complete, facts);
+            session.output.write("\n");
+            writeGroups(groups, *session.makeWriter());
+        }
+        const int exitCode =
+            hasSummary ? session.finish(true)
+                       : session.finish(*writer, m_found, isWhole ? Ending::Complete : Ending::Interrupted, facts);
+        if (hasSummary) {
+            session.note(fmt::format("{} nets and buses: {} ok, {} warning, {} partly, {} no",
+                                     m_counts[0] + m_counts[1] + m_counts[2] + m_counts[3], m_counts[0], m_counts[1],
+                                     m_counts[2], m_counts[3]));
+        }
+        return exitCode;
+    }
+
+    /// Level by level, as a search goes. Writes what is found, or for a table keeps it; false when interrupted.
+    bool walk(ProbedDesign &probed, IVDBInstance &start, Session &session, ResultWriter &writer, ProbeRows &rows)
+    {
         std::deque<IVDBInstance *> waiting = {&start};
         for (; !waiting.empty(); waiting.pop_front()) {
             IVDBInstance &instance = *waiting.front();
             const std::vector<IVDBInstance *> &children = instance.getSubInstances();
             waiting.insert(waiting.end(), children.begin(), children.end());
-            const std::vector<Probe> &probes = probesOf(design, *instance.getModule());
-            if (probes.empty()) {
-                continue;
-            }
-            std::string path = instance.getPath();
-            path += path.empty() ? "" : "/";
-            for (const Probe &probe : probes) {
+            for (const Probe &probe : probesOf(probed.design(), *instance.getModule())) {
                 if (session.interrupt.requested()) {
-                    return Ending::Interrupted;
+                    return false;
                 }
-                write(design, instance, path, probe, writer);
-                writer.tick();
+                const SignalReport report = probed.report().of(&instance, probe.bits, probe.item);
+                if (!m_verdicts.has(report.verdict)) {
+                    continue;
+                }
+                m_found = true;
+                ++m_counts[static_cast<std::size_t>(report.verdict)];
+                m_groups.add(report);
+                if (writer.isTable()) {
+                    m_entries.push_back({groupOf(report), &instance, &probe});
+                } else {
+                    rows.write(instance, probe, report);
+                }
             }
         }
-        return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
+        return !session.interrupt.requested();
+    }
+
+    /// What has no clock stands behind what has one, and what may not be probed behind that.
+    static std::uint64_t groupOf(const SignalReport &report)
+    {
+        constexpr std::uint64_t NO_CLOCK = std::uint64_t(1) << 32;
+        const std::optional<analysis::ClockId> clock = samplingClockOf(report);
+        return report.verdict == ProbeVerdict::No ? NO_CLOCK + 1 : clock ? *clock : NO_CLOCK;
+    }
+
+    bool writeSorted(ProbedDesign &probed, Session &session, ProbeRows &rows)
+    {
+        std::stable_sort(m_entries.begin(), m_entries.end(),
+                         [](const Entry &a, const Entry &b) { return a.group < b.group; });
+        for (const Entry &entry : m_entries) {
+            if (session.interrupt.requested()) {
+                return false;
+            }
+            // Reports of all nets at once would take much memory.
+            rows.write(*entry.instance, *entry.probe,
+                       probed.report().of(entry.instance, entry.probe->bits, entry.probe->item));
+        }
+        return true;
     }
 
     /// What of @p module is to be shown. Lives as long as the command.
@@ -109,29 +218,46 @@ class ProbesCommand : public DesignCommand {
         return probes->second;
     }
 
-    void write(Design &design, IVDBInstance &instance, const std::string &prefix, const Probe &probe,
-               ResultWriter &writer)
+    /// All that is against probing one net.
+    int explain(ProbedDesign &probed, Session &session)
     {
-        m_found = true;
-        findClocks(design, instance, probe.bits, m_clocks);
-        const std::string path = prefix + probe.name;
-        const std::string shown = sourceText(probe.source, m_directory);
-        std::vector<std::string> aliases = probe.aliases;
-        for (std::string &alias : aliases) {
-            alias.insert(0, prefix);
+        const std::vector<PathResolver::Bit> found = PathResolver(probed.design()).nets(m_whyNot);
+        std::vector<IVDBNet *> nets;
+        std::vector<std::string> names;
+        IVDBNetBus *bus = found.front().net != nullptr ? found.front().net->getOwnerBus() : nullptr;
+        for (const PathResolver::Bit &bit : found) {
+            nets.push_back(bit.net);
+            names.push_back(bit.name);
+            bus = bit.net != nullptr && bit.net->getOwnerBus() == bus ? bus : nullptr;
         }
-        writer.row({std::string_view(probe.isBus ? "bus" : "net"), std::string_view(path), probe.width, &m_clocks,
-                    std::string_view(shown), probe.declared, fileOf(probe.source), lineOf(probe.source), &aliases,
-                    &probe.sources});
+        const SignalReport report = probed.report().of(found.front().instance, nets, bus);
+        const bool isFound = !report.findings.empty();
+        const auto writer = session.makeWriter();
+        if (writer->isTable()) {
+            session.output.write(probeReasonsText(m_whyNot, report, names));
+            return session.finish(isFound);
+        }
+        std::vector<Fact> facts = factsOf(probed);
+        facts.insert(facts.end(), {{"path", std::string_view(m_whyNot)},
+                                   {"verdict", std::string_view(nameOf(report.verdict))},
+                                   {"width", std::uint64_t(report.bits.size())},
+                                   {"bits", std::uint64_t(report.probeable())}});
+        writer->begin({"probes-why-not", facts, probeReasonColumns()});
+        writeProbeReasons(report, names, *writer);
+        return session.finish(*writer, isFound, Ending::Complete);
     }
 
     bool m_all = false;
+    bool m_ok = false;
     std::string m_from;
+    std::string m_whyNot;
     Kinds m_kinds;
+    Verdicts m_verdicts;
     bool m_found = false;
     std::unordered_map<const IVDBNetlist *, std::vector<Probe>> m_probes;
-    std::vector<std::string> m_clocks;
-    std::string m_directory = workingDirectory();
+    std::vector<Entry> m_entries;
+    analysis::ProbeGroups m_groups;
+    std::array<std::uint64_t, VERDICTS.size()> m_counts{};
 };
 
 } // namespace

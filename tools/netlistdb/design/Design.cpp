@@ -113,7 +113,8 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
     return design;
 }
 
-DesignPair loadDesignPair(const std::string &elaborated, const std::string &postMap, const Reading &reading)
+DesignPair loadDesignPair(const std::vector<std::string> &elaborated, const std::string &postMap,
+                          const Reading &reading)
 {
     const auto database = std::make_shared<DesignDatabase>(true);
     DesignPair pair;
@@ -121,7 +122,7 @@ DesignPair loadDesignPair(const std::string &elaborated, const std::string &post
         Reading own = reading;
         own.form = form;
         const bool isElaborated = form == Form::Elaborated;
-        const SourceNetlist source = readNetlist({isElaborated ? elaborated : postMap}, own);
+        const SourceNetlist source = readNetlist(isElaborated ? elaborated : std::vector<std::string>{postMap}, own);
         (isElaborated ? pair.elaborated : pair.postMap) = import(source, database, Clocks::Yes, own);
     }
     return pair;

@@ -87,9 +87,10 @@ struct DesignPair {
     std::unique_ptr<Design> postMap;
 };
 
-/// Reads and imports both forms, whichever form they look like.
+/// Reads and imports both forms, whichever form they look like; the elaborated one may be several sources.
 /// @throws Failure, Interrupted
-DesignPair loadDesignPair(const std::string &elaborated, const std::string &postMap, const Reading &reading);
+DesignPair loadDesignPair(const std::vector<std::string> &elaborated, const std::string &postMap,
+                          const Reading &reading);
 
 /// True for names that are taken as Verilog sources: of these a design may have several.
 bool isVerilogName(const std::string &file);

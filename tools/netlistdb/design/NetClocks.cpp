@@ -13,6 +13,9 @@ void findClocks(Design &design, const IVDBInstance &instance, const std::vector<
     clocks.clear();
     const analysis::ClockMap &map = design.clocks();
     for (const IVDBNet *net : nets) {
+        if (net == nullptr) {
+            continue;
+        }
         for (const analysis::ReachingClock &reaching : map.launch(&instance, net).clocks) {
             const std::string &name = map.clocks()[reaching.clock].name;
             if (std::find(clocks.begin(), clocks.end(), name) == clocks.end()) {

@@ -7,6 +7,7 @@
 namespace kvr::netlistdb {
 class IVDBLineInfo;
 class IVDBNet;
+class IVDBNetBase;
 class IVDBNetlist;
 } // namespace kvr::netlistdb
 
@@ -14,21 +15,22 @@ namespace kvr::netlistdb::tool {
 
 class Design;
 
-/// Something in a module that an on-chip debugger may probe: a net, or a vector as the user declared it, also when some
-/// of its bits have other names.
+/// Something in a module that one may want to probe: a net, or a vector as the user declared it, also when some of its
+/// bits have other names.
 struct Probe {
     std::string name;
     bool isBus = false;
     std::uint64_t width = 1;
     bool declared = false; ///< by the user
     const IVDBLineInfo *source = nullptr;
-    std::vector<IVDBNet *> bits; ///< bits that are tied to constants have none
+    const IVDBNetBase *item = nullptr; ///< null for what is neither a net nor a bus of the netlist
+    std::vector<IVDBNet *> bits;       ///< null for bits that are tied to constants
     std::vector<std::string> aliases;
     std::vector<std::string> sources; ///< all that is known of where it comes from, as the netlist has it
 };
 
 /// The probes of @p module: buses, then vectors of which some bits have other names, then nets, in the order of the
-/// netlist. Every net that may be probed is in one of them.
+/// netlist. Every net is in one of them, and so is what the user declared and tied to constants.
 std::vector<Probe> probesOf(Design &design, IVDBNetlist &module);
 
 } // namespace kvr::netlistdb::tool

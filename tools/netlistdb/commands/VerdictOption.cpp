@@ -1,0 +1,28 @@
+#include "commands/VerdictOption.h"
+
+#include "design/CrossingWords.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string>
+
+namespace kvr::netlistdb::tool {
+
+CLI::Option *addVerdicts(CLI::App &command, Verdicts &verdicts)
+{
+    const auto take = [&verdicts](const std::string &list) {
+        verdicts.clear();
+        for (const std::string &name : splitAtCommas(list)) {
+            const auto *const verdict =
+                std::find_if(VERDICTS.begin(), VERDICTS.end(), [&](auto each) { return name == nameOf(each); });
+            if (verdict == VERDICTS.end()) {
+                throw CLI::ValidationError("--verdict: '" + name + "' is none of ok,warning,partly,no");
+            }
+            verdicts.add(*verdict);
+        }
+    };
+    return command.add_option_function<std::string>("--verdict", take, "Show these verdicts only")
+        ->type_name("ok,warning,partly,no");
+}
+
+} // namespace kvr::netlistdb::tool
