@@ -99,6 +99,11 @@ class BitGraph {
     const Part &partOf(const Node &node) const { return recipes[node.recipe].parts[node.part]; }
     Span<Signal> inputsOf(const Node &node) const;
     Span<Signal> outputsOf(const Node &node) const;
+    /// Whether a clock changes the wire.
+    bool isRegister(Signal signal) const
+    {
+        return drivers[signal] != NONE && !partOf(nodes[drivers[signal]]).isLogic();
+    }
     std::uint32_t recipeOf(std::uint32_t occurrence, std::uint32_t cell) const
     {
         return m_cellRecipes[occurrences[occurrence].module][cell];

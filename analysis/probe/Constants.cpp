@@ -1,5 +1,6 @@
+#include "analysis/probe/Constants.h"
+
 #include "analysis/probe/Logic.h"
-#include "analysis/probe/Verdicts.h"
 
 namespace kvr::netlistdb::analysis::probe {
 

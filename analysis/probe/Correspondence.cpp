@@ -11,14 +11,12 @@ constexpr int MANY = 1'000'000; ///< wires
 constexpr int WARM_UP = 8;
 constexpr int FROM_RESET = 56; ///< at least; more in small designs
 constexpr int EVERYWHERE = 32; ///< the same
-constexpr int LONG_RUN = 128;  ///< to see registers that hardly ever change
+constexpr int LONG_RUN = 64;   ///< to see registers that hardly ever change
 constexpr std::uint64_t MUCH_CHOSEN = 0x5555555555555555ULL;
-constexpr int SHORT_RUN = 8; ///< when something differs, what comes behind hardly tells more
-constexpr int MOST_ROUNDS = 24;
-constexpr std::uint8_t MOST_STRIKES = 3;
-constexpr unsigned LEAST_ACTIVITY = 4; ///< runs in which a wire must have been 0, and 1, to be told apart from others
-
-enum NameFlag : std::uint8_t { DIFFERED_FROM_RESET = 1, DIFFERED_EVERYWHERE = 2 };
+constexpr int SHORT_RUN = 2;     ///< when much differs, what comes behind hardly tells more
+constexpr std::size_t FEW = 256; ///< of so many classes, one that differs is little
+constexpr int MOST_RUNS = 6;     ///< of large netlists, of full length
+constexpr std::uint64_t MUCH_LEANING = 0x00FF00FF00FF00FFULL;
 
 } // namespace
 
@@ -89,101 +87,12 @@ void Correspondence::checkNames(bool fromReset)
     }
 }
 
-/// Registers whose value may be chosen: not those that make clocks or resets, and no latches.
-bool Correspondence::isCandidate(Side side, Signal signal) const
-{
-    const std::uint32_t driver = m_graphs[side]->drivers[signal];
-    return signal >= FIRST_SIGNAL && driver != NONE && !simulator(side).isControl()[signal] &&
-           m_graphs[side]->partOf(m_graphs[side]->nodes[driver]).op != Op::Latch;
-}
-
-/// Groups of registers of both sides that were equal or inverse to each other, as @p signatures tell.
-std::vector<Correspondence::Members> Correspondence::groupsBy(const Signatures *signatures, bool onlyFree) const
-{
-    std::vector<std::pair<std::uint64_t, Member>> keyed;
-    for (const Side side : {ELABORATED, POST_MAP}) {
-        for (const Signal signal : registers(side)) {
-            const Signatures &own = signatures[side];
-            if (isCandidate(side, signal) && own.isKnown(signal) && own.activity(signal) >= LEAST_ACTIVITY &&
-                !(onlyFree && isInClass(side, signal))) {
-                keyed.push_back({own.hash(signal), {signal, side, own.isInverted(signal)}});
-            }
-        }
-    }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
-    std::vector<Members> groups;
-    for (std::size_t first = 0; first < keyed.size();) {
-        Members members;
-        std::size_t last = first;
-        for (; last < keyed.size() && keyed[last].first == keyed[first].first; ++last) {
-            members.push_back(keyed[last].second);
-        }
-        if (members.front().side != members.back().side) {
-            groups.push_back(std::move(members));
-        }
-        first = last;
-    }
-    return groups;
-}
-
-void Correspondence::addClass(Members members, const Class &like)
-{
-    for (const Member &member : members) {
-        m_classOf[member.side][member.signal] = static_cast<std::uint32_t>(m_classes.size());
-    }
-    m_classes.push_back({std::move(members), like.strikes, like.isFree, false});
-}
-
-/// Takes pairs of one name out of a group of several registers that behave alike.
-void Correspondence::addByNames(Members &members, const Class &like)
-{
-    const auto find = [&](Side side, Signal signal) {
-        return std::find_if(members.begin(), members.end(),
-                            [&](const Member &member) { return member.side == side && member.signal == signal; });
-    };
-    for (std::size_t at = 0; at < members.size() && !members.empty();) {
-        const Member own = members[at];
-        if (own.side != ELABORATED) {
-            break;
-        }
-        const auto first = std::lower_bound(m_names.wires.begin(), m_names.wires.end(), WirePair{own.signal, 0});
-        auto other = members.end();
-        for (auto pair = first; pair != m_names.wires.end() && pair->elaborated == own.signal && other == members.end();
-             ++pair) {
-            other = find(POST_MAP, pair->postMap);
-        }
-        if (other == members.end()) {
-            ++at;
-            continue;
-        }
-        addClass({own, *other}, like);
-        members.erase(other);
-        members.erase(members.begin() + static_cast<std::ptrdiff_t>(at));
-    }
-}
-
-void Correspondence::makeFirstClasses()
-{
-    for (Members &members : groupsBy(m_fromReset, false)) {
-        addClass(std::move(members), {});
-    }
-    const auto isRegister = [&](Side side, Signal signal) {
-        return isCandidate(side, signal) && !isInClass(side, signal) &&
-               !m_graphs[side]->partOf(m_graphs[side]->nodes[m_graphs[side]->drivers[signal]]).isLogic();
-    };
-    for (std::size_t at = 0; at < m_names.wires.size(); ++at) {
-        const WirePair &pair = m_names.wires[at];
-        if ((m_nameFlags[at] & DIFFERED_FROM_RESET) == 0 && isRegister(ELABORATED, pair.elaborated) &&
-            isRegister(POST_MAP, pair.postMap)) {
-            addClass({{pair.elaborated, ELABORATED, false}, {pair.postMap, POST_MAP, false}}, {});
-        }
-    }
-}
-
 void Correspondence::repeatUntilStable()
 {
     int steps = m_stepsEverywhere;
-    for (int round = 0; round < MOST_ROUNDS; ++round) {
+    // The smaller the netlists, the more runs of the greater length.
+    const int mostSteps = MOST_RUNS * m_stepsEverywhere * m_stepsEverywhere / EVERYWHERE;
+    for (m_spentSteps = 0; m_spentSteps < mostSteps;) {
         if (!runEverywhere(false, steps)) {
             splitClasses();
         } else if (!addNewClasses()) {
@@ -194,6 +103,19 @@ void Correspondence::repeatUntilStable()
         }
     }
     runEverywhere(true, m_stepsEverywhere);
+    dropWhatDiffered();
+}
+
+/// Classes that fell apart in the last run hold nothing up.
+void Correspondence::dropWhatDiffered()
+{
+    for (const Class &each : m_classes) {
+        for (const Member &member : each.members) {
+            if (each.differed) {
+                m_classOf[member.side][member.signal] = NONE;
+            }
+        }
+    }
 }
 
 bool Correspondence::runEverywhere(bool forGood, int steps)
@@ -206,9 +128,9 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
         each.differed = false;
     }
     forceClasses();
-    bool held = true;
+    std::size_t differing = 0;
     const auto nothing = [] {};
-    for (int step = 0; step < steps && (held || forGood || step < SHORT_RUN); ++step) {
+    for (int step = 0; step < steps && (forGood || step < SHORT_RUN || differing <= m_classes.size() / FEW); ++step) {
         if (forGood) {
             m_bench.step([&] { sampleAll(m_everywhere, false); }, [&] { sampleControl(m_everywhere); });
         } else {
@@ -217,10 +139,11 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
                 m_everywhere[side].sample(simulator(side), m_lanes, registers(side));
             }
         }
-        held = checkClasses() && held;
+        differing = checkClasses();
+        ++m_spentSteps;
         forceClasses();
     }
-    return held;
+    return differing == 0;
 }
 
 void Correspondence::sampleAll(Signatures *signatures, bool fromReset)
@@ -239,9 +162,10 @@ void Correspondence::sampleControl(Signatures *signatures)
     }
 }
 
-bool Correspondence::checkClasses()
+/// Returns how many classes have differed in this run.
+std::size_t Correspondence::checkClasses()
 {
-    bool held = true;
+    std::size_t differing = 0;
     for (Class &each : m_classes) {
         std::uint64_t ones = 0;
         std::uint64_t zeros = 0;
@@ -252,15 +176,29 @@ bool Correspondence::checkClasses()
             zeros |= own.zero & ~own.one;
         }
         each.differed = each.differed || (ones & zeros) != 0;
-        held = held && !each.differed;
+        differing += each.differed ? 1 : 0;
     }
-    return held;
+    return differing;
+}
+
+/// A random value for a class. In half of the runs all bits of an elaborated register lean to the same side, another
+/// one at every step: carries run through counters, and numbers are 0, or as large as can be, far more often than by
+/// chance.
+std::uint64_t Correspondence::valueFor(const Class &of, std::uint64_t step)
+{
+    Random &random = m_bench.random();
+    const Member &first = of.members.front();
+    const std::uint64_t side = mixed(step ^ m_graphs[first.side]->drivers[first.signal]);
+    const std::uint64_t seldom = random.seldom(4);
+    const std::uint64_t leaning = (seldom & side) | (~seldom & ~side);
+    return (leaning & MUCH_LEANING) | (random.next() & ~MUCH_LEANING);
 }
 
 void Correspondence::forceClasses()
 {
+    const std::uint64_t step = m_bench.random().next();
     for (const Class &each : m_classes) {
-        const std::uint64_t value = m_bench.random().next();
+        const std::uint64_t value = valueFor(each, step);
         // Half of the runs are mostly left to themselves: what takes several steps would hardly ever come about.
         std::uint64_t lanes = (m_bench.random().next() & MUCH_CHOSEN) | (m_bench.random().seldom(4) & ~MUCH_CHOSEN);
         if (each.isFree) {
@@ -274,147 +212,6 @@ void Correspondence::forceClasses()
             own.set(member.signal, inLanes(lanes, lanesOf(member.inverted ? ~value : value), own[member.signal]));
         }
     }
-}
-
-/// Members of a class that differed stay together as far as they were equal. Where none were, the class goes on without
-/// its value being chosen: the netlists may rely on states that registers have only together. When it differs again,
-/// the registers that it depends on are left to themselves, too. Only what differs even then is given up.
-void Correspondence::splitClasses()
-{
-    std::vector<Class> old;
-    old.swap(m_classes);
-    for (const Side side : {ELABORATED, POST_MAP}) {
-        std::fill(m_classOf[side].begin(), m_classOf[side].end(), NONE);
-    }
-    std::vector<std::size_t> again;
-    for (Class &each : old) {
-        if (!each.differed) {
-            const Class like = each;
-            addClass(std::move(each.members), like);
-        } else if (!splitClass(each) && each.strikes < MOST_STRIKES) {
-            each.isFree = true;
-            ++each.strikes;
-            const std::size_t first = m_classes.size();
-            addByNames(each.members, each);
-            if (!each.members.empty() && each.members.front().side != each.members.back().side &&
-                m_classes.size() == first) {
-                const Class like = each;
-                addClass(std::move(each.members), like);
-            }
-            for (std::size_t added = first; added < m_classes.size() && each.strikes > 1; ++added) {
-                again.push_back(added);
-            }
-        }
-    }
-    for (const std::size_t number : again) {
-        freeSupport(m_classes[number]);
-    }
-}
-
-/// Leaves the registers that the next value of a class depends on to themselves.
-void Correspondence::freeSupport(const Class &of)
-{
-    for (const Member &member : of.members) {
-        const BitGraph &graph = *m_graphs[member.side];
-        std::vector<bool> seen(graph.signalCount, false);
-        std::vector<Signal> open;
-        const Node &own = graph.nodes[graph.drivers[member.signal]];
-        const Span<Signal> inputs = graph.inputsOf(own);
-        const Part &part = graph.partOf(own);
-        if (part.op == Op::FlipFlop) {
-            const Span<Signal> outputs = graph.outputsOf(own);
-            const auto bit =
-                static_cast<std::size_t>(std::find(outputs.begin(), outputs.end(), member.signal) - outputs.begin());
-            open = {inputs[1], inputs[2], inputs[3], inputs[4 + bit]};
-        } else {
-            open.assign(inputs.begin(), inputs.end());
-        }
-        while (!open.empty()) {
-            const Signal signal = open.back();
-            open.pop_back();
-            if (seen[signal]) {
-                continue;
-            }
-            seen[signal] = true;
-            const std::uint32_t driver = graph.drivers[signal];
-            if (m_classOf[member.side][signal] != NONE) {
-                m_classes[m_classOf[member.side][signal]].isFree = true;
-            } else if (driver != NONE && graph.partOf(graph.nodes[driver]).isLogic()) {
-                const Span<Signal> in = graph.inputsOf(graph.nodes[driver]);
-                open.insert(open.end(), in.begin(), in.end());
-            }
-        }
-    }
-}
-
-/// Returns false when no two members of different sides stay together.
-bool Correspondence::splitClass(const Class &old)
-{
-    const auto keyOf = [&](const Member &member) {
-        const Signatures &own = m_everywhere[member.side];
-        return std::make_pair(own.hash(member.signal), own.isInverted(member.signal) != member.inverted);
-    };
-    Members members;
-    for (const Member &member : old.members) {
-        if (m_everywhere[member.side].isKnown(member.signal)) {
-            members.push_back(member);
-        }
-    }
-    std::stable_sort(members.begin(), members.end(),
-                     [&](const Member &a, const Member &b) { return keyOf(a) < keyOf(b); });
-    bool found = false;
-    for (std::size_t first = 0; first < members.size();) {
-        std::size_t last = first;
-        while (last < members.size() && keyOf(members[last]) == keyOf(members[first])) {
-            ++last;
-        }
-        const Members part(members.begin() + static_cast<std::ptrdiff_t>(first),
-                           members.begin() + static_cast<std::ptrdiff_t>(last));
-        if (part.front().side != part.back().side) {
-            addClass(part, old);
-            found = true;
-        }
-        first = last;
-    }
-    return found;
-}
-
-/// True unless both were known from reset on and were not what they would be now.
-bool Correspondence::mayBeEqual(const Member &a, const Member &b) const
-{
-    const Signatures &left = m_fromReset[a.side];
-    const Signatures &right = m_fromReset[b.side];
-    if (!left.isKnown(a.signal) || !right.isKnown(b.signal)) {
-        return true;
-    }
-    return left.hash(a.signal) == right.hash(b.signal) &&
-           (left.isInverted(a.signal) != right.isInverted(b.signal)) == (a.inverted != b.inverted);
-}
-
-bool Correspondence::addNewClasses()
-{
-    bool added = false;
-    for (Members &members : groupsBy(m_everywhere, true)) {
-        const Member leader = members.front();
-        members.erase(std::remove_if(members.begin(), members.end(),
-                                     [&](const Member &member) { return !mayBeEqual(leader, member); }),
-                      members.end());
-        if (members.front().side != members.back().side) {
-            addClass(std::move(members), {});
-            added = true;
-        }
-    }
-    return added;
-}
-
-bool Correspondence::areCompatible(Signal elaborated, Signal postMap) const
-{
-    const auto isChosen = [&](Side side, Signal signal) {
-        const std::uint32_t driver = m_graphs[side]->drivers[signal];
-        return isCandidate(side, signal) && m_graphs[side]->partOf(m_graphs[side]->nodes[driver]).op == Op::FlipFlop;
-    };
-    return !isChosen(ELABORATED, elaborated) || !isChosen(POST_MAP, postMap) ||
-           (m_classOf[ELABORATED][elaborated] == m_classOf[POST_MAP][postMap] && isInClass(POST_MAP, postMap));
 }
 
 Correspondence::NameVerdict Correspondence::verdictOf(const WirePair &pair) const

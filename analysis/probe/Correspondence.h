@@ -38,7 +38,7 @@ class Correspondence {
     bool areCompatible(Signal elaborated, Signal postMap) const;
     const Simulator &simulator(Side side) const { return side == ELABORATED ? m_bench.elaborated : m_bench.postMap; }
 
-  public:
+  private:
     struct Member {
         Signal signal;
         Side side;
@@ -52,9 +52,8 @@ class Correspondence {
         bool isFree = false;      ///< its value is not chosen
         bool differed = false;    ///< in the last run
     };
-    const std::vector<Class> &classes() const { return m_classes; }
+    enum NameFlag : std::uint8_t { DIFFERED_FROM_RESET = 1, DIFFERED_EVERYWHERE = 2 };
 
-  private:
     void runFromReset();
     void makeFirstClasses();
     void repeatUntilStable();
@@ -65,10 +64,12 @@ class Correspondence {
     bool splitClass(const Class &old);
     bool addNewClasses();
     void addClass(Members members, const Class &like);
-    void freeSupport(const Class &of);
+    void freeSupport(const std::vector<std::size_t> &classes);
     void addByNames(Members &members, const Class &like);
     void forceClasses();
-    bool checkClasses();
+    std::uint64_t valueFor(const Class &of, std::uint64_t step);
+    void dropWhatDiffered();
+    std::size_t checkClasses();
     void checkNames(bool fromReset);
     void sampleAll(Signatures *signatures, bool fromReset);
     void sampleControl(Signatures *signatures);
@@ -85,6 +86,7 @@ class Correspondence {
     int m_stepsFromReset;
     int m_stepsEverywhere;
     int m_longSteps;
+    int m_spentSteps = 0; ///< of the runs from any state
     std::uint64_t m_lanes = ALL_LANES;
     Signatures m_fromReset[2];
     Signatures m_everywhere[2];

@@ -1,5 +1,7 @@
 #include "analysis/probe/DevicePieces.h"
 
+#include <algorithm>
+
 namespace kvr::netlistdb::analysis::probe {
 
 void addDeviceFlipFlop(RecipeBuilder &cell, const DeviceFlipFlop &pins)
@@ -48,7 +50,7 @@ void addShiftRegister(RecipeBuilder &cell, const Slots &address, const ShiftRegi
                       const char *last)
 {
     cell.recipe().kind = CellKind::ShiftRegister;
-    const auto stages = std::uint32_t{1} << address.size();
+    const auto stages = std::uint32_t{1} << std::min<std::size_t>(address.size(), 5);
     Part &shift = cell.add(Op::ShiftRegister, {{cell.pin(pins.clock, SLOT_UNKNOWN), cell.pin(pins.enable, SLOT_ONE),
                                                 cell.pin(pins.d, SLOT_UNKNOWN)}});
     shift.width = stages;

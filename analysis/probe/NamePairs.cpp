@@ -93,18 +93,13 @@ CellsByKey cellsBy(const BitGraph &graph, bool byPath)
 
 } // namespace
 
-NamePairs::NamePairs(const BitGraph &elaborated, const BitGraph &postMap) : byNet(elaborated.signals.size(), NONE)
+NamePairs::NamePairs(const BitGraph &elaborated, const BitGraph &postMap)
 {
     const WiresByName wiresByName(postMap);
     forEachName(elaborated, [&](std::uint32_t occurrence, std::uint32_t net, std::uint64_t name) {
         const Signal found = wiresByName.find(name);
-        if (found == NONE) {
-            return;
-        }
-        Signal &known = byNet[elaborated.occurrences[occurrence].firstNet + net];
-        known = known == NONE ? found : known;
         const Signal own = elaborated.signalOf(occurrence, net);
-        if (own >= FIRST_SIGNAL && found >= FIRST_SIGNAL) {
+        if (found != NONE && own >= FIRST_SIGNAL && found >= FIRST_SIGNAL) {
             wires.push_back({own, found});
         }
     });

@@ -26,7 +26,6 @@ struct WirePair {
 struct NamePairs {
     NamePairs(const BitGraph &elaborated, const BitGraph &postMap);
 
-    std::vector<Signal> byNet;   ///< by elaborated net: the post-map wire with one of its names, or NONE
     std::vector<WirePair> wires; ///< in ascending order, each once; no constants
 };
 

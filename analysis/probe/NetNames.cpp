@@ -1,7 +1,7 @@
 #include "analysis/probe/NetNames.h"
 
 #include "analysis/probe/Hash.h"
-#include "frontend/yosys/OtherNames.h"
+#include "platform/names/OtherNames.h"
 
 #include <DataBase.h>
 
@@ -54,7 +54,7 @@ const char *textOf(const char *text)
 /// The names that the reader of the netlist kept beside those of the nets.
 void addOtherNames(const Verific::Netlist &netlist, const std::vector<const Verific::Net *> &nets, ModuleNames &names)
 {
-    const char *const text = netlist.GetAttValue(yosys::OTHER_NAMES);
+    const char *const text = netlist.GetAttValue(names::OTHER_NAMES);
     if (text == nullptr) {
         return;
     }
@@ -62,12 +62,12 @@ void addOtherNames(const Verific::Netlist &netlist, const std::vector<const Veri
     for (std::uint32_t net = 0; net < nets.size(); ++net) {
         numbers.emplace(textOf(nets[net]->Name()), net);
     }
-    yosys::readOtherNames(text, [&](const yosys::OtherName &other) {
-        if (other.kind == yosys::NameKind::Hidden && other.hdlName.empty()) {
+    names::readOtherNames(text, [&](const names::OtherName &other) {
+        if (other.kind == names::NameKind::Hidden && other.hdlName.empty()) {
             return;
         }
         const int step = other.left >= other.right ? 1 : -1;
-        int index = other.right;
+        std::int64_t index = other.right;
         const auto add = [&](const std::string &net) {
             const auto found = numbers.find(net);
             if (found != numbers.end()) {
@@ -77,15 +77,15 @@ void addOtherNames(const Verific::Netlist &netlist, const std::vector<const Veri
             }
             index += step;
         };
-        for (const yosys::NetRun &run : other.bits) {
-            if (run.kind == yosys::NetRun::Kind::Constant) {
-                index += step * static_cast<int>(run.count);
-            } else if (run.kind == yosys::NetRun::Kind::Net) {
+        for (const names::NetRun &run : other.bits) {
+            if (run.kind == names::NetRun::Kind::Constant) {
+                index += step * static_cast<std::int64_t>(run.count);
+            } else if (run.kind == names::NetRun::Kind::Net) {
                 add(run.net);
             } else {
                 const int onward = run.first <= run.last ? 1 : -1;
-                for (int bit = run.first; bit != run.last + onward; bit += onward) {
-                    add(run.net + '[' + std::to_string(bit) + ']');
+                for (unsigned bit = 0; bit < run.count; ++bit) {
+                    add(run.net + '[' + std::to_string(run.first + static_cast<int>(bit) * onward) + ']');
                 }
             }
         }

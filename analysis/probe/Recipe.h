@@ -29,7 +29,6 @@ enum class Op : std::uint8_t {
     Latch,       ///< enable, reset, D, set, clear, Q
     MemoryRead,  ///< clock, enable, block, address, Y
     ShiftOutput, ///< address, Y: a stage of the shift register that stands in front of it
-    Pad,         ///< driver, Y: what comes from outside where the driver is off
     // State that a clock changes.
     FlipFlop,      ///< clock, enable, sync reset, async reset, D, load or set and clear, Q
     ShiftRegister, ///< clock, enable, D
@@ -79,6 +78,8 @@ struct Part {
 
     bool has(PartFlag flag) const { return (flags & flag) != 0; }
     std::uint32_t outputs() const;
+    /// Whether it has as many slots as its operation needs. Netlists that no tool wrote may have others.
+    bool isWellFormed() const;
     bool isClocked() const { return op >= Op::FlipFlop && op <= Op::MemoryWrite; }
     /// True when Y follows inputs without a clock.
     bool isLogic() const { return op < Op::FlipFlop; }

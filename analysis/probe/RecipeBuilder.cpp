@@ -2,32 +2,6 @@
 
 namespace kvr::netlistdb::analysis::probe {
 
-std::uint32_t Part::outputs() const
-{
-    switch (op) {
-    case Op::Lut:
-    case Op::WideLut:
-    case Op::And:
-    case Op::Or:
-    case Op::Xor:
-    case Op::Equal:
-    case Op::Less:
-    case Op::Pad:
-    case Op::ShiftOutput:
-        return 1;
-    case Op::Add:
-        return has(PART_CARRIES) ? 3 * width : width;
-    case Op::Distribute:
-        return width << inputs;
-    case Op::ShiftRegister:
-    case Op::MemoryWrite:
-    case Op::MemoryStart:
-        return 0;
-    default:
-        return width;
-    }
-}
-
 Slots RecipeBuilder::port(std::string_view name) const
 {
     Slots slots;

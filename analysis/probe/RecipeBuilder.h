@@ -52,7 +52,6 @@ class RecipeBuilder {
 };
 
 /// Tables of look-up tables: the first input is the lowest bit of the place.
-constexpr std::uint64_t TABLE_BUFFER = 2;
 constexpr std::uint64_t TABLE_AND = 8;
 constexpr std::uint64_t TABLE_OR = 14;
 constexpr std::uint64_t TABLE_XOR = 6;

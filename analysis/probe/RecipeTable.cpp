@@ -6,6 +6,8 @@
 
 #include <DataBase.h>
 
+#include <algorithm>
+
 namespace kvr::netlistdb::analysis::probe {
 
 namespace {
@@ -64,7 +66,8 @@ Recipe build(const Verific::Instance &instance, CellKind kind)
         Recipe candidate;
         candidate.kind = kind;
         RecipeBuilder cell(pins, candidate);
-        if (add(cell)) {
+        if (add(cell) && std::all_of(candidate.parts.begin(), candidate.parts.end(),
+                                     [](const Part &part) { return part.isWellFormed(); })) {
             candidate.isKnown = true;
             recipe = std::move(candidate);
         }

@@ -41,10 +41,6 @@ class Signatures {
     bool isInverted(Signal signal) const { return (m_flags[signal] & INVERTED) != 0; }
     /// In how many runs it was 0 and in how many it was 1, whichever is less.
     unsigned activity(Signal signal) const;
-    /// True when it was the same all the time.
-    bool isStill(Signal signal) const { return m_ones[signal] == 0 || m_zeros[signal] == 0; }
-    /// The value of a wire that was still.
-    bool stillValue(Signal signal) const { return m_ones[signal] != 0; }
 
   private:
     enum Flag : std::uint8_t { UNKNOWN_ONCE = 1, STARTED = 2, INVERTED = 4 };

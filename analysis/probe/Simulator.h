@@ -20,7 +20,6 @@ class Simulator {
     /// Back to the state before the first clock.
     void restart();
     const Lanes &operator[](Signal signal) const { return m_values[signal]; }
-    const std::vector<Lanes> &values() const { return m_values; }
     /// Gives a wire that nothing drives, or a register, a value. react() or settle() must follow.
     void set(Signal signal, const Lanes &value)
     {
@@ -55,8 +54,7 @@ class Simulator {
     const std::vector<Signal> &clockSignals() const { return m_clockSignals; }
     /// The outputs of registers, bit by bit, in the order of the nodes.
     const std::vector<Signal> &registers() const { return m_registers; }
-    /// False for what a combinational loop drives.
-    bool isLoop(std::uint32_t node) const { return m_inLoop[node]; }
+    /// All logic but what is in loops, each node behind those that it depends on.
     const std::vector<std::uint32_t> &order() const { return m_order; }
 
   private:
@@ -74,7 +72,6 @@ class Simulator {
     }
     std::vector<Step> stepsOf(const std::vector<std::uint32_t> &nodes) const;
 
-    void sortLogic();
     void findControl();
     void findClocks();
     std::vector<std::uint32_t> coneOf(const std::vector<Signal> &signals) const;
@@ -108,8 +105,7 @@ class Simulator {
     std::vector<std::size_t> m_firstContent;
     std::vector<Lanes> m_external;
     std::vector<std::uint32_t> m_externalOf; ///< by signal; empty when there are no inout ports
-    std::vector<std::uint32_t> m_order;      ///< logic, each node behind those that it depends on
-    std::vector<bool> m_inLoop;
+    std::vector<std::uint32_t> m_order;
     std::vector<Step> m_steps; ///< of the order
     std::vector<Step> m_control;
     std::vector<bool> m_isControl;

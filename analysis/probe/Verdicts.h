@@ -31,9 +31,9 @@ class Verdicts {
   public:
     Verdicts(const BitGraph &elaborated, const BitGraph &postMap, const Correspondence &correspondence);
 
-    const std::vector<Verdict> &verdicts() const { return m_verdicts; } ///< by elaborated wire
-    const std::vector<Match> &matches() const { return m_matches; }     ///< by elaborated wire, the best first
+    /// By elaborated wire, the best first.
     std::vector<Match> takeMatches() { return std::move(m_matches); }
+    /// By elaborated wire.
     std::vector<Verdict> takeVerdicts() { return std::move(m_verdicts); }
 
   private:
@@ -45,38 +45,29 @@ class Verdicts {
     };
 
     void markNets();
-    void markAnchored(Side side, const BitGraph &graph);
+    void markAnchored(Side side, const BitGraph &graph, const std::vector<std::uint8_t> &constants);
     void indexPostMap();
     void matchNames();
     void matchEqual();
     void grade();
     void explain();
-    bool isRegister(Signal signal) const;
+    bool isRegister(Signal signal) const { return m_elaborated.isRegister(signal); }
     bool wasSeen(Side side, Signal signal) const;
     /// Whether the two were equal, or inverse, from reset on, as far as that is known.
     bool agreesFromReset(Signal elaborated, Signal postMap, bool inverted) const;
     bool wasAlone(Signal elaborated) const;
-    bool isUsed(Signal signal) const { return m_isUsed[signal]; }
-    void markUsed();
-    void explainAbsorbed(Signal signal);
-    std::uint32_t absorberOf(Signal postMap) const;
 
     const BitGraph &m_elaborated;
     const BitGraph &m_postMap;
     const Correspondence &m_correspondence;
     std::vector<bool> m_hasNet[2];
     std::vector<bool> m_anchored[2];
-    std::vector<bool> m_isUsed;
     std::vector<Keyed> m_index;
     std::vector<std::uint64_t> m_fromReset; ///< hashes of the post-map wires, sorted
     std::vector<Match> m_matches;
     std::vector<Verdict> m_verdicts;
-    std::vector<Signal> m_target; ///< by elaborated wire: the best match, or NONE
-    std::vector<std::uint32_t> m_firstUser;
-    std::vector<std::uint32_t> m_users;
+    std::vector<Signal> m_target;          ///< by elaborated wire: the best match, or NONE
+    std::vector<std::uint8_t> m_constants; ///< of the elaborated wires
 };
-
-/// For each wire, whether it has one value for ever once registers have been reset: 0, 1, or 2 for no.
-std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &simulator);
 
 } // namespace kvr::netlistdb::analysis::probe

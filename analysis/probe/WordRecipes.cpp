@@ -383,7 +383,9 @@ const std::unordered_map<std::string_view, Build> &builders()
 bool addWordOperator(RecipeBuilder &cell)
 {
     const auto found = builders().find(cell.type());
-    return found != builders().end() && !cell.port("Y").empty() && found->second(cell);
+    // Carries are the only result that is not called Y.
+    const char *const result = cell.type() == "$lcu" ? "CO" : "Y";
+    return found != builders().end() && !cell.port(result).empty() && found->second(cell);
 }
 
 } // namespace kvr::netlistdb::analysis::probe

@@ -7,15 +7,15 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-NameKind kindOf(NetNames::Rank rank)
+names::NameKind kindOf(NetNames::Rank rank)
 {
     switch (rank) {
     case NetNames::Rank::Derived:
-        return NameKind::Derived;
+        return names::NameKind::Derived;
     case NetNames::Rank::Hidden:
-        return NameKind::Hidden;
+        return names::NameKind::Hidden;
     default:
-        return NameKind::Declared;
+        return names::NameKind::Declared;
     }
 }
 
@@ -49,7 +49,7 @@ void NetReader::finish()
         }
     }
     if (!m_otherNames.text().empty()) {
-        addAttribute(*m_netlist, OTHER_NAMES, m_otherNames.text().c_str());
+        addAttribute(*m_netlist, names::OTHER_NAMES, m_otherNames.text().c_str());
     }
 }
 
@@ -246,7 +246,7 @@ void NetReader::noteName(std::uint32_t number)
         json::object &attributes = m_netAttributes[name.attributes];
         check(attributes.reset().error());
         origin = m_attributes.originOf(attributes);
-        hdlName = hierarchicalName(name.text, origin.hdlName, origin.scopeName);
+        hdlName = names::hierarchicalName(name.text, origin.hdlName, origin.scopeName);
         keepKey = origin.keepKey;
         keepValue = origin.keepValue;
     }

@@ -3,8 +3,8 @@
 #include "DerivedNames.h"
 #include "ModuleTable.h"
 #include "NetNames.h"
-#include "OtherNames.h"
 #include "Progress.h"
+#include "platform/names/OtherNames.h"
 
 #include <array>
 #include <string>
@@ -73,7 +73,7 @@ class NetReader {
     std::unordered_map<std::string_view, std::uint32_t> m_portNames; ///< name of a port -> number of the name
     std::unordered_set<std::string> m_reserved;                      ///< names that look like ours
     std::array<Verific::Net *, CONSTANTS> m_constantNets{};
-    OtherNamesText m_otherNames;
+    names::OtherNamesText m_otherNames;
 };
 
 } // namespace kvr::netlistdb::yosys

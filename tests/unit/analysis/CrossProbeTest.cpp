@@ -1,81 +1,9 @@
-#include "tests/unit/clock/ClockTest.h"
+// What is matched, and with which grade.
 
-#include <netlistdb/analysis/CrossProbe.h>
-#include <netlistdb/netlistdb.h>
-
-#include <memory>
-#include <string>
+#include "tests/unit/analysis/CrossProbeTest.h"
 
 namespace analysis_test {
 namespace {
-
-using clock_test::ELABORATED;
-using clock_test::POST_MAP;
-using namespace kvr::netlistdb;
-using namespace kvr::netlistdb::analysis;
-
-/// Cells that both netlists are made of.
-const std::string CELLS = R"(
-    operator $not(in A, out Y) end
-    operator $and(in A, B, out Y) end
-    operator $xor(in A, B, out Y) end
-    operator $dff(in CLK, D, out Q) end
-    operator $sdff(in CLK, SRST, D, out Q) end
-    operator $_SDFF_PP0_(in C, D, R, out Q) end
-    operator $_SDFF_PP1_(in C, D, R, out Q) end
-    operator $_DFF_P_(in C, D, out Q) end
-    operator $_AND_(in A, B, out Y) end
-    operator $_ANDNOT_(in A, B, out Y) end
-    operator $_OR_(in A, B, out Y) end
-    operator $_XOR_(in A, B, out Y) end
-    operator $_NOT_(in A, out Y) end
-)";
-
-class CrossProbeTest : public clock_test::ClockTest {
-  protected:
-    void load(const std::string &rtl, const std::string &mapped)
-    {
-        elaborated((CELLS + rtl).c_str());
-        postMap((CELLS + mapped).c_str());
-        probe = std::make_unique<CrossProbe>(*database);
-    }
-
-    static IVDBNet *netOf(IVDBInstance *instance, const std::string &name)
-    {
-        for (IVDBNet *net : instance->getModule()->getNets(false)) {
-            if (net->getName() == name) {
-                return net;
-            }
-        }
-        ADD_FAILURE() << "no net " << name;
-        return nullptr;
-    }
-
-    static std::string text(const ProbeMatch &match)
-    {
-        std::string result = nameOf(match.grade);
-        if (match.reason != GoneReason::None) {
-            result.append(" ").append(nameOf(match.reason));
-        }
-        for (const ProbeTarget &target : match.targets) {
-            result.append(target.inverted ? " ~" : " ").append(target.net->getName());
-        }
-        return result;
-    }
-
-    std::string found(const std::string &net) const
-    {
-        IVDBInstance *const root = database->getRoot(ELABORATED);
-        return text(probe->find(root, netOf(root, net)));
-    }
-    std::string foundBack(const std::string &net) const
-    {
-        IVDBInstance *const root = database->getRoot(POST_MAP);
-        return text(probe->findBack(root, netOf(root, net)));
-    }
-
-    std::unique_ptr<CrossProbe> probe;
-};
 
 TEST_F(CrossProbeTest, ARegisterIsFoundByItsBehaviourWhateverItIsCalled)
 {
@@ -142,22 +70,51 @@ TEST_F(CrossProbeTest, SharedRegistersAreMergedWithTheOneThatSurvived)
     EXPECT_EQ(found("d"), "gone in-logic");
 }
 
-TEST_F(CrossProbeTest, WhatIsGoneHasAReason)
+TEST_F(CrossProbeTest, LogicThatIsComputedInvertedIsSaidToBe)
 {
-    load(R"(module top(in clk, rst, a, b, out y)
-                n: $not(A=a, Y=m)
-                z: $and(A=a, B=m, Y=ignored)
-                c: $xor(A=a, B=a, Y=x)
-                u: $xor(A=b, B=q, Y=unused)
-                r: $sdff(CLK=clk, SRST=rst, D=a, Q=q) #SRST_VALUE=0
-                k: $sdff(CLK=clk, SRST=rst, D=fixed, Q=fixed) #SRST_VALUE=1
-                o: $and(A=q, B=fixed, Y=y)
+    load(R"(module top(in a, b, c, out y)
+                g: $and(A=a, B=b, Y=d)
+                o: $xor(A=d, B=c, Y=y)
             end)",
-         R"(module top(in clk, rst, a, b, out y)
-                r: $_SDFF_PP0_(C=clk, D=a, R=rst, Q=y)
+         R"(module top(in a, b, c, out y)
+                g: $_ANDNOT_(A=a, B=b, Y=n1)
+                h: $_ANDNOT_(A=a, B=n1, Y=n2)
+                i: $_NOT_(A=n2, Y=n3)
+                o: KVR_LUT2(I0=n3, I1=c, O=y) #INIT=1001
             end)");
-    EXPECT_EQ(found("fixed"), "gone constant");
-    EXPECT_EQ(found("unused"), "gone unused");
+    EXPECT_EQ(found("d"), "structural n2 ~n3");
+    EXPECT_EQ(foundBack("n3"), "structural ~d");
+}
+
+TEST_F(CrossProbeTest, WhatABlackBoxDrivesIsUnknownWhereTheOtherFormHasNone)
+{
+    load(R"(blackbox SENSOR(in I, out O) end
+            module top(in a, b, out y)
+                s: SENSOR(I=a, O=raw)
+                o: $and(A=raw, B=b, Y=y)
+            end)",
+         R"(module top(in a, b, out y)
+                o: $_AND_(A=a, B=b, Y=y)
+            end)");
+    EXPECT_EQ(found("raw"), "unknown");
+}
+
+TEST_F(CrossProbeTest, WhatHardlyEverChangesIsUnknownWithoutAName)
+{
+    std::string ports = "i0";
+    std::string gates = "a0: $and(A=i0, B=b, Y=n0)\n";
+    std::string mapped = "a0: $_AND_(A=i0, B=b, Y=m0)\n";
+    for (int at = 1; at < 24; ++at) {
+        const std::string own = std::to_string(at);
+        const std::string before = std::to_string(at - 1);
+        ports += ", i" + own;
+        gates += "a" + own + ": $and(A=n" + before + ", B=i" + own + ", Y=n" + own + ")\n";
+        mapped += "a" + own + ": $_AND_(A=m" + before + ", B=i" + own + ", Y=m" + own + ")\n";
+    }
+    const std::string head = "module top(in " + ports + ", b, c, out y)\n";
+    load(head + gates + "o: $xor(A=n23, B=c, Y=y) end", head + mapped + "o: $_XOR_(A=m23, B=c, Y=y) end");
+    EXPECT_EQ(found("n1"), "structural m1");
+    EXPECT_EQ(found("n23"), "unknown");
 }
 
 TEST_F(CrossProbeTest, TwoSourcesAreNeededAndMustStay)

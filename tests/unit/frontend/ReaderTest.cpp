@@ -1,9 +1,9 @@
 #include "ReaderTest.h"
 
+#include "platform/names/OtherNames.h"
 #include "tests/support/NetlistDump.h"
 
 #include <yosys/NetlistReader.h>
-#include <yosys/OtherNames.h>
 
 #include <algorithm>
 #include <sstream>
@@ -41,7 +41,7 @@ std::string traitsOf(const Verific::DesignObj &object)
     Verific::Att *att = nullptr;
     std::string attributes;
     FOREACH_ATTRIBUTE (&object, iter, att) {
-        if (std::string_view(att->Key()) == kvr::netlistdb::yosys::OTHER_NAMES) {
+        if (std::string_view(att->Key()) == kvr::netlistdb::names::OTHER_NAMES) {
             continue;
         }
         attributes += (attributes.empty() ? "" : ", ") + std::string(att->Key()) + "=" + att->Value();
@@ -166,7 +166,7 @@ std::string print(const Verific::Netlist *netlist)
         }
         out << traitsOf(*inst) << "\n";
     }
-    const char *otherNames = netlist->GetAttValue(kvr::netlistdb::yosys::OTHER_NAMES);
+    const char *otherNames = netlist->GetAttValue(kvr::netlistdb::names::OTHER_NAMES);
     std::istringstream names(otherNames != nullptr ? otherNames : "");
     for (std::string line; std::getline(names, line);) {
         std::replace(line.begin(), line.end(), '\t', ' ');

@@ -1,8 +1,8 @@
 // What nets are called beside their own names, and which names count as whose.
 
 #include "ReaderTest.h"
+#include "platform/names/OtherNames.h"
 
-#include <yosys/OtherNames.h>
 #include <yosys/UserModuleName.h>
 
 #include <cstdlib>
@@ -11,6 +11,7 @@
 namespace yosystest {
 namespace {
 
+namespace names = kvr::netlistdb::names;
 namespace yosys = kvr::netlistdb::yosys;
 
 class YosysOtherNames : public ReaderTest {
@@ -93,7 +94,7 @@ TEST_F(YosysOtherNames, MayHoldAnyCharacter)
     const Verific::Netlist *top = read(net("a=b*c\\td\\\\e\\nf", "2") + "," + net("x", "2"));
     std::vector<std::string> names;
     std::vector<std::string> nets;
-    yosys::readOtherNames(top->GetAttValue(yosys::OTHER_NAMES), [&](const yosys::OtherName &name) {
+    names::readOtherNames(top->GetAttValue(names::OTHER_NAMES), [&](const names::OtherName &name) {
         names.push_back(name.name);
         nets.push_back(name.bits.at(0).net);
     });
@@ -112,18 +113,7 @@ TEST_F(YosysOtherNames, StayInSavedNetlistsAndCopies)
     EXPECT_EQ(linesOf(Verific::Netlist::RestoreFromFile(file), "also"), before);
     std::remove(file);
     const std::unique_ptr<Verific::Netlist> copy(top->Copy(nullptr));
-    EXPECT_STREQ(copy->GetAttValue(yosys::OTHER_NAMES), top->GetAttValue(yosys::OTHER_NAMES));
-}
-
-TEST_F(YosysOtherNames, ThatAreNoLinesOfTheAttributeArePassedOver)
-{
-    std::string names;
-    for (const char *text :
-         {"", "x", "q\tname\t\t\t\t\t=a", "d\tn\t7\t\t\t\t=a", "d\tn\t\t\t\t\ta", "d\tn\t\t\t\t\t*0",
-          "d\tn\t\t\t\t\t0*0", "d\tn\t\t\t\t\t1:=a", "d\tn\t\t\t\t\t9999999999*0", "\n\n\\", "d\tgood"}) {
-        yosys::readOtherNames(text, [&](const yosys::OtherName &name) { names += name.name; });
-    }
-    EXPECT_EQ(names, "good");
+    EXPECT_STREQ(copy->GetAttValue(names::OTHER_NAMES), top->GetAttValue(names::OTHER_NAMES));
 }
 
 TEST_F(YosysOtherNames, PreferADeclaredNameToOneThatSynthesisDerived)

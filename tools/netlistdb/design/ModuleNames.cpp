@@ -7,24 +7,24 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <frontend/yosys/OtherNames.h>
 #include <frontend/yosys/SourcePosition.h>
 #include <map>
 #include <netlistdb/netlistdb.h>
+#include <platform/names/OtherNames.h>
 #include <set>
 
 namespace kvr::netlistdb::tool {
 
 namespace {
 
-OtherSignal::Kind kindOf(yosys::NameKind kind)
+OtherSignal::Kind kindOf(names::NameKind kind)
 {
     switch (kind) {
-    case yosys::NameKind::Declared:
+    case names::NameKind::Declared:
         return OtherSignal::Kind::Declared;
-    case yosys::NameKind::Derived:
+    case names::NameKind::Derived:
         return OtherSignal::Kind::Derived;
-    case yosys::NameKind::Hidden:
+    case names::NameKind::Hidden:
         break;
     }
     return OtherSignal::Kind::Hidden;
@@ -37,7 +37,7 @@ std::string textOf(const char *text)
 
 std::string hdlNameOf(const Verific::DesignObj &object)
 {
-    return yosys::hierarchicalName(textOf(object.Name()), textOf(object.GetAttValue("hdlname")),
+    return names::hierarchicalName(textOf(object.Name()), textOf(object.GetAttValue("hdlname")),
                                    textOf(object.GetAttValue("scopename")));
 }
 
@@ -117,7 +117,7 @@ const std::deque<OtherSignal> &ModuleNames::others()
 
 void ModuleNames::readOtherNames()
 {
-    const char *text = m_source->GetAttValue(yosys::OTHER_NAMES);
+    const char *text = m_source->GetAttValue(names::OTHER_NAMES);
     if (text == nullptr) {
         return;
     }
@@ -125,22 +125,22 @@ void ModuleNames::readOtherNames()
         const auto net = m_nets.find(name);
         return {net != m_nets.end() ? net->second : nullptr};
     };
-    yosys::readOtherNames(text, [&](const yosys::OtherName &name) {
+    names::readOtherNames(text, [&](const names::OtherName &name) {
         OtherSignal signal;
         signal.name = name.name;
         signal.kind = kindOf(name.kind);
         signal.isVector = name.isVector;
         signal.left = name.left;
         signal.right = name.right;
-        signal.declared = name.kind == yosys::NameKind::Declared;
+        signal.declared = name.kind == names::NameKind::Declared;
         signal.src = name.src;
         signal.segments = yosys::segmentsOf(name.hdlName);
-        for (const yosys::NetRun &run : name.bits) {
+        for (const names::NetRun &run : name.bits) {
             const int step = run.first <= run.last ? 1 : -1;
             for (unsigned bit = 0; bit < run.count; ++bit) {
-                if (run.kind == yosys::NetRun::Kind::Constant) {
+                if (run.kind == names::NetRun::Kind::Constant) {
                     signal.bits.push_back({nullptr, run.constant});
-                } else if (run.kind == yosys::NetRun::Kind::Net) {
+                } else if (run.kind == names::NetRun::Kind::Net) {
                     signal.bits.push_back(netOf(run.net));
                 } else {
                     const int index = run.first + static_cast<int>(bit) * step;

@@ -1,11 +1,14 @@
-#include "OtherNames.h"
+#include "platform/names/OtherNames.h"
 
 #include <charconv>
 #include <cstdlib>
 
-namespace kvr::netlistdb::yosys {
+namespace kvr::netlistdb::names {
 
 namespace {
+
+/// More than any vector has. A damaged line must not make its readers fill the memory.
+constexpr long long MOST_BITS = 1LL << 24;
 
 /// Takes the field in front of the next tab off @p line, without its escapes.
 std::string takeField(std::string_view &line)
@@ -40,7 +43,7 @@ bool readRun(const std::string &field, NetRun &run)
     if (field[mark] == '*') {
         int count = 0;
         run.kind = NetRun::Kind::Constant;
-        if (mark + 2 != field.size() || !readNumber(numbers, count) || count < 1) {
+        if (mark + 2 != field.size() || !readNumber(numbers, count) || count < 1 || count > MOST_BITS) {
             return false;
         }
         run.constant = field[mark + 1];
@@ -57,8 +60,9 @@ bool readRun(const std::string &field, NetRun &run)
         !readNumber(numbers.substr(colon + 1), run.last)) {
         return false;
     }
-    run.count = static_cast<unsigned>(std::llabs(static_cast<long long>(run.last) - run.first)) + 1;
-    return true;
+    const long long count = std::llabs(static_cast<long long>(run.last) - run.first) + 1;
+    run.count = static_cast<unsigned>(count);
+    return count <= MOST_BITS;
 }
 
 bool readLine(std::string_view line, OtherName &name)
@@ -223,4 +227,4 @@ std::string hierarchicalName(std::string_view name, std::string_view hdlName, st
     return std::string(scopeName) + " " + std::string(name);
 }
 
-} // namespace kvr::netlistdb::yosys
+} // namespace kvr::netlistdb::names

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kvr::netlistdb::yosys {
+namespace kvr::netlistdb::names {
 
 /// Attribute of a netlist that keeps the other names of its nets. A net has the best of its
 /// names, and a vector is a net bus only when all of its bits have its name: everything else that the file calls
@@ -82,4 +82,4 @@ void readOtherNames(std::string_view text, const std::function<void(const OtherN
 /// objects of flattened instances have instead; empty when it has neither.
 std::string hierarchicalName(std::string_view name, std::string_view hdlName, std::string_view scopeName);
 
-} // namespace kvr::netlistdb::yosys
+} // namespace kvr::netlistdb::names
