@@ -11,7 +11,7 @@ using namespace probe;
 namespace {
 
 /// Wires behind one register that are looked at: more make it too long for designs of many registers.
-constexpr std::size_t MOST_WIRES = 1024;
+constexpr std::size_t MOST_WIRES = 256;
 
 constexpr std::uint64_t OWN = 0x6F776E;
 constexpr std::uint64_t CONSTANT = 0x636F6E;

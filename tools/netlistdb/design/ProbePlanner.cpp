@@ -22,7 +22,7 @@ namespace {
 DesignPair load(const std::vector<std::string> &designs, const Reading &reading)
 {
     if (designs.size() > 1) {
-        return loadDesignPair(designs[0], designs[1], reading);
+        return loadDesignPair({designs[0]}, designs[1], reading);
     }
     Reading own = reading;
     own.form = Form::Elaborated;
