@@ -62,8 +62,9 @@ struct ReadOptions {
 ///   (fewest of '.' and '/', then shortest, then first in byte order), then one that synthesis derived from such a
 ///   name, then a hidden one. `hide_name` says what is hidden; where it is missing, a leading '$' does. A vector whose
 ///   bits all took its name becomes a net bus; otherwise its bits are nets called `name[index]`. All names that did not
-///   become a net or a net bus as written are kept in attribute OTHER_NAMES of the netlist (platform/names/OtherNames.h). Bits
-///   without a name are called `$bit$<number>`, constants `$const$0`, `$const$1`, `$const$x` and `$const$z`.
+///   become a net or a net bus as written are kept in attribute OTHER_NAMES of the netlist
+///   (platform/names/OtherNames.h). Bits without a name are called `$bit$<number>`, constants `$const$0`, `$const$1`,
+///   `$const$x` and `$const$z`.
 /// - A memory becomes a RamNet of all its bits.
 /// - `src` attributes become source positions and make their objects user-declared, unless these are hidden or derived
 ///   (modules called `$paramod…` count as the user's). Of several ranges a net takes its declaration, an instance its
