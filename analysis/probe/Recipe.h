@@ -10,32 +10,33 @@
 namespace kvr::netlistdb::analysis::probe {
 
 /// What a part of a cell computes. The slots of a part stand in the order given; the outputs come last.
+/// The numbers stay as they are, and none is given again: they are part of the fingerprints in files of probe plans.
 enum class Op : std::uint8_t {
-    Lut,         ///< inputs (at most 6), Y: bit `inputs` of the table
-    WideLut,     ///< inputs, Y
-    And,         ///< inputs, Y
-    Or,          ///< inputs, Y
-    Xor,         ///< inputs, Y
-    Add,         ///< A, B, carry in, invert B, Y; with carries: sums of two bits and carries, too
-    Equal,       ///< A, B, Y
-    Less,        ///< A, B, Y
-    ShiftLeft,   ///< A, amount, fill, Y
-    ShiftRight,  ///< A, amount, fill, Y
-    OneHot,      ///< A, B words, selects, Y
-    Select,      ///< A words, address, Y
-    Distribute,  ///< A, address, Y words
-    Multiply,    ///< A, B, Y, all of one width
-    Divide,      ///< A, B, Y, all of one width; also the remainder
-    Latch,       ///< enable, reset, D, set, clear, Q
-    MemoryRead,  ///< clock, enable, block, address, Y
-    ShiftOutput, ///< address, Y: a stage of the shift register that stands in front of it
+    Lut = 0,          ///< inputs (at most 6), Y: bit `inputs` of the table
+    WideLut = 1,      ///< inputs, Y
+    And = 2,          ///< inputs, Y
+    Or = 3,           ///< inputs, Y
+    Xor = 4,          ///< inputs, Y
+    Add = 5,          ///< A, B, carry in, invert B, Y; with carries: sums of two bits and carries, too
+    Equal = 6,        ///< A, B, Y
+    Less = 7,         ///< A, B, Y
+    ShiftLeft = 8,    ///< A, amount, fill, Y
+    ShiftRight = 9,   ///< A, amount, fill, Y
+    OneHot = 10,      ///< A, B words, selects, Y
+    Select = 11,      ///< A words, address, Y
+    Distribute = 12,  ///< A, address, Y words
+    Multiply = 13,    ///< A, B, Y, all of one width
+    Divide = 14,      ///< A, B, Y, all of one width; also the remainder
+    Latch = 15,       ///< enable, reset, D, set, clear, Q
+    MemoryRead = 16,  ///< clock, enable, block, address, Y
+    ShiftOutput = 17, ///< address, Y: a stage of the shift register that stands in front of it
     // State that a clock changes.
-    FlipFlop,      ///< clock, enable, sync reset, async reset, D, load or set and clear, Q
-    ShiftRegister, ///< clock, enable, D
-    MultiplyAdd,   ///< clock, enable, A, B, C, P
-    ClockedRead,   ///< as MemoryRead
-    MemoryWrite,   ///< clock, address, D, enable of each bit
-    MemoryStart,   ///< address, D: contents before the first clock
+    FlipFlop = 19,      ///< clock, enable, sync reset, async reset, D, load or set and clear, Q
+    ShiftRegister = 20, ///< clock, enable, D
+    MultiplyAdd = 21,   ///< clock, enable, A, B, C, P
+    ClockedRead = 22,   ///< as MemoryRead
+    MemoryWrite = 23,   ///< clock, address, D, enable of each bit
+    MemoryStart = 24,   ///< address, D: contents before the first clock
 };
 
 /// Where a part is connected: a pin of the cell (its place among the ports of the view), a net inside the cell, or a
@@ -49,6 +50,7 @@ constexpr Slot innerSlot(std::int32_t net)
     return -4 - net;
 }
 
+/// Part of the fingerprints, too.
 enum PartFlag : std::uint16_t {
     PART_NEGATED = 1,        ///< Y is inverted
     PART_SIGNED = 2,         ///< operands are in two's complement

@@ -87,11 +87,11 @@ void Verdicts::indexPostMap()
 }
 
 /// Whether no post-map wire was equal to the elaborated one from reset on. Two that differ in states alone that were
-/// not reached from reset may be one for all that a user ever sees.
+/// not reached from reset may be one for all that a user ever sees. One that hardly changed shows too little.
 bool Verdicts::wasAlone(Signal elaborated) const
 {
     const Signatures &fromReset = m_correspondence.fromReset(Correspondence::ELABORATED);
-    return fromReset.isKnown(elaborated) &&
+    return fromReset.isKnown(elaborated) && fromReset.activity(elaborated) >= LEAST_ACTIVITY &&
            !std::binary_search(m_fromReset.begin(), m_fromReset.end(), fromReset.hash(elaborated));
 }
 
