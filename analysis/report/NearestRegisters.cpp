@@ -30,7 +30,8 @@ std::uint8_t edgesOf(const DesignModel &design, const FanIn &walk, const FanIn::
         edges |= clock.pin == end.way.input ? clock.edges : 0U;
     }
     if (electricalRoot(design, {walk.contexts().path(node.context), end.clockNet}).inverted) {
-        edges = ((edges & EDGE_RISE) != 0 ? EDGE_FALL : 0U) | ((edges & EDGE_FALL) != 0 ? EDGE_RISE : 0U);
+        edges = ((edges & EDGE_RISE) != 0 ? unsigned{EDGE_FALL} : 0U) |
+                ((edges & EDGE_FALL) != 0 ? unsigned{EDGE_RISE} : 0U);
     }
     return static_cast<std::uint8_t>(edges);
 }

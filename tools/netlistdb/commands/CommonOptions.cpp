@@ -52,7 +52,7 @@ void addSourceOptions(CLI::App &command, CommonOptions &options)
 void addOutputOptions(CLI::App &command, CommonOptions &options)
 {
     static const std::map<std::string, Format> FORMATS = {
-        {"table", Format::Table}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"csv", Format::Csv}};
+        {"table", Format::Table}, {"json", Format::JsonDocument}, {"jsonl", Format::JsonLines}, {"csv", Format::Csv}};
     static const std::map<std::string, When> COLORS = {
         {"auto", When::Auto}, {"always", When::Always}, {"never", When::Never}};
     addChoice(command, "--format", options.format, "Format of the result (default: table)", "table|json|jsonl|csv",

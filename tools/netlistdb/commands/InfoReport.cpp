@@ -68,7 +68,7 @@ Json toJson(const std::vector<std::pair<std::string, std::uint64_t>> &counts, co
 void InfoReport::write(Format format, OutputStream &stream, bool color) const
 {
     switch (format) {
-    case Format::Json:
+    case Format::JsonDocument:
     case Format::JsonLines:
         writeJson(stream, format == Format::JsonLines);
         break;

@@ -114,7 +114,7 @@ class PlanCommand : public Command {
             throw wrongUsage("plan: '-' can be one of the files only");
         }
         if (m_request.form == "csv" || m_request.form == "json") {
-            common.format = m_request.form == "csv" ? Format::Csv : Format::Json;
+            common.format = m_request.form == "csv" ? Format::Csv : Format::JsonDocument;
         }
         return inputs;
     }

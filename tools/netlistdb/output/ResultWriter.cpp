@@ -11,7 +11,7 @@ ResultWriter::~ResultWriter() = default;
 std::unique_ptr<ResultWriter> makeResultWriter(Format format, OutputStream &stream, bool color)
 {
     switch (format) {
-    case Format::Json:
+    case Format::JsonDocument:
         return std::make_unique<JsonWriter>(stream, false);
     case Format::JsonLines:
         return std::make_unique<JsonWriter>(stream, true);

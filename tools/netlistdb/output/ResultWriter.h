@@ -8,7 +8,7 @@ namespace kvr::netlistdb::tool {
 
 class OutputStream;
 
-enum class Format { Table, Json, JsonLines, Csv };
+enum class Format { Table, JsonDocument, JsonLines, Csv };
 
 /// How a column looks in a table.
 enum class Look { Plain, Name, Dim };
