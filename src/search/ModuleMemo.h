@@ -21,6 +21,7 @@ struct ModuleFacts {
     // Looked up when the walk comes to the members of the first instance.
     const std::vector<IVDBPort *> *ports = nullptr;
     bool portsArePlain = false;  ///< no port claims to be an instance, a net or a bus
+    bool isOurs = false;         ///< exactly a VDBNetlist, whose lists of nets only grow
     bool listsOnlyPorts = false; ///< the walk lists no net or bus of it
 
     bool listsNothing(PlainPorts plainPorts) const

@@ -1,10 +1,13 @@
 #include <netlistdb/BFSItemIterator.h>
 #include <netlistdb/VDBInstance.h>
+#include <netlistdb/VDBNetlist.h>
 
 #include "WalkText.h"
 #include "tests/support/MockItems.h"
 #include "tests/support/Throws.h"
 #include "tests/support/VirtualSlots.h"
+
+#include <DataBase.h>
 
 #include <gtest/gtest.h>
 
@@ -17,6 +20,8 @@ namespace {
 
 using testsupport::messageOf;
 using testsupport::MockInstance;
+using testsupport::MockNet;
+using testsupport::MockNetBus;
 using testsupport::MockNetlist;
 using testsupport::MockTree;
 using testsupport::walkText;
@@ -366,6 +371,78 @@ TEST_F(BFSItemIteratorTest, LooksAtNothingBeforeItsTurn)
     EXPECT_EQ(leafModule.looks, 0);
     EXPECT_EQ(cellModule.looks, 0);
     EXPECT_EQ(walkText(iterator), "@u1 =b1 n1 >p1 @u2 =b1 n1 >p1 @c1 n2 @c2 n2");
+}
+
+/// A module of our own class, made without a netlist database's names: `=b`, `n0`, `n1`.
+class OwnModuleTest : public testing::Test {
+  protected:
+    template <typename Module> static void fill(Module &module)
+    {
+        module.addNetBus(new MockNetBus({"b", true, 1, ITEM_NET_BUS}));
+        module.addNet(new MockNet({"n0", true, 1, ITEM_NET}));
+        module.addNet(new MockNet({"n1", true, 1, ITEM_NET}));
+    }
+
+    const Verific::Netlist netlist{"netlist"};
+};
+
+TEST_F(OwnModuleTest, WalksTheNetsThatAModuleOfOurOwnClassHadWhenTheWalkCameToThem)
+{
+    VDBNetlist module(&netlist, "module", "library");
+    fill(module);
+    const VDBInstance root(&module, nullptr);
+    VDBSearchParam param;
+    param.startItem = const_cast<VDBInstance *>(&root);
+    BFSItemIterator iterator(nullptr, param);
+    iterator.next();
+    ASSERT_EQ(wordOf(iterator.getCurrent()), "=b");
+    for (int count = 0; count < 1000; ++count) {
+        module.addNetBus(new MockNetBus({"later", true, 1, ITEM_NET_BUS}));
+        module.addNet(new MockNet({"later", true, 1, ITEM_NET}));
+    }
+    EXPECT_EQ(walkText(iterator), "=b n0 n1");
+    BFSItemIterator again(nullptr, param);
+    again.next();
+    ASSERT_EQ(wordOf(again.getCurrent()), "=b");
+    again.next();
+    EXPECT_EQ(wordOf(again.getCurrent()), "=later");
+}
+
+TEST_F(OwnModuleTest, WalksEachKindAloneInAModuleOfOurOwnClass)
+{
+    VDBNetlist module(&netlist, "module", "library");
+    fill(module);
+    VDBInstance root(&module, nullptr);
+    VDBSearchParam param;
+    param.startItem = &root;
+    const auto walk = [&](std::uint32_t types) {
+        param.itemTypes = types;
+        BFSItemIterator iterator(nullptr, param);
+        return walkText(iterator);
+    };
+    EXPECT_EQ(walk(ITEM_NET), "@ n0 n1");
+    EXPECT_EQ(walk(ITEM_NET_BUS), "@ =b");
+    EXPECT_EQ(walk(ITEM_PORT), "@");
+}
+
+TEST_F(OwnModuleTest, AsksAClassDerivedFromOursForItsNets)
+{
+    class Reversed : public VDBNetlist {
+      public:
+        using VDBNetlist::VDBNetlist;
+        std::vector<IVDBNet *> getNets(bool fromBuses) const override
+        {
+            std::vector<IVDBNet *> nets = VDBNetlist::getNets(fromBuses);
+            return {nets.rbegin(), nets.rend()};
+        }
+    };
+    Reversed module(&netlist, "module", "library");
+    fill(module);
+    VDBInstance root(&module, nullptr);
+    VDBSearchParam param;
+    param.startItem = &root;
+    BFSItemIterator iterator(nullptr, param);
+    EXPECT_EQ(walkText(iterator), "@ =b n1 n0");
 }
 
 class MemberOrderTest : public testing::Test {
