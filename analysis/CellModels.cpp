@@ -88,7 +88,14 @@ CellModel build(const Verific::Instance &instance, const Verific::Instance *firs
 const Verific::Instance *CellModels::firstPartOf(const Verific::Instance &instance)
 {
     const char *const name = instance.Name();
-    if (name == nullptr || instance.GetParameters() != nullptr || instance.Owner() == nullptr) {
+    const Verific::Netlist *const own = instance.View();
+    if (name == nullptr || instance.GetParameters() != nullptr || instance.Owner() == nullptr || own == nullptr ||
+        own->Owner() == nullptr) {
+        return nullptr;
+    }
+    // Each part has a view of its own. Without this question, names with a colon would make the netlist index all of
+    // its instances.
+    if (own->Owner()->NumOfNetlists() < 2) {
         return nullptr;
     }
     const char *const colon = std::strrchr(name, ':');
@@ -97,10 +104,7 @@ const Verific::Instance *CellModels::firstPartOf(const Verific::Instance &instan
     }
     const Verific::Instance *const first = instance.Owner()->GetInst(std::string(name, colon).c_str());
     const Verific::Netlist *const view = first != nullptr ? first->View() : nullptr;
-    return view != nullptr && instance.View() != nullptr && view->Owner() != nullptr &&
-                   view->Owner() == instance.View()->Owner()
-               ? first
-               : nullptr;
+    return view != nullptr && view != own && view->Owner() == own->Owner() ? first : nullptr;
 }
 
 bool CellModels::isLeaf(const Verific::Netlist *view)

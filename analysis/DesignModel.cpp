@@ -53,21 +53,13 @@ void DesignModel::indexItems()
             m_subs.push_back(sub.instance);
         }
     }
-    m_netIndex.reset(hierarchy.items.size());
-    for (std::uint32_t net = 0; net < hierarchy.items.size(); ++net) {
-        if (hierarchy.items[net] != nullptr) {
-            m_netIndex.add(hierarchy.items, net);
-        }
-    }
-    m_subIndex.reset(m_subs.size());
-    for (std::uint32_t sub = 0; sub < m_subs.size(); ++sub) {
-        m_subIndex.add(m_subs, sub);
-    }
+    m_netIndex.build(hierarchy.items);
+    m_subIndex.build(m_subs);
 }
 
 DesignModel::ModuleNet DesignModel::find(const IVDBNet *net) const
 {
-    const std::uint32_t found = net != nullptr ? m_netIndex.find(hierarchy.items, net) : NONE;
+    const std::uint32_t found = m_netIndex.find(net);
     if (found == NONE) {
         if (net == nullptr || database.sourceNet(net, source) == nullptr) {
             throw std::invalid_argument("ClockMap: the net is no net of the source");
@@ -86,7 +78,7 @@ bool DesignModel::find(const IVDBInstance *inst, Context &context) const
         if (instance == nullptr) {
             throw std::invalid_argument("ClockMap: the instance is no instance of the source");
         }
-        const std::uint32_t found = m_subIndex.find(m_subs, instance);
+        const std::uint32_t found = m_subIndex.find(instance);
         isInside = isInside && found != NONE;
         context.push_back({NONE, found, 0});
     }

@@ -15,12 +15,13 @@ namespace kvr::netlistdb::analysis {
 namespace {
 
 constexpr std::size_t MOST_PINS = std::size_t{1} << 30;
+constexpr std::size_t PINS_AT_ONCE = 64; ///< whose nets are looked up together
 
 } // namespace
 
 std::uint32_t ModuleReader::PortNumbers::numberOf(const Verific::Port *port, std::uint32_t guess) const
 {
-    return guess < ports.size() && ports[guess] == port ? guess : index.find(ports, port);
+    return guess < ports.size() && ports[guess] == port ? guess : index.find(port);
 }
 
 bool ModuleReader::isModule(const Verific::Instance &instance)
@@ -57,13 +58,12 @@ void ModuleReader::readNets(const Verific::Netlist &netlist)
     FOREACH_NET_OF_NETLIST (&netlist, nets, net) {
         m_nets.push_back(net);
     }
-    m_netIndex.reset(m_nets.size(), true);
+    m_netIndex.build(m_nets);
     m_graph.m_nets = static_cast<std::uint32_t>(m_nets.size());
     m_graph.firstNet = static_cast<std::uint32_t>(m_items.size());
     m_items.reserve(m_items.size() + m_nets.size());
-    for (std::uint32_t number = 0; number < m_nets.size(); ++number) {
-        m_netIndex.add(m_nets, number);
-        m_items.push_back(m_database.netItem(m_nets[number], m_source));
+    for (const Verific::Net *each : m_nets) {
+        m_items.push_back(m_database.netItem(each, m_source));
     }
 }
 
@@ -87,13 +87,12 @@ const ModuleReader::PortNumbers &ModuleReader::portsOf(const Verific::Netlist &v
     const auto [found, isNew] = m_ports.try_emplace(&view);
     PortNumbers &numbers = found->second;
     if (isNew) {
-        numbers.index.reset(view.GetPorts()->Size());
         Verific::MapIter ports;
         const Verific::Port *port = nullptr;
         FOREACH_PORT_OF_NETLIST (&view, ports, port) {
             numbers.ports.push_back(port);
-            numbers.index.add(numbers.ports, static_cast<std::uint32_t>(numbers.ports.size()) - 1);
         }
+        numbers.index.build(numbers.ports);
     }
     m_lastView = &view;
     m_lastPorts = &numbers;
@@ -106,12 +105,13 @@ void ModuleReader::readCells(const Verific::Netlist &netlist)
     m_graph.m_cells.reserve(cells);
     m_graph.m_firstPin.reserve(cells + 1);
     m_graph.m_firstPin.push_back(0);
-    m_graph.m_pinNets.reserve(cells * 5);
+    m_graph.m_pinNets.reserve(cells * 8); // memory that stays untouched costs nothing
     Verific::MapIter instances;
     const Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (&netlist, instances, instance) {
         readCell(*instance);
     }
+    numberPins();
     m_graph.m_pinNets.shrink_to_fit();
     m_graph.subs.shrink_to_fit();
 }
@@ -132,9 +132,13 @@ void ModuleReader::readCell(const Verific::Instance &instance)
         FOREACH_PORTREF_OF_INST (&instance, pins, pin) {
             const std::uint32_t number = pin->GetPort() != nullptr ? ports.numberOf(pin->GetPort(), guess) : NONE;
             if (number != NONE && pin->GetNet() != nullptr) {
-                m_graph.m_pinNets[firstPin + number] = netOf(pin->GetNet());
+                m_pinNets.push_back(pin->GetNet());
+                m_pinPositions.push_back(firstPin + number);
                 guess = number + 1;
             }
+        }
+        if (m_pinNets.size() >= PINS_AT_ONCE) {
+            numberPins();
         }
     }
     const auto cell = static_cast<std::uint32_t>(m_graph.m_cells.size());
@@ -154,12 +158,21 @@ void ModuleReader::readCell(const Verific::Instance &instance)
     m_graph.m_firstPin.push_back(static_cast<std::uint32_t>(m_graph.m_pinNets.size()));
 }
 
+void ModuleReader::numberPins()
+{
+    m_netIndex.findAll(m_pinNets,
+                       [this](std::size_t pin, std::uint32_t net) { m_graph.m_pinNets[m_pinPositions[pin]] = net; });
+    m_pinNets.clear();
+    m_pinPositions.clear();
+}
+
 void ModuleReader::joinParts(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model)
 {
     const Verific::Instance *const first = CellModels::firstPartOf(instance);
     if (first == nullptr) {
         return;
     }
+    numberPins();
     const std::uint32_t firstPin = m_graph.m_firstPin[cell];
     m_graph.m_pinNets.resize(firstPin + model.pins.size(), NONE);
     const CellModel &ofFirst = m_models[m_models.modelOf(*first)];
@@ -192,6 +205,7 @@ void ModuleReader::noteMemoryPort(const Verific::Instance &instance, std::uint32
     if (memory.empty()) {
         return;
     }
+    numberPins();
     const bool isRead =
         std::any_of(model.pins.begin(), model.pins.end(), [](const CellModel::Pin &pin) { return pin.isOutput; });
     if (isRead && model.clocks.empty()) {

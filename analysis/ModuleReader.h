@@ -57,6 +57,8 @@ class ModuleReader {
     void readPorts(const Verific::Netlist &netlist);
     void readCells(const Verific::Netlist &netlist);
     void readCell(const Verific::Instance &instance);
+    /// Enters the nets of the pins that were read since the last call.
+    void numberPins();
     /// Gives a cell that is the further part of another the nets of the pins that it borrows from the first.
     void joinParts(const Verific::Instance &instance, std::uint32_t cell, const CellModel &model);
     /// Puts aside a port of a memory that is a cell of its own.
@@ -65,7 +67,7 @@ class ModuleReader {
     void connectMemoryPorts();
     void findSources();
     const PortNumbers &portsOf(const Verific::Netlist &view);
-    std::uint32_t netOf(const Verific::Net *net) const { return m_netIndex.find(m_nets, net); }
+    std::uint32_t netOf(const Verific::Net *net) const { return m_netIndex.find(net); }
 
     const DesignDatabase &m_database;
     IDesignDatabase::SOURCE_TYPE m_source;
@@ -78,7 +80,9 @@ class ModuleReader {
     const PortNumbers *m_lastPorts = nullptr;
     std::vector<const Verific::Net *> m_nets;
     PointerIndex m_netIndex;
-    std::vector<std::pair<std::uint32_t, std::string_view>> m_reads;                ///< cell and memory
+    std::vector<const Verific::Net *> m_pinNets;                     ///< of pins whose nets are not numbered yet
+    std::vector<std::uint32_t> m_pinPositions;                       ///< of the same pins, among those of all cells
+    std::vector<std::pair<std::uint32_t, std::string_view>> m_reads; ///< cell and memory
     std::unordered_map<std::string_view, std::vector<std::uint32_t>> m_writeClocks; ///< by memory: nets
     ModuleGraph m_graph;
     std::uint32_t m_number = 0;

@@ -1,5 +1,7 @@
 #include "analysis/probe/Locator.h"
 
+#include <DataBase.h>
+
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
@@ -17,17 +19,8 @@ Locator::Locator(const BitGraph &graph, IVDBInstance *root) : m_graph(graph), m_
             m_subs.push_back(sub.instance);
         }
     }
-    const std::vector<IVDBNet *> &items = graph.hierarchy.items;
-    m_itemIndex.reset(items.size());
-    for (std::uint32_t item = 0; item < items.size(); ++item) {
-        if (items[item] != nullptr) {
-            m_itemIndex.add(items, item);
-        }
-    }
-    m_subIndex.reset(m_subs.size());
-    for (std::uint32_t sub = 0; sub < m_subs.size(); ++sub) {
-        m_subIndex.add(m_subs, sub);
-    }
+    m_itemIndex.build(graph.hierarchy.items);
+    m_subIndex.build(m_subs);
     m_firstNet.assign(graph.signalCount + 1, 0);
     for (const Signal signal : graph.signals) {
         ++m_firstNet[signal + 1];
@@ -52,7 +45,7 @@ std::uint32_t Locator::occurrenceOf(const IVDBInstance *inst) const
         if (instance == nullptr) {
             throw std::invalid_argument("CrossProbe: the instance is no instance of the source");
         }
-        way.push_back(m_subIndex.find(m_subs, instance));
+        way.push_back(m_subIndex.find(instance));
         isInside = isInside && way.back() != NONE;
     }
     std::uint32_t occurrence = 0;
@@ -70,7 +63,7 @@ Signal Locator::find(const IVDBInstance *inst, const IVDBNet *net) const
         throw std::invalid_argument("CrossProbe: the net is no net of the source");
     }
     const std::uint32_t occurrence = occurrenceOf(inst);
-    const std::uint32_t item = m_itemIndex.find(m_graph.hierarchy.items, net);
+    const std::uint32_t item = m_itemIndex.find(net);
     if (occurrence == NONE || item == NONE) {
         return SIGNAL_UNKNOWN;
     }

@@ -52,6 +52,17 @@ TEST_F(ElectricalClocks, AnInverterTurnsTheEdgesThatRegistersUse)
     EXPECT_EQ(clocks(), "clk port rise+fall 2 = clk_n\n");
 }
 
+TEST_F(ElectricalClocks, ARegisterIsNoPartOfAnotherThatHasTheBeginningOfItsName)
+{
+    elaboratedMap(text(R"(
+        module top(in clk, d, out q, p)
+            r: DFF(clk=clk, d=d, q=q)
+            "r:clk": DFF(clk=clk, d=d, q=p)
+        end)")
+                      .c_str());
+    EXPECT_EQ(clocks(), "clk port rise 2\n");
+}
+
 TEST_F(ElectricalClocks, ADividedClockHasTheClockOfItsRegisterAsParent)
 {
     elaboratedMap(text(R"(
