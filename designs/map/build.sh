@@ -4,34 +4,7 @@
 #   designs/map/build.sh [OUTPUT_DIRECTORY]        default: netlists/ beside this file
 #
 # The results depend on the sources and on the yosys release only.
-set -eu
-export LC_ALL=C
-
-repository=$(cd "$(dirname "$0")/../.." && pwd)
-output=${1:-$repository/designs/map/netlists}
-mkdir -p "$output"
-output=$(cd "$output" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-# Source positions in the netlists are relative to the repository.
-cd "$repository"
-
-run() {
-    name=$1
-    if ! timeout 300 yosys -l "$work/$name.log" -q -p "$2" >/dev/null 2>"$work/$name.err"; then
-        tail -n 5 "$work/$name.log" >&2
-        echo "build.sh: yosys failed on $name" >&2
-        exit 1
-    fi
-}
-
-# Without white space a netlist is half as large.
-pack() {
-    python3 -c 'import json, sys
-netlist = json.load(open(sys.argv[1]))
-json.dump(netlist, open(sys.argv[1], "w"), separators=(",", ":"))' "$1"
-}
+. "$(dirname "$0")/../netlists.sh"
 
 for design in processor filter machines buffers checksums counters; do
     run "${design}_elaborated" "
@@ -50,14 +23,7 @@ for design in processor filter machines buffers checksums counters; do
         clean
         write_rtlil $work/$design.il
     "
-    {
-        echo "cd $design"
-        awk -f designs/kvr/name_clocks.awk "$work/$design.il"
-        echo "cd .."
-        sed -n 's/^module \(KVR_[A-Z0-9]*\).*/\1/p' designs/kvr/cells.v | while read -r cell; do
-            echo "setattr -set KVR_ATTRIBUTE_CELL_NAME \"$cell\" t:$cell"
-        done
-    } >"$work/finish.ys"
+    finish_script "$design" >"$work/finish.ys"
     run "${design}_postmap" "
         read_rtlil $work/$design.il
         script $work/finish.ys
