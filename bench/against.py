@@ -14,7 +14,8 @@ import sys
 import tempfile
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from measure import alternate, median, run  # noqa: E402
+from designs import json_file, saved_file  # noqa: E402
+from measure import alternate, median  # noqa: E402
 
 ROADS = {
     "read-json": ("flat", []),
@@ -29,18 +30,10 @@ ROADS = {
 
 def file_for(road, build, shape, size, data):
     """The file that a road begins with, made when it is not there; saved netlists are made by the build itself."""
-    json_file = os.path.join(data, f"{shape}_{size}.yosys.json")
-    if not os.path.exists(json_file):
-        generator = os.path.join(build["this"], "generator", "netlist_generator")
-        run([generator, shape, str(size), "--output", json_file])
+    made = json_file(build["this"], data, shape, size)
     if road == "read-json":
-        return dict.fromkeys(build, json_file)
-    saved = {}
-    for name, directory in build.items():
-        saved[name] = os.path.join(data, f"{shape}_{size}.{name}.netlist")
-        if not os.path.exists(saved[name]):
-            run([os.path.join(directory, "bench_drive"), "save", json_file, saved[name]])
-    return saved
+        return dict.fromkeys(build, made)
+    return {name: saved_file(directory, made, name) for name, directory in build.items()}
 
 
 def figures(runs):

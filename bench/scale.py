@@ -17,7 +17,8 @@ import sys
 import tempfile
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from measure import alternate, median, peak, run  # noqa: E402
+from designs import json_file, saved_file  # noqa: E402
+from measure import alternate, median, peak  # noqa: E402
 
 
 class Scale:
@@ -36,17 +37,10 @@ class Scale:
     # ---- generated files
 
     def json_file(self, shape, size):
-        path = os.path.join(self.data, f"{shape}_{size}.yosys.json")
-        if not os.path.exists(path):
-            generator = os.path.join(self.bench, "generator", "netlist_generator")
-            run([generator, shape, str(size), "--output", path])
-        return path
+        return json_file(self.bench, self.data, shape, size)
 
     def saved_file(self, shape, size):
-        path = os.path.join(self.data, f"{shape}_{size}.from_json.netlist")
-        if not os.path.exists(path):
-            run([self.drive, "save", self.json_file(shape, size), path])
-        return path
+        return saved_file(self.bench, self.json_file(shape, size), "from_json")
 
     # ---- the table
 
