@@ -14,10 +14,9 @@ class CellType;
 ///
 /// A wire at pin `I3` of the cell that drives `count` is called `count_SB_LUT4_O_I3`: a net, the type and the port of
 /// the cell that it names, and a port of that cell; the cells behind it go on in the same way. Place and route tools
-/// put
-/// `$nextpnr_…` and the like behind a name. The RAMs that hold memory `regs` are called `regs.0.0`, and the wires at
-/// their ports `regs.0.0_DO`. Netlists that went through a format without hidden names begin them with
-/// `_auto_`, or number them: `_042_`.
+/// put `$nextpnr_…` and the like behind a name. The RAMs that hold memory `regs` are called `regs.0.0`, and the wires
+/// at their ports `regs.0.0_DO`. Netlists that went through a format without hidden names begin them with `_auto_`, or
+/// number them: `_042_`.
 class DerivedNames {
   public:
     /// Adds a cell type of the device with its ports. @p type must outlive the object.

@@ -9,17 +9,12 @@
 
 namespace clockmap_test {
 
-namespace {
-
-/// `A[1]` becomes `A1`.
 std::string pinName(const Verific::Port *port)
 {
     std::string name = port->Name();
     name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return c == '[' || c == ']'; }), name.end());
     return name;
 }
-
-} // namespace
 
 RandomDesign::RandomDesign(unsigned seed, bool elaborated)
     : m_random(seed), m_cells(elaborated ? elaboratedCells() : postMapCells())

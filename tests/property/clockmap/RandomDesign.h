@@ -15,6 +15,9 @@ class Port;
 
 namespace clockmap_test {
 
+/// The name of a pin in the tables of cells: that of @p port without brackets, so that `A[1]` becomes `A1`.
+std::string pinName(const Verific::Port *port);
+
 /// Makes designs of either form with loops, gated, multiplexed and divided clocks, latches, black boxes, inout pads,
 /// constants, memories, several drivers, open pins and undriven nets. The same seed makes the same design, in the
 /// global library set.

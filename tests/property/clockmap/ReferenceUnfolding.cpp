@@ -12,17 +12,6 @@ namespace clockmap_test {
 
 namespace analysis = kvr::netlistdb::analysis;
 
-namespace {
-
-std::string pinName(const Verific::Port *port)
-{
-    std::string name = port->Name();
-    name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return c == '[' || c == ']'; }), name.end());
-    return name;
-}
-
-} // namespace
-
 ReferenceMap::ReferenceMap(const RandomDesign &design) : m_design(design)
 {
     unfold(design.top(), "", {}, true);
