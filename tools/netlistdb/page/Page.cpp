@@ -51,6 +51,12 @@ void writePage(ProbedDesign &probed, const PageOrigin &origin, const PageDetails
     Json counts = writeDetails(page, details, limits, interrupt);
     details.end();
 
+    progress.begin("looking for crossings");
+    PagePart crossings(output, "crossings");
+    Json pairs = writeCrossings(page, crossings);
+    crossings.end();
+    interrupt.check();
+
     progress.begin("following clocks");
     Json head = jsonHead("html");
     head["program"] = origin.version;
@@ -64,7 +70,7 @@ void writePage(ProbedDesign &probed, const PageOrigin &origin, const PageDetails
     head["directory"] = workingDirectory();
     head["details"] = std::move(counts);
     head["clocks"] = pageClocksOf(page);
-    head["crossings"] = pageCrossingsOf(page);
+    head["crossings"] = std::move(pairs);
     head["reasons"] = reasonSentences();
     head["cellKinds"] = cellKindsOf(page);
     head["modules"] = std::move(heads);

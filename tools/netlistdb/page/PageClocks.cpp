@@ -3,6 +3,7 @@
 #include "design/ClockWords.h"
 #include "design/CrossingRows.h"
 #include "page/PageDesign.h"
+#include "page/PagePart.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -39,7 +40,7 @@ Json pageClocksOf(PageDesign &page)
     return {{"list", std::move(list)}, {"nets", counts.nets}, {"withoutClock", counts.withoutClock}};
 }
 
-Json pageCrossingsOf(PageDesign &page)
+Json writeCrossings(PageDesign &page, PagePart &part)
 {
     const analysis::Crossings crossings(page.clocks());
     CrossingRows rows(false);
@@ -80,7 +81,8 @@ Json pageCrossingsOf(PageDesign &page)
         }
         list.push_back(std::move(object));
     }
-    return {{"all", rows.rows().size()}, {"rows", std::move(list)}, {"pairs", std::move(pairs)}};
+    part.write(jsonText(list));
+    return {{"all", rows.rows().size()}, {"listed", list.size()}, {"pairs", std::move(pairs)}};
 }
 
 } // namespace kvr::netlistdb::tool

@@ -82,7 +82,7 @@ export interface Head {
   details: { signals: number; verdicts: number; chains: number };
   clocks: { list: ClockHead[]; nets: number; withoutClock: number };
   /** Pairs: launch clock, capture clock, safe, warning, unsafe. */
-  crossings: { all: number; rows: CrossingRow[]; pairs: number[][] };
+  crossings: { all: number; listed: number; pairs: number[][] };
   reasons: Record<string, string>;
   cellKinds: CellKind[];
   modules: ModuleHead[];

@@ -64,7 +64,7 @@ class Walk {
         if (++this.steps % STEPS_BETWEEN_PAUSES === 0) {
           yield undefined;
         }
-        if (this.matcher.ownNameDecides || this.matcher.matches(prefix + candidate.matched)) {
+        if (candidate && (this.matcher.ownNameDecides || this.matcher.matches(prefix + candidate.matched))) {
           yield hitOf(candidate, path);
         }
       }
@@ -119,16 +119,42 @@ class Walk {
     }
   }
 
-  private candidatesOf(module: number): Candidate[] {
-    return (this.candidates[module] ??= [...itemsOf(this.design.body(module), this.query)].filter((each) =>
-      this.matcher.canMatch(each.matched),
-    ));
+  /** Those of a module, kept for its next occurrence; the first ones do not wait for the others. */
+  private *candidatesOf(module: number): Generator<Candidate | undefined> {
+    const known = this.candidates[module];
+    if (known) {
+      yield* known;
+      return;
+    }
+    const found: Candidate[] = [];
+    for (const each of itemsOf(this.design.body(module), this.query)) {
+      if (this.matcher.canMatch(each.matched)) {
+        found.push(each);
+        yield each;
+      } else if (++this.steps % STEPS_BETWEEN_PAUSES === 0) {
+        yield undefined;
+      }
+    }
+    this.candidates[module] = found;
+  }
+
+  private hasCandidates(module: number): boolean {
+    const known = this.candidates[module];
+    if (known) {
+      return known.length > 0;
+    }
+    for (const each of itemsOf(this.design.body(module), this.query)) {
+      if (this.matcher.canMatch(each.matched)) {
+        return true;
+      }
+    }
+    return false;
   }
 
   /** Whether anything can match in a module or below it. */
   private mayHold(module: number): boolean {
     return (this.inSubtree[module] ??=
-      this.candidatesOf(module).length > 0 ||
+      this.hasCandidates(module) ||
       this.design
         .module(module)
         .subs.some(([name, below]) => (this.query.instances && this.matcher.canMatch(name)) || this.mayHold(below)));

@@ -59,10 +59,19 @@ async function run(id: number, limit: number): Promise<void> {
   }
 }
 
+/** Reads the contents of modules before they are asked for, the top first. */
+async function warmUp(all: Design): Promise<void> {
+  for (let module = all.top; module >= 0; --module) {
+    all.body(module);
+    await new Promise((done) => setTimeout(done));
+  }
+}
+
 self.onmessage = ({ data }: MessageEvent<Request>) => {
   switch (data.what) {
     case "design":
       design = new Design(data.head, data.modules);
+      void warmUp(design);
       break;
     case "search":
       current = data.id;

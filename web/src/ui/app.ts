@@ -1,7 +1,7 @@
 import { type Address, addressText, contextOf, parseAddress } from "../data/address";
 import { jsonOf, takePart } from "../data/decode";
 import { Design } from "../data/design";
-import type { Details, Head, SignalDetails } from "../data/format";
+import type { CrossingRow, Details, Head, SignalDetails } from "../data/format";
 import { TotalsTable } from "../data/totals";
 import { SearchClient } from "../search/client";
 import { clockView, clocksView } from "./clocks";
@@ -30,6 +30,7 @@ export class App {
   private readonly links: HTMLAnchorElement[];
   private client?: SearchClient;
   private details?: Promise<Details>;
+  private rows?: Promise<CrossingRow[]>;
   private isFirst = true;
 
   constructor(
@@ -75,6 +76,10 @@ export class App {
     this.details ??= takePart("details").then((bytes) => jsonOf<Details>(bytes));
     const all = await this.details;
     return Object.hasOwn(all, path) ? all[path]!.find((each) => each.signal === signal) : undefined;
+  }
+
+  crossingRows(): Promise<CrossingRow[]> {
+    return (this.rows ??= takePart("crossings").then((bytes) => jsonOf<CrossingRow[]>(bytes)));
   }
 
   /** A command of the program about this design. */

@@ -94,7 +94,7 @@ export function clockView(app: App, clock: number): HTMLElement {
       "Crossings",
       pairs.length === 0
         ? h("p", { class: "dim" }, "None.")
-        : pagedTable("Crossings of this clock", ["From", "To", "Unsafe", "Warning", "Safe", ""], pairs, ([launch, capture, safe, warning, unsafe]) => [
+        : pagedTable("Crossings of this clock", ["From", "To", "Unsafe", "Warning", "Safe", "Rows"], pairs, ([launch, capture, safe, warning, unsafe]) => [
             app.marks.link(launch!),
             app.marks.link(capture!),
             count(unsafe!),

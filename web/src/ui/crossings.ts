@@ -1,5 +1,5 @@
 import { addressText, NO_CLOCK } from "../data/address";
-import type { Severity } from "../data/format";
+import type { CrossingRow, Severity } from "../data/format";
 import type { App } from "./app";
 import { type Child, count, h, plural, short, shown } from "./dom";
 import { nameLink } from "./nets";
@@ -32,10 +32,12 @@ function pairLink(app: App, pair: number[]): HTMLElement {
     {
       class: `crossing ${worst}`,
       href: addressText({ view: "crossing", launch: launchName(app, launch), capture: app.marks.name(capture) }),
-      "aria-label": `From ${shown(launchName(app, launch)).slice(0, 200)} to ${shown(app.marks.name(capture)).slice(0, 200)}: ${text}`,
       title: text,
     },
-    counts(pair).map(([severity, number]) => h("span", { class: `severity ${severity}` }, `${SIGNS[severity]} ${count(number)}`)),
+    h("span", { class: "offscreen" }, `From ${short(launchName(app, launch), 200)} to ${short(app.marks.name(capture), 200)}: `),
+    counts(pair).map(([severity, number]) =>
+      h("span", { class: `severity ${severity}` }, `${SIGNS[severity]} ${count(number)}`, h("span", { class: "offscreen" }, ` ${severity}`)),
+    ),
   );
 }
 
@@ -112,17 +114,27 @@ export function crossingView(app: App, launch: string, capture: string): HTMLEle
   if (to < 0 || (from < 0 && launch !== NO_CLOCK)) {
     return undefined;
   }
-  const order: Severity[] = ["unsafe", "warning", "safe"];
-  const rows = app.design.head.crossings.rows
-    .filter((row) => row.launch === from && row.capture === to)
-    .sort((a, b) => order.indexOf(a.severity) - order.indexOf(b.severity));
+  const list = h("div", {}, h("p", { class: "dim" }, "Reading details…"));
+  void app.crossingRows().then(
+    (rows) => list.replaceChildren(rowsTable(app, rows, from, to)),
+    (fault: Error) => list.replaceChildren(h("p", { class: "fault", role: "alert" }, fault.message)),
+  );
   return h(
     "article",
     { class: "card" },
     h("p", {}, h("a", { href: "#/crossings" }, "← All crossings")),
     h("h1", {}, "Crossings"),
     h("p", { class: "between" }, from < 0 ? "from a port or black box" : app.marks.link(from), h("span", { "aria-label": "to" }, " → "), app.marks.link(to)),
-    rows.length === 0
+    list,
+  );
+}
+
+function rowsTable(app: App, all: CrossingRow[], from: number, to: number): HTMLElement {
+  const order: Severity[] = ["unsafe", "warning", "safe"];
+  const rows = all
+    .filter((row) => row.launch === from && row.capture === to)
+    .sort((a, b) => order.indexOf(a.severity) - order.indexOf(b.severity));
+  return rows.length === 0
       ? h("p", { class: "dim" }, "None in this page.")
       : pagedTable("Crossings", ["How", "Class", "From", "To", "Bits", "Cells", "Note", "Source"], rows, (row): Child[] => [
           h("span", { class: `severity ${row.severity}` }, `${SIGNS[row.severity]} ${row.severity}`),
@@ -137,6 +149,5 @@ export function crossingView(app: App, launch: string, capture: string): HTMLEle
             row.meets !== undefined && h("div", {}, "meets another at ", nameLink(app, row.meets)),
           ],
           place(app, row.place),
-        ]),
-  );
+        ]);
 }

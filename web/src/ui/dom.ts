@@ -49,6 +49,9 @@ export function s<K extends keyof SVGElementTagNameMap>(
 
 /** @p name with what would not be seen, or would turn the order of other letters, made visible. */
 export function shown(name: string): string {
+  if (name !== "" && name.trim() === "") {
+    return name.replace(/[^]/g, "\u2423");
+  }
   return name.replace(/[\u0000-\u001f\u007f-\u009f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff]/g, (each) => {
     const code = each.charCodeAt(0);
     if (code < 0x20) {

@@ -148,7 +148,7 @@ function leftOut(app: App): HTMLElement | false {
       `Probe verdicts are in the page for ${count(details.verdicts)} of ${count(details.signals)} nets and buses that the user declared, those nearest to the top.`,
     details.chains < details.signals &&
       `Chains that prove clocks are in the page for ${count(details.chains)} of them.`,
-    crossings.rows.length < crossings.all && `${count(crossings.rows.length)} of ${count(crossings.all)} crossings are listed.`,
+    crossings.listed < crossings.all && `${count(crossings.listed)} of ${count(crossings.all)} crossings are listed.`,
   ].filter((note) => note !== false);
   return (
     notes.length > 0 &&

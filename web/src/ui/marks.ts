@@ -55,7 +55,7 @@ export class ClockMarks {
           "pattern",
           { id: `${drawing}-${key}`, width: 8, height: 8, patternUnits: "userSpaceOnUse" },
           s("rect", { width: 8, height: 8, class: isShared ? "paint none" : "paint" }),
-          s("path", { d: PATTERNS[Math.floor(key / HUES.length)] ?? "", class: "hatch" }),
+          s("path", { d: isShared ? "" : PATTERNS[(key + Math.floor(key / HUES.length)) % PATTERNS.length]!, class: "hatch" }),
         );
         pattern.style.setProperty("--hue", String(HUES[key % HUES.length]));
         return pattern;

@@ -98,6 +98,8 @@ export function section(name: string, ...children: Child[]): HTMLElement {
 /** A table of which the first rows are shown, and more on request. */
 export function pagedTable<T>(caption: string, columns: string[], rows: T[], cellsOf: (row: T) => Child[], page = 100): HTMLElement {
   const body = h("tbody");
+  const isNumber = (cell: Child): boolean => typeof cell === "string" && /^[\d,.]+$/.test(cell);
+  const numbers = rows.length > 0 ? cellsOf(rows[0]!).map((cell, at) => at > 0 && isNumber(cell)) : [];
   const more = h("button", { class: "more", click: () => show() });
   let next = 0;
   const show = (): void => {
@@ -109,7 +111,7 @@ export function pagedTable<T>(caption: string, columns: string[], rows: T[], cel
           cellsOf(row).map((cell, at) =>
             at === 0
               ? h("th", { scope: "row" }, cell)
-              : h("td", { class: typeof cell === "string" && /^[\d,.]+$/.test(cell) ? "number" : undefined }, cell),
+              : h("td", { class: isNumber(cell) ? "number" : undefined }, cell),
           ),
         ),
       );
@@ -122,7 +124,7 @@ export function pagedTable<T>(caption: string, columns: string[], rows: T[], cel
   return h(
     "div",
     { class: "table", role: "region", tabindex: "0", "aria-label": caption },
-    h("table", {}, h("caption", { class: "offscreen" }, caption), h("thead", {}, h("tr", {}, columns.map((each) => h("th", { scope: "col" }, each)))), body),
+    h("table", {}, h("caption", { class: "offscreen" }, caption), h("thead", {}, h("tr", {}, columns.map((each, at) => h("th", { scope: "col", class: numbers[at] ? "number" : undefined }, each)))), body),
     more,
   );
 }

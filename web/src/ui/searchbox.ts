@@ -80,7 +80,11 @@ export class SearchBox {
   take(address: Address): void {
     this.element.classList.toggle("active", address.view === "search");
     const query = address.view === "search" ? parseQuery(address.query) : undefined;
-    if (!query || this.hasFocus) {
+    if (this.hasFocus) {
+      return;
+    }
+    if (!query) {
+      this.input.value = "";
       return;
     }
     this.input.value = query.text;
