@@ -64,7 +64,7 @@ class Walk {
         if (++this.steps % STEPS_BETWEEN_PAUSES === 0) {
           yield undefined;
         }
-        if (candidate && (this.matcher.ownNameDecides || this.matcher.matches(prefix + candidate.matched))) {
+        if (this.matcher.ownNameDecides || this.matcher.matches(prefix + candidate.matched)) {
           yield hitOf(candidate, path);
         }
       }
@@ -111,44 +111,36 @@ class Walk {
   }
 
   private *allOf(module: number, prefix: string): Generator<Candidate> {
-    for (const candidate of itemsOf(this.design.body(module), this.query)) {
-      const isFoundByName = this.matcher.canMatch(candidate.matched) && this.matcher.matches(prefix + candidate.matched);
-      if (candidate.name === candidate.matched && !isFoundByName) {
+    const isFoundByName = (name: string): boolean => this.matcher.canMatch(name) && this.matcher.matches(prefix + name);
+    for (const candidate of itemsOf(this.design.body(module), this.query, (name) => !isFoundByName(name))) {
+      if (candidate.name === candidate.matched) {
         yield candidate;
       }
     }
   }
 
   /** Those of a module, kept for its next occurrence; the first ones do not wait for the others. */
-  private *candidatesOf(module: number): Generator<Candidate | undefined> {
+  private *candidatesOf(module: number): Generator<Candidate> {
     const known = this.candidates[module];
     if (known) {
       yield* known;
       return;
     }
     const found: Candidate[] = [];
-    for (const each of itemsOf(this.design.body(module), this.query)) {
-      if (this.matcher.canMatch(each.matched)) {
-        found.push(each);
-        yield each;
-      } else if (++this.steps % STEPS_BETWEEN_PAUSES === 0) {
-        yield undefined;
-      }
+    for (const each of this.matchingItems(module)) {
+      found.push(each);
+      yield each;
     }
     this.candidates[module] = found;
   }
 
   private hasCandidates(module: number): boolean {
     const known = this.candidates[module];
-    if (known) {
-      return known.length > 0;
-    }
-    for (const each of itemsOf(this.design.body(module), this.query)) {
-      if (this.matcher.canMatch(each.matched)) {
-        return true;
-      }
-    }
-    return false;
+    return known ? known.length > 0 : !this.matchingItems(module).next().done;
+  }
+
+  private matchingItems(module: number): Generator<Candidate> {
+    return itemsOf(this.design.body(module), this.query, (name) => this.matcher.canMatch(name));
   }
 
   /** Whether anything can match in a module or below it. */
@@ -166,24 +158,27 @@ function hitOf(candidate: Candidate, path: string[]): Hit {
   return { kind, path, name, width, ...(matched === name ? {} : { alias: matched }) };
 }
 
-/** What of a module a query asks for, under each of its names. */
-function* itemsOf(body: Body, query: Query): Generator<Candidate> {
+/** What of a module a query asks for, under each of its names that @p accepts takes. */
+function* itemsOf(body: Body, query: Query, accepts: (name: string) => boolean): Generator<Candidate> {
   const columns = body.columns;
   if (query.nets) {
     for (let signal = 0; signal < columns.signals.length; ++signal) {
-      const kind = body.isBus(signal) ? "bus" : "net";
       const name = body.signalName(signal);
+      if (!accepts(name)) {
+        continue;
+      }
+      const kind = body.isBus(signal) ? "bus" : "net";
       yield { kind, name, matched: name, width: body.widthOf(signal) };
     }
     for (const [signal, names] of columns.aliases) {
       const name = body.signalName(signal);
-      for (const matched of names) {
+      for (const matched of names.filter(accepts)) {
         yield { kind: body.isBus(signal) ? "bus" : "net", name, matched, width: body.widthOf(signal) };
       }
     }
     if (/[[\]]/.test(query.text)) {
       for (const name of columns.nets) {
-        if (body.signalCalled(name) === undefined) {
+        if (accepts(name) && body.signalCalled(name) === undefined) {
           yield { kind: "net", name, matched: name, width: 1 };
         }
       }
@@ -191,8 +186,8 @@ function* itemsOf(body: Body, query: Query): Generator<Candidate> {
   }
   if (query.cells) {
     for (let cell = 0; cell < columns.cells.length; ++cell) {
-      if (columns.kinds[cell]! >= 0) {
-        const name = columns.cells[cell]!;
+      const name = columns.cells[cell]!;
+      if (columns.kinds[cell]! >= 0 && accepts(name)) {
         yield { kind: "cell", name, matched: name, width: 0 };
       }
     }

@@ -33,7 +33,7 @@ export class SearchBox {
       spellcheck: "false",
       input: () => {
         clearTimeout(this.timer);
-        this.timer = window.setTimeout(changed, 80);
+        this.timer = window.setTimeout(changed, 40);
       },
     });
     this.mode = h(
