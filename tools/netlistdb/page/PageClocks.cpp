@@ -5,18 +5,62 @@
 #include "page/PageDesign.h"
 #include "page/PagePart.h"
 
+#include <array>
+#include <map>
 #include <netlistdb/netlistdb.h>
+#include <utility>
 
 namespace kvr::netlistdb::tool {
 
 namespace {
 
-/// Rows of crossings in a page; a design with more is one whose clocks have not been understood yet.
+/// Rows of crossings in a page, and those between two clocks that are equally bad. A design with more is one whose
+/// clocks have not been understood yet.
 constexpr std::size_t MOST_ROWS = 20000;
+constexpr std::size_t MOST_ROWS_ALIKE = 200;
+
+/// Launch and capture clock; the launch clock -1 when there is none.
+using Pair = std::pair<std::int64_t, analysis::ClockId>;
+
+Pair pairOf(const analysis::Crossing &crossing)
+{
+    return {crossing.launch ? static_cast<std::int64_t>(*crossing.launch) : -1, crossing.capture};
+}
+
+/// What there is between two clocks.
+struct PairCounts {
+    CrossingCounts crossings;
+    std::size_t rows = 0;
+    std::array<std::size_t, 3> listed{}; ///< rows in the page, by severity
+};
 
 Json placeOf(PageDesign &page, const std::string &file, std::uint64_t line)
 {
     return {page.fileNumber(file), line};
+}
+
+Json rowOf(PageDesign &page, const CrossingRow &row)
+{
+    const analysis::Crossing &crossing = *row.first;
+    const Pair pair = pairOf(crossing);
+    Json object = {{"launch", pair.first},
+                   {"capture", pair.second},
+                   {"class", nameOf(row.kind)},
+                   {"severity", nameOf(severityOf(row.kind))},
+                   {"from", row.from()},
+                   {"to", row.to()},
+                   {"pin", crossing.to.pin.substr(0, crossing.to.pin.find('['))},
+                   {"bits", row.bits},
+                   {"cells", row.cells},
+                   {"stages", row.stages},
+                   {"place", placeOf(page, crossing.place.file, crossing.place.line)}};
+    if (!crossing.control.empty()) {
+        object["control"] = crossing.control;
+    }
+    if (!crossing.meets.empty()) {
+        object["meets"] = crossing.meets;
+    }
+    return object;
 }
 
 } // namespace
@@ -44,45 +88,28 @@ Json writeCrossings(PageDesign &page, PagePart &part)
 {
     const analysis::Crossings crossings(page.clocks());
     CrossingRows rows(false);
+    std::map<Pair, PairCounts> pairs;
     for (const analysis::Crossing &crossing : crossings.all()) {
         rows.add(crossing, crossing.kind, nullptr);
+        pairs[pairOf(crossing)].crossings.add(crossing, false);
     }
     Json list = Json::array();
-    Json pairs = Json::array();
-    std::map<std::pair<std::int64_t, analysis::ClockId>, CrossingCounts> counts;
-    for (const analysis::Crossing &crossing : crossings.all()) {
-        counts[{crossing.launch ? static_cast<std::int64_t>(*crossing.launch) : -1, crossing.capture}].add(crossing,
-                                                                                                           false);
-    }
-    for (const auto &[pair, count] : counts) {
-        pairs.push_back({pair.first, pair.second, count.safe, count.warning, count.unsafe});
-    }
     for (const CrossingRow &row : rows.rows()) {
-        if (list.size() == MOST_ROWS) {
-            break;
+        PairCounts &counts = pairs[pairOf(*row.first)];
+        ++counts.rows;
+        std::size_t &listed = counts.listed[static_cast<std::size_t>(severityOf(row.kind))];
+        if (listed < MOST_ROWS_ALIKE && list.size() < MOST_ROWS) {
+            ++listed;
+            list.push_back(rowOf(page, row));
         }
-        const analysis::Crossing &crossing = *row.first;
-        Json object = {{"launch", crossing.launch ? static_cast<std::int64_t>(*crossing.launch) : -1},
-                       {"capture", crossing.capture},
-                       {"class", nameOf(row.kind)},
-                       {"severity", nameOf(severityOf(row.kind))},
-                       {"from", row.from()},
-                       {"to", row.to()},
-                       {"pin", crossing.to.pin.substr(0, crossing.to.pin.find('['))},
-                       {"bits", row.bits},
-                       {"cells", row.cells},
-                       {"stages", row.stages},
-                       {"place", placeOf(page, crossing.place.file, crossing.place.line)}};
-        if (!crossing.control.empty()) {
-            object["control"] = crossing.control;
-        }
-        if (!crossing.meets.empty()) {
-            object["meets"] = crossing.meets;
-        }
-        list.push_back(std::move(object));
     }
     part.write(jsonText(list));
-    return {{"all", rows.rows().size()}, {"listed", list.size()}, {"pairs", std::move(pairs)}};
+    Json counted = Json::array();
+    for (const auto &[pair, counts] : pairs) {
+        const CrossingCounts &each = counts.crossings;
+        counted.push_back({pair.first, pair.second, each.safe, each.warning, each.unsafe, counts.rows});
+    }
+    return {{"all", rows.rows().size()}, {"listed", list.size()}, {"pairs", std::move(counted)}};
 }
 
 } // namespace kvr::netlistdb::tool

@@ -81,7 +81,7 @@ export interface Head {
   directory: string;
   details: { signals: number; verdicts: number; chains: number };
   clocks: { list: ClockHead[]; nets: number; withoutClock: number };
-  /** Pairs: launch clock, capture clock, safe, warning, unsafe. */
+  /** Pairs: launch clock, capture clock, safe, warning, unsafe, rows. */
   crossings: { all: number; listed: number; pairs: number[][] };
   reasons: Record<string, string>;
   cellKinds: CellKind[];

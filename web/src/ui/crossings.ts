@@ -1,9 +1,9 @@
 import { addressText, NO_CLOCK } from "../data/address";
 import type { CrossingRow, Severity } from "../data/format";
-import type { App } from "./app";
+import { type App, quoted } from "./app";
 import { type Child, count, h, plural, short, shown } from "./dom";
 import { nameLink } from "./nets";
-import { pagedTable, place } from "./parts";
+import { commandText, pagedTable, place } from "./parts";
 
 /** Clocks in a matrix; of more, pairs are listed. */
 const MOST_CLOCKS = 40;
@@ -116,7 +116,7 @@ export function crossingView(app: App, launch: string, capture: string): HTMLEle
   }
   const list = h("div", {}, h("p", { class: "dim" }, "Reading details…"));
   void app.crossingRows().then(
-    (rows) => list.replaceChildren(rowsTable(app, rows, from, to)),
+    (rows) => list.replaceChildren(...rowsTable(app, rows, from, to)),
     (fault: Error) => list.replaceChildren(h("p", { class: "fault", role: "alert" }, fault.message)),
   );
   return h(
@@ -129,14 +129,13 @@ export function crossingView(app: App, launch: string, capture: string): HTMLEle
   );
 }
 
-function rowsTable(app: App, all: CrossingRow[], from: number, to: number): HTMLElement {
+function rowsTable(app: App, all: CrossingRow[], from: number, to: number): HTMLElement[] {
   const order: Severity[] = ["unsafe", "warning", "safe"];
   const rows = all
     .filter((row) => row.launch === from && row.capture === to)
     .sort((a, b) => order.indexOf(a.severity) - order.indexOf(b.severity));
-  return rows.length === 0
-      ? h("p", { class: "dim" }, "None in this page.")
-      : pagedTable("Crossings", ["How", "Class", "From", "To", "Bits", "Cells", "Note", "Source"], rows, (row): Child[] => [
+  const there = app.design.head.crossings.pairs.find((pair) => pair[0] === from && pair[1] === to)?.[5] ?? 0;
+  const table = pagedTable("Crossings", ["How", "Class", "From", "To", "Bits", "Cells", "Note", "Source"], rows, (row): Child[] => [
           h("span", { class: `severity ${row.severity}` }, `${SIGNS[row.severity]} ${row.severity}`),
           row.class.replace(/-/g, " "),
           nameLink(app, row.from),
@@ -150,4 +149,13 @@ function rowsTable(app: App, all: CrossingRow[], from: number, to: number): HTML
           ],
           place(app, row.place),
         ]);
+  if (rows.length === there) {
+    return rows.length > 0 ? [table] : [h("p", { class: "dim" }, "None.")];
+  }
+  const names = [launchName(app, from), app.marks.name(to)].map(quoted);
+  return [
+    h("p", { class: "note" }, `The page holds ${count(rows.length)} of ${plural(there, "row")}. This shows all:`),
+    commandText(app.command("crossings", `--from ${names[0]} --to ${names[1]}`)),
+    table,
+  ];
 }

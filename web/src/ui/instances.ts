@@ -28,10 +28,10 @@ export function instanceCard(app: App, context: Context, path: string[]): HTMLEl
       ["Design", path.length === 0 && `${shown(design.head.name)}, ${design.head.form}${design.head.postMap === undefined ? "" : `, with ${shown(design.head.postMap)}`}`],
     ]),
     section("Registers by clock", new Icicle(app, context, path).element),
+    path.length === 0 && leftOut(app),
     portsSection(app, context, path, body),
     signalsSection(app, path, body),
     cellsSection(path, body),
-    path.length === 0 && leftOut(app),
   );
 }
 

@@ -4,7 +4,9 @@ import type { App } from "./app";
 import { h, s, short, shown } from "./dom";
 
 const CELL = 96;
+/** The longest wire; letters of a name on one. */
 const WIRE = 118;
+const LETTERS = 15;
 const TOP = 44;
 const HEIGHT = 48;
 const ROW = 104;
@@ -49,27 +51,34 @@ function elementsOf(steps: ChainStep[]): Element[] {
   return [...elements.slice(0, MOST / 2), gap, ...elements.slice(-MOST / 2)];
 }
 
+/** Length of the wire behind an element, which holds the name of its net. */
+const wireOf = (element: Element): number => Math.min(WIRE, 7 * short(lastSegment(element.net), LETTERS).length + 20);
+
 const lastSegment = (name: string): string => name.slice(name.lastIndexOf("/") + 1) || name;
 
 /** A chain as a schematic from left to right: from the root of the clock to its register, and on to the net. */
 export function schematicOf(app: App, chain: { data: ChainStep[]; clock_to_root?: ChainStep[] }, label: string): HTMLElement {
   const data = elementsOf(chain.data);
   const clock = elementsOf(chain.clock_to_root ?? []);
-  const step = CELL + WIRE;
   // The register stands to the right of the last element of its clock.
-  const shift = clock.length * step;
+  const shift = clock.reduce((sum, element) => sum + CELL + wireOf(element), 0);
   const clockRow = TOP + ROW;
-  const width = shift + data.length * step + 60;
+  const width = shift + data.reduce((sum, element) => sum + CELL + wireOf(element), 0) + 40;
   const height = TOP + HEIGHT + 28 + (clock.length > 0 ? ROW : 0);
   const drawing: SVGElement[] = [];
-  data.forEach((element, at) => draw(app, drawing, element, 8 + shift + at * step, TOP));
+  let x = 8;
   clock.forEach((element, at) => {
     const isLast = at === clock.length - 1;
-    draw(app, drawing, element, 8 + at * step, clockRow, isLast ? WIRE + CELL / 2 : WIRE);
+    draw(app, drawing, element, x, clockRow, wireOf(element) + (isLast ? CELL / 2 : 0));
+    x += CELL + wireOf(element);
   });
+  for (const element of data) {
+    draw(app, drawing, element, x, TOP, wireOf(element));
+    x += CELL + wireOf(element);
+  }
   if (clock.length > 0) {
-    const x = 8 + shift + CELL / 2;
-    drawing.push(s("path", { class: "wire", d: `M${x} ${clockRow + HEIGHT / 2}V${TOP + HEIGHT}` }));
+    const pin = 8 + shift + CELL / 2;
+    drawing.push(s("path", { class: "wire", d: `M${pin} ${clockRow + HEIGHT / 2}V${TOP + HEIGHT}` }));
   }
   return h(
     "figure",
@@ -89,7 +98,7 @@ function draw(
   element: Element,
   x: number,
   y: number,
-  wire: number = WIRE,
+  wire: number,
 ): void {
   const middle = y + HEIGHT / 2;
   const title = [element.title, element.type].filter((text) => text !== "").join(": ");
@@ -124,7 +133,7 @@ function draw(
   drawing.push(group);
   drawing.push(s("path", { class: "wire", d: `M${x + CELL} ${middle}h${wire}` }));
   const address = addressOf(app.design, element.net);
-  const text = s("text", { x: x + CELL + 6, y: middle - 6, class: "net" }, short(lastSegment(element.net), 15));
+  const text = s("text", { x: x + CELL + 6, y: middle - 6, class: "net" }, short(lastSegment(element.net), LETTERS));
   const labelled = [s("title", {}, shown(element.net.slice(0, 1000))), text];
   drawing.push(
     address
