@@ -233,7 +233,9 @@ describe("the page of a design in both forms", () => {
       await page.evaluate(() => document.activeElement.blur());
       await page.keyboard.press("/");
       await page.keyboard.type(query);
-      await page.waitForFunction(() => /found\./.test(document.querySelector("[role=status]")?.textContent ?? ""), { timeout: 10_000 });
+      // Results of what was typed first are there before the last letter is.
+      await page.waitForFunction((typed) => decodeURIComponent(location.hash).endsWith(`:${typed}`), {}, query);
+      await page.waitForFunction(() => /found\./.test(document.querySelector("[role=status]")?.textContent ?? ""));
       const hits = await page.$$eval("#hits a", (all) => all.map((each) => each.textContent));
       assert.ok(hits.includes(wanted), hits.join());
       if (mode === "text") {
