@@ -58,8 +58,8 @@ export class App {
     );
     window.addEventListener("hashchange", () => this.show());
     this.show();
-    // The picture comes first; then the search gets ready.
-    setTimeout(() => this.search, 50);
+    // The picture comes first; then the search gets ready, which takes a copy of the data.
+    requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(() => this.search, 100)));
   }
 
   static async start(root: HTMLElement): Promise<App> {
