@@ -7,6 +7,7 @@
 #include "page/PageBundle.h"
 #include "page/PageClocks.h"
 #include "page/PageDesign.h"
+#include "page/PageModuleHeads.h"
 #include "page/PageModules.h"
 #include "page/PagePart.h"
 

@@ -2,11 +2,10 @@
 
 #include "design/ItemFacts.h"
 #include "page/PageDesign.h"
+#include "page/PageModuleHeads.h"
 #include "page/PagePart.h"
 
 #include <DataBase.h>
-#include <algorithm>
-#include <array>
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
@@ -16,16 +15,9 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
-using analysis::CellModel;
 using analysis::ModuleGraph;
 using analysis::NONE;
 using analysis::SetTable;
-
-std::string nameOf(const Verific::DesignObj *object)
-{
-    const char *const name = object != nullptr ? object->Name() : nullptr;
-    return name != nullptr ? name : "";
-}
 
 /// Writes the contents of one module.
 class ModuleWriter {
@@ -73,7 +65,7 @@ class ModuleWriter {
     {
         writeList("ports", m_module.ports.size(), [&](std::size_t at) {
             const ModuleGraph::ModulePort &port = m_module.ports[at];
-            return Json::array({nameOf(port.port), (port.isInput ? 1 : 0) + (port.isOutput ? 2 : 0),
+            return Json::array({netlistNameOf(port.port), (port.isInput ? 1 : 0) + (port.isOutput ? 2 : 0),
                                 port.net == NONE ? Json(-1) : Json(port.net)});
         });
     }
@@ -194,7 +186,7 @@ class ModuleWriter {
         FOREACH_INSTANCE_OF_NETLIST (m_module.netlist, instances, instance) {
             cells.push_back(instance);
         }
-        writeList("cells", cells.size(), [&](std::size_t cell) { return nameOf(cells[cell]); });
+        writeList("cells", cells.size(), [&](std::size_t cell) { return netlistNameOf(cells[cell]); });
         // Instances of modules are told apart by a negative number.
         writeList("kinds", m_module.cellCount(), [&](std::size_t at) {
             const auto cell = static_cast<std::uint32_t>(at);
@@ -224,129 +216,19 @@ class ModuleWriter {
     bool m_isFirst = true;
 };
 
-/// Registers of the leaf cells of a module: pairs of what their clock pin is electrically, and how many.
-Json registersOf(PageDesign &page, std::uint32_t number)
-{
-    const ModuleGraph &module = page.modules()[number];
-    const analysis::ModuleClocks &clocks = page.model().clocks[number];
-    std::unordered_map<std::uint64_t, std::size_t> places;
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> uses;
-    for (std::uint32_t cell = 0; cell < module.cellCount(); ++cell) {
-        if (module.isSub(cell) || std::binary_search(module.repeats.begin(), module.repeats.end(), cell)) {
-            continue;
-        }
-        const CellModel &model = page.model().hierarchy.models[module.modelOf(cell)];
-        std::vector<std::uint32_t> counted;
-        for (const CellModel::ClockPin &clock : model.clocks) {
-            const std::uint32_t net = module.netsOf(cell)[clock.pin];
-            if (net == NONE || std::find(counted.begin(), counted.end(), net) != counted.end()) {
-                continue;
-            }
-            counted.push_back(net);
-            const std::uint64_t code = pageCode(clocks.nets[net]);
-            const auto [place, isNew] = places.try_emplace(code, uses.size());
-            if (isNew) {
-                uses.emplace_back(code, 0);
-            }
-            ++uses[place->second].second;
-        }
-    }
-    Json list = Json::array();
-    for (const auto &[code, registers] : uses) {
-        list.insert(list.end(), {code, registers});
-    }
-    return list;
-}
-
-/// What is on the ports of an instance that lead clocks to registers: pairs of port and electrical net.
-Json clockPortsOf(PageDesign &page, std::uint32_t above, const ModuleGraph::SubInstance &sub)
-{
-    const analysis::ModuleClocks &clocks = page.model().clocks[above];
-    const std::vector<bool> &clockPorts = page.model().clocks[sub.module].clockPorts;
-    const analysis::Span<std::uint32_t> nets = page.modules()[above].netsOf(sub.cell);
-    Json list = Json::array();
-    for (std::size_t port = 0; port < clockPorts.size(); ++port) {
-        if (clockPorts[port] && nets[port] != NONE) {
-            list.insert(list.end(), {Json(port), Json(pageCode(clocks.nets[nets[port]]))});
-        }
-    }
-    return list;
-}
-
-Json headOf(PageDesign &page, std::uint32_t number)
-{
-    const ModuleGraph &module = page.modules()[number];
-    IVDBInstance *const instance = page.instanceOf(number);
-    Json head;
-    if (instance != nullptr) {
-        IVDBNetlist &item = *instance->getModule();
-        head["name"] = page.design().nameOf(item);
-        head["module"] = item.getName();
-        head["library"] = item.GetLibName();
-        if (const IVDBLineInfo *const source = item.getLineInfo()) {
-            head["place"] = {page.fileNumber(source->getFilePath()), source->getLineNumber()};
-        }
-    } else {
-        head["name"] = nameOf(module.netlist->Owner());
-        head["module"] = head["name"];
-        head["library"] = "";
-    }
-    head["clocks"] = page.model().clocks[number].roots.size();
-    head["ports"] = module.ports.size();
-    head["nets"] = module.netCount();
-    head["signals"] = page.probesOf(number).size();
-    head["cells"] = module.cellCount() - module.subs.size();
-    head["registers"] = registersOf(page, number);
-    Json subs = Json::array();
-    for (const ModuleGraph::SubInstance &sub : module.subs) {
-        subs.push_back({nameOf(sub.instance), sub.module, sub.cell, clockPortsOf(page, number, sub)});
-    }
-    head["subs"] = std::move(subs);
-    return head;
-}
-
-const char *textOf(analysis::CellKind kind)
-{
-    constexpr std::array TEXTS = {
-        "logic",        "multiplexer",     "buffer",   "pad",    "clock gate", "clock multiplexer",
-        "constant",     "flip-flop",       "latch",    "memory", "DSP",        "shift register",
-        "DDR register", "clock generator", "black box"};
-    static_assert(TEXTS.size() == static_cast<std::size_t>(analysis::CellKind::BlackBox) + 1);
-    return TEXTS[static_cast<std::size_t>(kind)];
-}
-
 } // namespace
 
 Json writeModules(PageDesign &page, PagePart &part)
 {
     Json heads = Json::array();
     for (std::uint32_t module = 0; module < page.modules().size(); ++module) {
-        Json head = headOf(page, module);
+        Json head = moduleHeadOf(page, module);
         head["at"] = part.size();
         ModuleWriter(page, module, part).write();
         head["bytes"] = part.size() - head["at"].get<std::uint64_t>();
         heads.push_back(std::move(head));
     }
     return heads;
-}
-
-Json cellKindsOf(PageDesign &page)
-{
-    Json kinds = Json::array();
-    const analysis::CellModels &models = page.model().hierarchy.models;
-    for (std::uint32_t number = 0; number < models.size(); ++number) {
-        const CellModel &model = models[number];
-        Json pins = Json::array();
-        for (const CellModel::Pin &pin : model.pins) {
-            const int direction = pin.isBorrowed ? 0 : (pin.isInput ? 1 : 0) + (pin.isOutput ? 2 : 0);
-            pins.push_back({nameOf(pin.port), direction, pin.role == analysis::PinRole::Clock});
-        }
-        kinds.push_back({{"name", nameOf(model.view != nullptr ? model.view->Owner() : nullptr)},
-                         {"kind", textOf(model.kind)},
-                         {"register", model.isRegister()},
-                         {"pins", std::move(pins)}});
-    }
-    return kinds;
 }
 
 } // namespace kvr::netlistdb::tool

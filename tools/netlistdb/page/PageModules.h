@@ -2,8 +2,6 @@
 
 #include "output/Json.h"
 
-#include <cstdint>
-
 namespace kvr::netlistdb::tool {
 
 class PageDesign;
@@ -14,8 +12,5 @@ class PagePart;
 /// page needs of all modules before it looks into one: names, instances, registers, and where its contents stand in the
 /// part. Time and memory in proportion to the folded design.
 Json writeModules(PageDesign &page, PagePart &part);
-
-/// The kinds of leaf cells: by place in the models of the analysis, with pins and roles.
-Json cellKindsOf(PageDesign &page);
 
 } // namespace kvr::netlistdb::tool

@@ -1,4 +1,5 @@
-import type { Body, Context, Design } from "../data/design";
+import type { Body } from "../data/body";
+import type { Context, Design } from "../data/design";
 import { type Matcher, matcherOf } from "./matcher";
 import type { Query } from "./query";
 

@@ -1,5 +1,6 @@
 import { addressText } from "../data/address";
-import type { Body, Context } from "../data/design";
+import type { Body } from "../data/body";
+import type { Context } from "../data/design";
 import type { App } from "./app";
 import { type Child, count, h, plural, shown } from "./dom";
 import { Icicle } from "./icicle";

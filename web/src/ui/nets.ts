@@ -1,45 +1,13 @@
 import { type Address, addressOf, addressText } from "../data/address";
 import { captureOf, clockThatIs, launchOf, reachedWords, reachingWords, roleWords } from "../data/binding";
-import type { Body, Context } from "../data/design";
+import type { Context } from "../data/design";
 import type { Match, SignalDetails } from "../data/format";
 import { type App, quoted } from "./app";
 import { type Child, h, plural, shown } from "./dom";
 import { breadcrumbs, commandText, facts, pagedTable, place, section, title } from "./parts";
+import { connections } from "./connections";
 import { schematicOf, stepsOf } from "./schematic";
-
-/** Bits of a bus that a card looks at one by one. */
-const MOST_BITS = 256;
-
-/** One net of the design, or a bus bit by bit, as a card sees it. */
-interface Subject {
-  app: App;
-  context: Context;
-  path: string[];
-  fullName: string;
-  body: Body;
-  /** -1 for a bit of a signal, when signals know it by no name. */
-  signal: number;
-  nets: number[];
-  /** Name of each bit. */
-  bitNames: string[];
-}
-
-function subjectOf(app: App, context: Context, path: string[], name: string): Subject | undefined {
-  const body = app.design.body(context[context.length - 1]!.module);
-  const called = body.signalCalled(name);
-  const net = body.netCalled(name);
-  if (called === undefined && net === undefined) {
-    return undefined;
-  }
-  const nets = called !== undefined ? body.bitsOf(called) : [net!];
-  const range = called !== undefined ? body.rangeOf(called) : undefined;
-  const bitNames = nets.map((each, at) => {
-    const index = range && (range[0] >= range[1] ? range[0] - at : range[0] + at);
-    return index !== undefined && nets.length > 1 ? `[${index}]` : (body.columns.nets[each] ?? `bit ${nets.length - 1 - at}`);
-  });
-  const fullName = [...path, name].join("/");
-  return { app, context, path, fullName, body, signal: called ?? -1, nets, bitNames };
-}
+import { bitsText, MOST_BITS, type Subject, subjectOf } from "./subject";
 
 /** Card of a net or bus; undefined when the module has none of that name. */
 export function netCard(app: App, context: Context, path: string[], name: string): HTMLElement | undefined {
@@ -92,26 +60,6 @@ function grouped(subject: Subject, textOf: (net: number) => { key: string; conte
     }
   });
   return [...groups.values()].map(({ names, content }) => ({ bits: bitsText(names), content }));
-}
-
-/** `[7:4] [0]` for the names of bits, runs of neighbours in short. */
-function bitsText(names: string[]): string {
-  const parts: string[] = [];
-  for (let at = 0; at < names.length; ) {
-    const first = /^\[(-?\d+)\]$/.exec(names[at]!);
-    let end = at + 1;
-    let last = names[at]!;
-    if (first) {
-      const step = end < names.length && names[end] === `[${Number(first[1]) - 1}]` ? -1 : 1;
-      while (end < names.length && names[end] === `[${Number(first[1]) + step * (end - at)}]`) {
-        last = names[end]!;
-        ++end;
-      }
-    }
-    parts.push(end - at > 1 ? `${names[at]!.slice(0, -1)}:${last.slice(1)}` : names[at]!);
-    at = end;
-  }
-  return parts.length > 8 ? `${parts.slice(0, 8).join(" ")} and ${parts.length - 8} more` : parts.join(" ");
 }
 
 function clocksSection(subject: Subject): HTMLElement {
@@ -171,8 +119,6 @@ function clocksSection(subject: Subject): HTMLElement {
     nets.length > MOST_BITS && h("p", { class: "note" }, `Shown for the first ${MOST_BITS} of ${nets.length} bits.`),
   );
 }
-
-const lastOr = (text: string): string => text.slice(text.lastIndexOf("/") + 1);
 
 function lateSections(subject: Subject, details: SignalDetails | undefined): HTMLElement[] {
   return [whySection(subject, details), probeSection(subject, details), ...counterpartSection(subject, details)];
@@ -291,100 +237,4 @@ function counterpartSection(subject: Subject, details: SignalDetails | undefined
       ),
     ),
   ];
-}
-
-interface Connection {
-  cell: number;
-  pin: string;
-  role: "drives" | "loads" | "both";
-  bits: string[];
-}
-
-/** What is on the nets inside the module, and through its ports outside. */
-function connections(subject: Subject): HTMLElement {
-  const { app, body, nets, bitNames, path, context } = subject;
-  const found = new Map<string, Connection>();
-  const ports = new Map<string, { name: string; direction: number; bits: string[] }>();
-  nets.slice(0, MOST_BITS).forEach((net, at) => {
-    if (net < 0) {
-      return;
-    }
-    for (const { cell, pin } of body.pinsOn(net)) {
-      const { name, direction } = body.pinOf(cell, pin);
-      const base = name.replace(/\[-?\d+\]$/, "");
-      const role = direction === 2 ? "drives" : direction === 3 ? "both" : "loads";
-      const key = `${cell} ${role} ${base}`;
-      const known = found.get(key) ?? { cell, pin: base, role, bits: [] };
-      known.bits.push(bitNames[at]!);
-      found.set(key, known);
-    }
-    body.columns.ports.forEach(([name, direction, inside]) => {
-      if (inside === net) {
-        const base = name.replace(/\[-?\d+\]$/, "");
-        const known = ports.get(base) ?? { name: base, direction, bits: [] };
-        known.bits.push(bitNames[at]!);
-        ports.set(base, known);
-      }
-    });
-  });
-  const all = [...found.values()];
-  const isWide = nets.length > 1;
-  const table = (title: string, rows: Connection[]): Child =>
-    rows.length > 0
-      ? pagedTable(title, ["Cell", "Kind", "Pin", ...(isWide ? ["Bits"] : [])], rows, ({ cell, pin, bits }) => {
-          const kind = body.kindOf(cell);
-          const name = body.columns.cells[cell]!;
-          const address: Address = kind ? { view: "cell", path, name } : { view: "instance", path: [...path, name] };
-          const type = kind ? kind.name : app.design.module(app.design.module(body.number).subs[body.subOf(cell)]![1]).name;
-          return [h("a", { href: addressText(address) }, shown(name)), shown(lastOr(type)), shown(pin), ...(isWide ? [shown(bitsText([...new Set(bits)]))] : [])];
-        })
-      : h("p", { class: "dim" }, "None in this module.");
-  return section(
-    "Drivers and loads",
-    ports.size > 0 &&
-      h(
-        "p",
-        {},
-        [...ports.values()].map(({ name, direction }, at) => [
-          at > 0 && ", ",
-          `${direction === 1 ? "Input" : direction === 2 ? "Output" : "Inout"} port `,
-          h("code", {}, shown(name)),
-          " of the module",
-        ]),
-        path.length > 0 && ["; outside: ", outside(app, context, path, body, nets)],
-      ),
-    h("h3", {}, "Drivers"),
-    table(
-      "Drivers",
-      all.filter(({ role }) => role !== "loads"),
-    ),
-    h("h3", {}, "Loads"),
-    table(
-      "Loads",
-      all.filter(({ role }) => role !== "drives"),
-    ),
-  );
-}
-
-/** The nets of the level above that the ports of the module are on. */
-function outside(app: App, context: Context, path: string[], body: Body, nets: number[]): Child {
-  const above = app.design.body(context[context.length - 2]!.module);
-  const cell = app.design.subOf(context, context.length - 1)[2];
-  const wanted = new Set(nets);
-  const names = new Set<string>();
-  body.columns.ports.forEach(([, , inside], port) => {
-    const net = wanted.has(inside) ? above.netOn(cell, port) : -1;
-    if (net >= 0) {
-      const signal = above.signalOf(net);
-      names.add(signal >= 0 ? above.signalName(signal) : above.columns.nets[net]!);
-    }
-  });
-  const most = 8;
-  return names.size === 0
-    ? "not connected"
-    : [...names].slice(0, most).map((name, at) => [
-        at > 0 && ", ",
-        h("a", { href: addressText({ view: "net", path: path.slice(0, -1), name }) }, h("code", {}, shown(name))),
-        at + 1 === most && names.size > most && ` and ${names.size - most} more`,
-      ]);
 }
