@@ -6,7 +6,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 step() { printf '\n== %s (after %d s)\n' "$1" "$SECONDS"; }
 
 step "Packages"
-install_packages packages-test.txt
+install_packages packages-test.txt packages-browser.txt
+# Other releases of Node.js bring an npm of their own, which Debian's conflicts with.
+command -v npm >/dev/null || install_packages packages-npm.txt
 
 step "Clang, address and undefined-behaviour sanitizers: every test but packaging, and a fixed run of each fuzzer"
 build_preset asan

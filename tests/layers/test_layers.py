@@ -24,8 +24,10 @@ LAYERS = {
     "tools/netlistdb/output": {"tools/netlistdb/base"},
     "tools/netlistdb/design": {"tools/netlistdb/base", "tools/netlistdb/output", "library", "analysis",
                                "platform/names", "platform/verific", "frontend/yosys"},
-    "tools/netlistdb/commands": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library",
-                                 "analysis", "platform/verific"},
+    "tools/netlistdb/page": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library",
+                             "analysis", "platform/verific"},
+    "tools/netlistdb/commands": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
+                                 "tools/netlistdb/page", "library", "analysis", "platform/verific"},
     "tools/netlistdb/app": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
                             "tools/netlistdb/commands"},
 }

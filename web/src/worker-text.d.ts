@@ -1,0 +1,4 @@
+declare module "worker-text" {
+  const text: string;
+  export default text;
+}
