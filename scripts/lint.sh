@@ -16,6 +16,6 @@ tracked '*.h' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
 
 # clang-tidy asks how each file is compiled, and reads the header that is made from the schema of saved netlists.
 build_preset asan platform/verific/generated/saved_netlist.capnp.h
-tracked 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'tools/*.cpp' 'python/*.cpp' |
+tracked 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'tools/*.cpp' |
     xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/asan --quiet 2>&1 |
     { grep -vE '^[0-9]+ warnings? generated\.$' || true; }
