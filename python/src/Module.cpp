@@ -30,8 +30,8 @@ void translate(std::exception_ptr fault)
         raise("Error", failure.what());
     } catch (const tool::Interrupted &) {
         PyErr_SetNone(PyExc_KeyboardInterrupt);
-    } catch (const analysis::PlanError &fault) {
-        raise("Error", fault.what());
+    } catch (const analysis::PlanError &wrong) {
+        raise("Error", wrong.what());
     }
 }
 
