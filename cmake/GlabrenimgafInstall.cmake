@@ -1,6 +1,6 @@
-# What `cmake --install` puts where. Three components: runtime (the libraries), development (headers, CMake package,
-# pkg-config files, example) and program. Everything finds everything else by relative paths, so that an installation
-# can be moved as a whole.
+# What `cmake --install` puts where. Four components: runtime (the libraries), development (headers, CMake package,
+# pkg-config files, example), program and python. Everything finds everything else by relative paths, so that an
+# installation can be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(glabrenimgaf_headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/glabrenimgaf)
@@ -39,6 +39,18 @@ if(TARGET netlistdb)
     install(FILES frontend/yosys/YosysReader.h DESTINATION ${glabrenimgaf_headers_dir}/yosys COMPONENT development)
     install(EXPORT glabrenimgafYosysReaderTargets NAMESPACE glabrenimgaf:: DESTINATION ${glabrenimgaf_package_dir}
         COMPONENT development)
+endif()
+
+# The Python package, below a directory on the path of the interpreter.
+if(TARGET netlistdb_python)
+    set(GLABRENIMGAF_PYTHON_DIR lib/python3/dist-packages CACHE STRING
+        "Where the Python package goes, relative to the prefix")
+    set(package_dir ${CMAKE_INSTALL_PREFIX}/${GLABRENIMGAF_PYTHON_DIR}/netlistdb)
+    file(RELATIVE_PATH libraries_from_package ${package_dir} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(netlistdb_python PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_package}")
+    install(TARGETS netlistdb_python LIBRARY DESTINATION ${GLABRENIMGAF_PYTHON_DIR}/netlistdb COMPONENT python)
+    install(DIRECTORY python/netlistdb DESTINATION ${GLABRENIMGAF_PYTHON_DIR} COMPONENT python
+        FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
 endif()
 
 # How others find it.

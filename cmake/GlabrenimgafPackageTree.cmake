@@ -3,13 +3,15 @@
 set(names_of_runtime libglabrenimgaf0)
 set(names_of_development libglabrenimgaf-dev)
 set(names_of_program netlistdb)
+set(names_of_python python3-netlistdb)
 
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     set(tree ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr)
     set(name ${names_of_${component}})
 
     # The libraries lie where the loader looks of its own.
-    file(GLOB binaries ${tree}/bin/* ${tree}/lib/*.so.* ${tree}/lib/*/*.so.*)
+    file(GLOB binaries ${tree}/bin/* ${tree}/lib/*.so.* ${tree}/lib/*/*.so.*
+        ${tree}/lib/python3/dist-packages/netlistdb/*.so)
     foreach(binary IN LISTS binaries)
         if(NOT IS_SYMLINK ${binary})
             file(RPATH_REMOVE FILE ${binary})

@@ -13,6 +13,9 @@ set(CPACK_COMPONENTS_ALL runtime development)
 if(TARGET netlistdb)
     list(APPEND CPACK_COMPONENTS_ALL program)
 endif()
+if(TARGET netlistdb_python)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -48,5 +51,18 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "python3, yosys")
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
     "Program that shows instances, nets, clock domains and probe points of a
 design, and searches it by name.")
+
+if(TARGET netlistdb_python)
+    # The module is built for one version of the interpreter.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-netlistdb)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+    set(this_python "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor})")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "libglabrenimgaf0 (${same_version}), ${this_python}")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "netlistdb, python3-pandas, yosys")
+    set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+        "Python module that shows instances, nets, clock domains, crossings and probe
+points of a design, and searches it by name.")
+endif()
 
 include(CPack)

@@ -30,6 +30,8 @@ LAYERS = {
                                  "tools/netlistdb/page", "library", "analysis", "platform/verific"},
     "tools/netlistdb/app": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
                             "tools/netlistdb/commands"},
+    "python/src": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library", "analysis",
+                   "platform/verific"},
 }
 # The netlist database is included by bare names, as a commercial one would be.
 VERIFIC_HEADERS = {path.name for path in (ROOT / "platform/verific").rglob("*.h")}
@@ -89,12 +91,13 @@ def wrong_includes(layers, files):
 
 class Layers(unittest.TestCase):
     def test_every_source_folder_is_a_layer(self):
-        roots = ("platform", "src", "tools/netlistdb", "frontend")
-        folders = {f"{root}/{entry.name}" for root in roots for entry in (ROOT / root).iterdir() if entry.is_dir()}
+        roots = ("platform", "src", "tools/netlistdb", "frontend", "python")
+        folders = {f"{root}/{entry.name}" for root in roots for entry in (ROOT / root).iterdir()
+                   if entry.is_dir() and sources(f"{root}/{entry.name}")}
         self.assertEqual(folders - set(LAYERS), set())
 
     def test_includes_point_downwards(self):
-        files = [path for root in ("src", "include", "analysis", "platform", "frontend", "tools") for path in sources(root)]
+        files = [path for root in ("src", "include", "analysis", "platform", "frontend", "tools", "python") for path in sources(root)]
         self.assertGreater(len(files), 200)
         self.assertEqual(wrong_includes(LAYERS, files), [])
 

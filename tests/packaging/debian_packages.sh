@@ -10,11 +10,12 @@ mkdir -p "$work"
 cd "$work"
 cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work" >cpack.log 2>&1 || { cat cpack.log >&2; exit 1; }
 
-for package in libglabrenimgaf0 libglabrenimgaf-dev netlistdb; do
+for package in libglabrenimgaf0 libglabrenimgaf-dev netlistdb python3-netlistdb; do
     file=$(echo "${package}_${version}"-*.deb)
     echo "$package"
     dpkg-deb -c "$file" | awk '$1 !~ /^d/ { print "    " substr($6, 2) }' |
-        sed -e "s,/usr/$libdir/,/usr/LIBDIR/," -e "s,$version,VERSION," -e 's,Targets-[a-z]*\.cmake,Targets-CONFIG.cmake,' |
+        sed -e "s,/usr/$libdir/,/usr/LIBDIR/," -e "s,$version,VERSION," -e 's,Targets-[a-z]*\.cmake,Targets-CONFIG.cmake,' \
+            -e 's,\.cpython-[^/]*\.so,.so,' |
         LC_ALL=C sort
     dpkg-deb -x "$file" root
 done >actual
@@ -30,6 +31,7 @@ depends() {
 }
 depends libglabrenimgaf0 libc6 libssl3 libcapnp
 depends libglabrenimgaf-dev "libglabrenimgaf0 (= $version-"
+depends python3-netlistdb "libglabrenimgaf0 (= $version-" "python3 (>= 3" libfmt libsimdjson
 depends netlistdb "libglabrenimgaf0 (= $version-" libfmt libsimdjson
 
 # Where a loader looks is the loader's matter, addresses are random, tables of functions cannot be overwritten, and copies
@@ -46,7 +48,13 @@ hardened root/usr/bin/netlistdb _chk@
 hardened "root/usr/$libdir/libglabrenimgaf.so.0"
 hardened "root/usr/$libdir/libglabrenimgaf-analysis.so.0"
 hardened "root/usr/$libdir/libverific.so.1"
+hardened root/usr/lib/python3/dist-packages/netlistdb/_native.*.so
 
 lintian --fail-on error ./*.deb >lintian.log 2>&1 || { cat lintian.log >&2; exit 1; }
 
 LD_LIBRARY_PATH=root/usr/$libdir root/usr/bin/netlistdb info "$source_dir/designs/soc_elaborated.json" >/dev/null
+PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=root/usr/lib/python3/dist-packages LD_LIBRARY_PATH=root/usr/$libdir \
+    /usr/bin/python3 -W ignore -c '
+import sys, netlistdb
+with netlistdb.load(sys.argv[1]) as design:
+    print(design.top.module.name, len(design.clocks))' "$source_dir/designs/soc_elaborated.json" >/dev/null

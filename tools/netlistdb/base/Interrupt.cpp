@@ -28,8 +28,11 @@ int checked(int result, const char *what)
 
 } // namespace
 
-Interrupt::Interrupt()
+Interrupt::Interrupt(Signals handled)
 {
+    if (handled == Signals::LeaveAlone) {
+        return;
+    }
     sigset_t signals;
     sigemptyset(&signals);
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
@@ -47,6 +50,9 @@ Interrupt::Interrupt()
 
 Interrupt::~Interrupt()
 {
+    if (!m_watcher.joinable()) {
+        return;
+    }
     const std::uint64_t one = 1;
     while (write(m_stop, &one, sizeof one) < 0 && errno == EINTR) {
     }
@@ -62,6 +68,18 @@ void Interrupt::check() const
 {
     if (requested()) {
         throw Interrupted();
+    }
+}
+
+void Interrupt::request()
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (requested()) {
+        return;
+    }
+    m_signal = SIGINT;
+    if (m_action) {
+        m_action();
     }
 }
 

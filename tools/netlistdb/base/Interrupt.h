@@ -15,10 +15,12 @@ namespace kvr::netlistdb::tool {
 /// A signal ends the process at once, whatever the main thread is in the middle of: nothing is freed, but temporary
 /// files go. Only while an Action lives it is the main thread that ends the work, and a second signal ends the process.
 ///
-/// Make it before any other thread: those inherit the blocked signals.
+/// Make it before any other thread: those inherit the blocked signals. A process whose signals are somebody else's
+/// business makes one that leaves them alone, and asks by request().
 class Interrupt {
   public:
-    Interrupt();
+    enum class Signals { Handle, LeaveAlone };
+    explicit Interrupt(Signals signals = Signals::Handle);
     ~Interrupt();
     Interrupt(const Interrupt &) = delete;
     Interrupt &operator=(const Interrupt &) = delete;
@@ -28,6 +30,9 @@ class Interrupt {
     int signal() const { return m_signal.load(); }
     /// @throws Interrupted when a signal has asked to stop.
     void check() const;
+    /// Asks as Ctrl-C does while an Action lives; runs the action on the calling thread. Without an Action the work
+    /// goes on to where it looks at requested(). Any thread.
+    void request();
     /// What goes when a signal ends the process.
     TemporaryPaths &temporaries() { return m_temporaries; }
 

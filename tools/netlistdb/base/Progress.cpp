@@ -22,6 +22,10 @@ Progress::~Progress()
 
 void Progress::begin(const std::string &what)
 {
+    if (m_sink) {
+        m_what = what;
+        m_sink(m_what, 0, 0);
+    }
     if (m_enabled) {
         m_what = printable(what);
         show(m_what);
@@ -30,6 +34,9 @@ void Progress::begin(const std::string &what)
 
 void Progress::update(std::uint64_t done, std::uint64_t total)
 {
+    if (m_sink) {
+        m_sink(m_what, done, total);
+    }
     if (m_enabled && total != 0 && std::chrono::steady_clock::now() - m_last >= PAUSE) {
         const double share = static_cast<double>(done) / static_cast<double>(total);
         show(fmt::format("{} {:3.0f} %", m_what, 100 * share));

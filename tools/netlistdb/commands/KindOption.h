@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <netlistdb/IVDBItem.h>
 #include <string>
 
 namespace CLI {
@@ -15,6 +16,8 @@ class Kinds {
     /// @p type is a type code of IVDBItem.
     bool has(std::uint32_t type) const { return all() || (m_types & type) != 0; }
     bool all() const { return m_types == 0; }
+    /// All of them as a mask of type codes.
+    std::uint32_t mask() const { return all() ? ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS : m_types; }
     void add(std::uint32_t type) { m_types |= type; }
 
   private:

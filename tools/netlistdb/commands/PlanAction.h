@@ -17,15 +17,8 @@ struct PlanRequest {
     std::string form;                 ///< of export
 };
 
-/// Reads the plan in @p file.
-/// @throws Failure that names file and line.
-analysis::ProbePlan readPlan(const std::string &file);
-
 /// A name of a probe with its width, for people.
 std::string shownProbe(const analysis::PlanProbe &probe);
-
-/// `clk_a rise, clk_b fall`; empty without clocks.
-std::string shownClocks(const std::vector<analysis::PlanClock> &clocks);
 
 // Each runs one action and returns the exit code.
 int addToPlan(const PlanRequest &request, Session &session);

@@ -1,7 +1,6 @@
-#include "base/Failure.h"
 #include "commands/PlanAction.h"
-#include "design/ClockWords.h"
-#include "design/InputFile.h"
+#include "design/PlanFile.h"
+#include "design/PlanSteps.h"
 #include "design/ProbePlanner.h"
 
 #include <algorithm>
@@ -10,28 +9,9 @@
 
 namespace kvr::netlistdb::tool {
 
-analysis::ProbePlan readPlan(const std::string &file)
-{
-    try {
-        return analysis::ProbePlan::parse(readText(file));
-    } catch (const analysis::PlanError &fault) {
-        throw refused(fmt::format("{}:{}", inputName(file), fault.line()), fault.what());
-    }
-}
-
 std::string shownProbe(const analysis::PlanProbe &probe)
 {
     return probe.bits.size() == 1 ? probe.name : fmt::format("{} ({} bits)", probe.name, probe.bits.size());
-}
-
-std::string shownClocks(const std::vector<analysis::PlanClock> &clocks)
-{
-    std::string text;
-    for (const analysis::PlanClock &clock : clocks) {
-        const char *const edges = edgesText(clock.edges);
-        text += fmt::format("{}{}{}{}", text.empty() ? "" : ", ", clock.name, *edges != '\0' ? " " : "", edges);
-    }
-    return text;
 }
 
 namespace {
@@ -52,20 +32,6 @@ std::string gradesOf(const analysis::PlanProbe &probe)
     return text;
 }
 
-/// Refuses a probe of which the device shows nothing.
-void checkVisible(const analysis::PlanProbe &probe)
-{
-    const auto isHidden = [](const analysis::PlanBit &bit) { return bit.grade && bit.device.empty(); };
-    if (std::all_of(probe.bits.begin(), probe.bits.end(), isHidden)) {
-        const analysis::PlanBit &first = probe.bits.front();
-        throw Failure(EXIT_NOTHING_FOUND,
-                      fmt::format("'{}' cannot be probed: {}{}{} (netlistdb map ELABORATED POSTMAP '{}' tells more)",
-                                  probe.name, analysis::nameOf(*first.grade),
-                                  first.reason != analysis::GoneReason::None ? ", " : "",
-                                  analysis::nameOf(first.reason), probe.name));
-    }
-}
-
 } // namespace
 
 int addToPlan(const PlanRequest &request, Session &session)
@@ -80,20 +46,8 @@ int addToPlan(const PlanRequest &request, Session &session)
     std::for_each(request.paths.begin(), request.paths.end(), [&](const std::string &path) { planner.check(path); });
     planner.match(session.reading());
     const std::size_t before = plan.probes.size();
-    std::vector<std::string> known;
-    for (const std::string &path : request.paths) {
-        const auto isSame = [&](const analysis::PlanProbe &probe) { return probe.name == path; };
-        if (std::any_of(plan.probes.begin(), plan.probes.end(), isSame)) {
-            known.push_back(path);
-            continue;
-        }
-        analysis::PlanProbe probe = planner.probeOf(path);
-        checkVisible(probe);
-        plan.probes.push_back(std::move(probe));
-    }
-    // Comments at the end of the file stay in front of what is added.
+    const std::vector<std::string> known = addProbes(plan, planner, request.paths);
     if (plan.probes.size() > before) {
-        std::swap(plan.probes[before].notes.above, plan.tail);
         output.write(plan.text());
         output.close();
     }

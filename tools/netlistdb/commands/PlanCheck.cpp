@@ -1,4 +1,6 @@
 #include "commands/PlanAction.h"
+#include "design/PlanFile.h"
+#include "design/PlanSteps.h"
 #include "design/ProbePlanner.h"
 #include "output/Json.h"
 
@@ -133,24 +135,6 @@ int finish(Session &session, ResultWriter &writer, const CheckRows &rows, bool f
     return exitCode;
 }
 
-/// Takes over the bits that the name of a probe stands for where these have become more, with the comments of those
-/// that were there before.
-void widen(PlanProbe &probe, ProbePlanner &planner)
-{
-    if (planner.widthOf(probe.name) <= probe.bits.size()) {
-        return;
-    }
-    PlanProbe wide = planner.probeOf(probe.name);
-    for (PlanBit &bit : wide.bits) {
-        for (PlanBit &before : probe.bits) {
-            if (bit.name == before.name) {
-                bit.notes = std::move(before.notes);
-            }
-        }
-    }
-    probe.bits = std::move(wide.bits);
-}
-
 } // namespace
 
 int checkPlan(const PlanRequest &request, Session &session)
@@ -178,11 +162,7 @@ int updatePlan(const PlanRequest &request, Session &session)
     for (std::size_t at = 0; at < plan.probes.size();) {
         const RebuiltProbe now = planner.rebuilt(plan.probes[at]);
         rows.add(plan.probes[at], now, planner.widthOf(plan.probes[at].name));
-        const std::size_t count = updateProbe(plan, at, now);
-        if (count == 1) {
-            widen(plan.probes[at], planner);
-        }
-        at += count;
+        at += bringUpToDate(plan, at, now, planner);
     }
     if (plan.text() != former) {
         output.write(plan.text());

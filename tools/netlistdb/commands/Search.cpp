@@ -7,7 +7,7 @@
 #include "design/Design.h"
 #include "design/ItemFacts.h"
 #include "design/NamePattern.h"
-#include "design/OtherNameHits.h"
+#include "design/NameSearch.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
 
@@ -66,7 +66,6 @@ class SearchCommand : public DesignCommand {
                                   m_own.front(), m_ignoreCase);
         const auto design = loadDesign(m_design, Clocks::No, session.reading());
         m_param.startItem = &PathResolver(*design).startOf(m_from);
-        m_param.itemTypes = ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS;
         m_param.sortItems = m_sort != Sort::None;
         m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;
         m_param.widthOrder = m_sort == Sort::Width ? SORT_ASCENDING : SORT_NONE;
@@ -90,8 +89,8 @@ class SearchCommand : public DesignCommand {
                         {"sources", nullptr},
                         {"attributes", nullptr}};
         writer->begin(head);
-        SearchResults results(design->database().search(m_param));
-        const Ending ending = walk(*design, results, pattern, *writer, session);
+        NameSearch search(*design, {pattern, m_kinds.mask(), m_param});
+        const Ending ending = walk(*design, search, *writer, session);
         session.stats.end();
         const int exitCode = session.finish(*writer, m_found > 0, ending);
         if (exitCode == EXIT_NOTHING_FOUND) {
@@ -117,74 +116,37 @@ class SearchCommand : public DesignCommand {
         return m_glob ? "; --glob matches whole names, and '**' any number of levels" : "";
     }
 
-    Ending walk(Design &design, SearchResults &results, const NamePattern &pattern, ResultWriter &writer,
-                Session &session)
+    Ending walk(Design &design, NameSearch &search, ResultWriter &writer, Session &session)
     {
-        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        OtherNameHits others(design, pattern, m_param.userNetsOnly);
-        for (;;) {
-            IVDBItem *item = !session.interrupt.requested() && results.next() ? results.getCurrent() : nullptr;
-            // Hits by other names come between the buses and the nets of their instance.
-            if (item == nullptr || item->getItemType() != ITEM_NET_BUS) {
-                for (const OtherNameHit &hit : others.take()) {
-                    if (!m_kinds.has(kindOf(hit))) {
-                        continue;
-                    }
-                    write(design, writer, hit);
-                    if (m_found == m_limit) {
-                        return Ending::Limit;
-                    }
-                }
-            }
-            if (item == nullptr) {
+        const Interrupt::Action cancel(session.interrupt, [&search] { search.cancel(); });
+        while (!session.interrupt.requested()) {
+            const NameSearch::Step step = search.step();
+            if (step == NameSearch::Step::End) {
                 break;
             }
-            meet(design, *item, others, pattern, writer);
-            if (m_found == m_limit) {
-                return Ending::Limit;
+            if (step == NameSearch::Step::Hit) {
+                search.isInstance() ? writeInstance(design, search, writer) : write(design, search, writer);
+                if (m_found == m_limit) {
+                    return Ending::Limit;
+                }
             }
             writer.tick();
         }
         return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
     }
 
-    /// Instances come along as the context of their nets, whether they match or not.
-    void meet(Design &design, IVDBItem &item, OtherNameHits &others, const NamePattern &pattern, ResultWriter &writer)
-    {
-        if (item.getItemType() == ITEM_INSTANCE) {
-            m_instance = static_cast<IVDBInstance *>(&item);
-            m_path = m_instance->getPath();
-            if (!m_path.empty() && m_kinds.has(ITEM_INSTANCE) && pattern.matches(m_path)) {
-                writeInstance(design, writer);
-            }
-            m_prefix = m_path + (m_path.empty() ? "" : "/");
-            others.enter(*m_instance, m_prefix);
-            return;
-        }
-        if (!m_kinds.has(item.getItemType())) {
-            return;
-        }
-        auto &net = static_cast<IVDBNetBase &>(item);
-        m_name.assign(m_prefix).append(net.getName());
-        if (pattern.matches(m_name) && !others.covers(net)) {
-            OtherNameHit hit;
-            hit.item = &net;
-            write(design, writer, hit);
-        }
-    }
-
-    void writeInstance(Design &design, ResultWriter &writer)
+    void writeInstance(Design &design, const NameSearch &search, ResultWriter &writer)
     {
         ++m_found;
         ItemFacts facts;
         if (!writer.isTable()) {
-            facts = design.factsOf(*m_instance);
+            facts = design.factsOf(search.instance());
         }
-        IVDBNetlist &module = *m_instance->getModule();
+        IVDBNetlist &module = *search.instance().getModule();
         writer.row({std::string_view("instance"),
                     {},
-                    std::string_view(m_path),
-                    std::string_view(m_path),
+                    std::string_view(search.path()),
+                    std::string_view(search.path()),
                     std::string_view(module.getName()),
                     std::string_view(design.nameOf(module)),
                     module.isUserDeclared(),
@@ -196,26 +158,20 @@ class SearchCommand : public DesignCommand {
                     &facts.attributes});
     }
 
-    static std::uint32_t kindOf(const OtherNameHit &hit)
-    {
-        if (hit.item != nullptr) {
-            return hit.item->getItemType();
-        }
-        return hit.signal->isVector ? ITEM_NET_BUS : ITEM_NET;
-    }
-
-    void write(Design &design, ResultWriter &writer, const OtherNameHit &hit)
+    void write(Design &design, const NameSearch &search, ResultWriter &writer)
     {
         ++m_found;
-        const std::string path = m_prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
-        const std::string matched = hit.matched.empty() ? "" : m_prefix + hit.matched;
+        const OtherNameHit &hit = search.hit();
+        const std::string &prefix = search.prefix();
+        const std::string path = prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
+        const std::string matched = hit.matched.empty() ? "" : prefix + hit.matched;
         const std::string shown = matched.empty() ? path : path + " (= " + matched + ")";
         ItemFacts facts;
         if (!writer.isTable()) {
-            facts = hit.item != nullptr ? factsOf(design.names(*m_instance->getModule()), *hit.item)
-                                        : factsOf(design.names(*m_instance->getModule()), *hit.signal);
+            ModuleNames &names = design.names(*search.instance().getModule());
+            facts = hit.item != nullptr ? factsOf(names, *hit.item) : factsOf(names, *hit.signal);
             for (std::string &alias : facts.aliases) {
-                alias.insert(0, m_prefix);
+                alias.insert(0, prefix);
             }
         }
         const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.signal->declared;
@@ -243,12 +199,7 @@ class SearchCommand : public DesignCommand {
     Kinds m_kinds;
     std::uint64_t m_limit = UINT64_MAX;
     VDBSearchParam m_param;
-
     std::uint64_t m_found = 0;
-    IVDBInstance *m_instance = nullptr; ///< whose nets follow
-    std::string m_path;                 ///< of that instance
-    std::string m_prefix;               ///< in front of the names of its nets
-    std::string m_name;                 ///< full name of the net at hand, in one buffer for all
 };
 
 } // namespace

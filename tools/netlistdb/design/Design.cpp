@@ -102,10 +102,14 @@ std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_pt
 
 } // namespace
 
-std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading)
+std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading,
+                                   std::shared_ptr<DesignDatabase> database)
 {
     const SourceNetlist source = readNetlist(files, reading);
-    auto design = import(source, std::make_shared<DesignDatabase>(clocks == Clocks::Yes), clocks, reading);
+    if (database == nullptr) {
+        database = std::make_shared<DesignDatabase>(clocks == Clocks::Yes);
+    }
+    auto design = import(source, database, clocks, reading);
     const std::string warning = design->devices().warning();
     if (clocks == Clocks::Yes && !warning.empty()) {
         reading.notes.push_back(warning);
@@ -114,9 +118,11 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
 }
 
 DesignPair loadDesignPair(const std::vector<std::string> &elaborated, const std::string &postMap,
-                          const Reading &reading)
+                          const Reading &reading, std::shared_ptr<DesignDatabase> database)
 {
-    const auto database = std::make_shared<DesignDatabase>(true);
+    if (database == nullptr) {
+        database = std::make_shared<DesignDatabase>(true);
+    }
     DesignPair pair;
     for (const Form form : {Form::Elaborated, Form::PostMap}) {
         Reading own = reading;

@@ -42,6 +42,8 @@ class Design {
     Form form() const { return m_form; }
     const DeviceCensus &devices() const { return m_devices; }
     DesignDatabase &database() { return *m_database; }
+    /// The netlist that it was imported from; null when nothing was.
+    const Verific::Netlist *source() { return m_sources.of(top()); }
     IVDBNetlist &top();
     IVDBInstance &root();
     /// Whether clocks() may be asked.
@@ -77,9 +79,11 @@ class Design {
 /// @throws Failure, Interrupted
 SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &reading);
 
-/// Reads @p files and imports them. Notes cells of unknown type when a command asks about clocks.
+/// Reads @p files and imports them. Notes cells of unknown type when a command asks about clocks. They go into
+/// @p database, which is made when it is null.
 /// @throws Failure, Interrupted
-std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading);
+std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks clocks, const Reading &reading,
+                                   std::shared_ptr<DesignDatabase> database = nullptr);
 
 /// Both forms of one design, in one database that keeps its source netlists.
 struct DesignPair {
@@ -87,10 +91,11 @@ struct DesignPair {
     std::unique_ptr<Design> postMap;
 };
 
-/// Reads and imports both forms, whichever form they look like; the elaborated one may be several sources.
+/// Reads and imports both forms, whichever form they look like; the elaborated one may be several sources. They go into
+/// @p database, which keeps its source netlists and is made when it is null.
 /// @throws Failure, Interrupted
 DesignPair loadDesignPair(const std::vector<std::string> &elaborated, const std::string &postMap,
-                          const Reading &reading);
+                          const Reading &reading, std::shared_ptr<DesignDatabase> database = nullptr);
 
 /// True for names that are taken as Verilog sources: of these a design may have several.
 bool isVerilogName(const std::string &file);

@@ -38,15 +38,26 @@ ProbePlanner::ProbePlanner(const std::vector<std::string> &designs, const Readin
 {
 }
 
+ProbePlanner::ProbePlanner(Design &elaborated, const analysis::CrossProbe *probe)
+    : m_elaborated(elaborated), m_resolver(m_elaborated), m_probe(probe)
+{
+}
+
+void ProbePlanner::match()
+{
+    m_fingerprints =
+        std::make_unique<const NetFingerprints>(m_elaborated.database(), IDesignDatabase::SOURCE_ELABORATED);
+    if (m_designs.postMap != nullptr) {
+        m_ownProbe = std::make_unique<const analysis::CrossProbe>(m_elaborated.database());
+        m_probe = m_ownProbe.get();
+    }
+}
+
 void ProbePlanner::match(const Reading &reading)
 {
     reading.progress.begin("matching");
     reading.stats.begin("match");
-    m_fingerprints =
-        std::make_unique<const NetFingerprints>(m_elaborated.database(), IDesignDatabase::SOURCE_ELABORATED);
-    if (m_designs.postMap != nullptr) {
-        m_probe = std::make_unique<const analysis::CrossProbe>(m_elaborated.database());
-    }
+    match();
     reading.progress.clear();
     reading.stats.end();
 }

@@ -16,6 +16,8 @@ class ProbePlanner {
     /// Reads the elaborated netlist @p designs[0], and the post-map netlist behind it when there is one.
     /// @throws Failure, Interrupted
     ProbePlanner(const std::vector<std::string> &designs, const Reading &reading);
+    /// For a design that is loaded; @p probe, when it is not null, tells of the device. Both must outlive the planner.
+    ProbePlanner(Design &elaborated, const analysis::CrossProbe *probe);
     ~ProbePlanner();
     ProbePlanner(const ProbePlanner &) = delete;
     ProbePlanner &operator=(const ProbePlanner &) = delete;
@@ -29,6 +31,8 @@ class ProbePlanner {
 
     /// Gets to know what is on the device, and how nets are made. Takes most of the time; what follows needs it.
     void match(const Reading &reading);
+    /// The same for a design that was loaded before.
+    void match();
     /// The net or bus that @p path names, as a plan holds it.
     /// @throws Failure when there is none.
     analysis::PlanProbe probeOf(const std::string &path);
@@ -46,7 +50,8 @@ class ProbePlanner {
     DesignPair m_designs;
     Design &m_elaborated;
     PathResolver m_resolver;
-    std::unique_ptr<const analysis::CrossProbe> m_probe; ///< null without a post-map netlist
+    std::unique_ptr<const analysis::CrossProbe> m_ownProbe;
+    const analysis::CrossProbe *m_probe = nullptr; ///< null without a post-map netlist
     std::unique_ptr<const analysis::NetFingerprints> m_fingerprints;
 };
 

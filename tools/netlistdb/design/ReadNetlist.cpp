@@ -27,22 +27,13 @@ bool endsWith(const std::string &text, std::string_view end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// Hands every module in the library set to @p visit, with the name of its cell and the one that the user wrote.
-template <class Visit> void visitModules(Visit visit)
+/// Hands @p netlist to @p visit when it is that of a module, with the name of its cell and the one that the user wrote.
+template <class Visit> void visitModule(Verific::Netlist *netlist, Visit visit)
 {
-    Verific::MapIter li;
-    Verific::Library *library = nullptr;
-    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
-        Verific::MapIter ci;
-        const Verific::Cell *cell = nullptr;
-        FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
-            Verific::Netlist *netlist = cell->GetFirstNetlist();
-            if (netlist == nullptr || cell->Name() == nullptr) {
-                continue;
-            }
-            const char *userName = netlist->GetAttValue(yosys::USER_MODULE);
-            visit(*netlist, std::string(cell->Name()), std::string(userName != nullptr ? userName : cell->Name()));
-        }
+    const char *name = netlist != nullptr ? netlist->CellBaseName() : nullptr;
+    if (name != nullptr) {
+        const char *userName = netlist->GetAttValue(yosys::USER_MODULE);
+        visit(*netlist, std::string(name), std::string(userName != nullptr ? userName : name));
     }
 }
 
@@ -52,10 +43,19 @@ std::string nearestModules(const std::string &name)
 {
     NearestNames nearest(name);
     bool isKnown = false;
-    visitModules([&](const Verific::Netlist &, const std::string &, const std::string &userName) {
-        nearest.offer(userName);
-        isKnown = isKnown || yosys::isMadeFrom(userName, name);
-    });
+    Verific::MapIter li;
+    Verific::Library *library = nullptr;
+    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
+        Verific::MapIter ci;
+        const Verific::Cell *cell = nullptr;
+        FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
+            visitModule(cell->GetFirstNetlist(),
+                        [&](const Verific::Netlist &, const std::string &, const std::string &userName) {
+                            nearest.offer(userName);
+                            isKnown = isKnown || yosys::isMadeFrom(userName, name);
+                        });
+        }
+    }
     return isKnown ? "" : didYouMean(nearest.best());
 }
 
@@ -89,10 +89,12 @@ Verific::Netlist *readJson(const Input &input, const Reading &reading)
     options.cellTables = reading.cellTables;
     options.progress = [&reading](std::uint64_t done, std::uint64_t total) {
         reading.progress.update(done, total);
-        return true;
+        return !reading.interrupt.requested();
     };
     try {
         return readJson(input, options);
+    } catch (const yosys::ReadCancelled &) {
+        throw Interrupted();
     } catch (const yosys::ReadError &error) {
         throw Failure(EXIT_REFUSED, error.what() + (reading.top.empty() ? "" : hintForTop(input, options)));
     }
@@ -109,19 +111,25 @@ Verific::Netlist *readVerilog(const std::vector<std::string> &files, const Readi
     return readJson(input, reading);
 }
 
-/// The netlist of module @p name in the library set: a cell of that name, or the only one that was made from the module
-/// that the user calls so.
-Verific::Netlist *findModule(const std::string &file, const std::string &name)
+/// The netlist of module @p name below @p top: a cell of that name, or the only one that was made from the module that
+/// the user calls so. The library set may hold modules of other designs.
+Verific::Netlist *findModule(const std::string &file, const Verific::Netlist &top, const std::string &name)
 {
     Verific::Netlist *exact = nullptr;
     std::vector<std::pair<std::string, Verific::Netlist *>> variants;
-    visitModules([&](Verific::Netlist &netlist, const std::string &cellName, const std::string &userName) {
-        if (cellName == name) {
-            exact = exact == nullptr ? &netlist : exact;
-        } else if (userName != cellName && (userName == name || yosys::isMadeFrom(userName, name))) {
-            variants.emplace_back(userName, &netlist);
-        }
-    });
+    Verific::Set hierarchy(Verific::POINTER_HASH);
+    top.Hierarchy(hierarchy, 1);
+    Verific::SetIter si;
+    Verific::Netlist *each = nullptr;
+    FOREACH_SET_ITEM (&hierarchy, si, &each) {
+        visitModule(each, [&](Verific::Netlist &netlist, const std::string &cellName, const std::string &userName) {
+            if (cellName == name) {
+                exact = exact == nullptr ? &netlist : exact;
+            } else if (userName != cellName && (userName == name || yosys::isMadeFrom(userName, name))) {
+                variants.emplace_back(userName, &netlist);
+            }
+        });
+    }
     if (exact != nullptr) {
         return exact;
     }
@@ -171,7 +179,7 @@ Verific::Netlist *readSaved(const Input &input, const std::string &top)
         throw refused(input.name, "neither a Yosys JSON netlist nor an undamaged saved netlist");
     }
     const char *name = netlist->CellBaseName();
-    return top.empty() || (name != nullptr && top == name) ? netlist : findModule(input.name, top);
+    return top.empty() || (name != nullptr && top == name) ? netlist : findModule(input.name, *netlist, top);
 }
 
 /// Tables of cells derived from the Verilog models among those that @p reading names; they take the models' place there

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <map>
@@ -130,15 +131,23 @@ void refuseUnknownTop(const std::vector<std::string> &sources, const std::string
     }
 }
 
-/// The script that makes tables of cells from models: beside the program in a build, under share/ when installed.
+/// The script that makes tables of cells from models: beside the program or module in a build, under share/ when
+/// installed.
 std::string derivingScript()
 {
     std::error_code ignored;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-    for (const char *place : {"families/derive.py", "../share/netlistdb/families/derive.py"}) {
-        const std::filesystem::path script = program / place;
-        if (std::filesystem::exists(script, ignored)) {
-            return script.string();
+    std::vector<std::filesystem::path> binaries = {std::filesystem::read_symlink("/proc/self/exe", ignored)};
+    // This may be part of a module of an interpreter.
+    static const char here = '\0';
+    if (Dl_info info{}; dladdr(&here, &info) != 0 && info.dli_fname != nullptr && *info.dli_fname == '/') {
+        binaries.emplace_back(info.dli_fname);
+    }
+    for (const std::filesystem::path &binary : binaries) {
+        for (const char *place : {"families/derive.py", "../share/netlistdb/families/derive.py"}) {
+            const std::filesystem::path script = binary.parent_path() / place;
+            if (std::filesystem::exists(script, ignored)) {
+                return script.string();
+            }
         }
     }
     return {};
