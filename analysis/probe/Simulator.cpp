@@ -1,5 +1,6 @@
 #include "analysis/probe/Simulator.h"
 
+#include "analysis/probe/Addresses.h"
 #include "analysis/probe/Logic.h"
 
 #include <algorithm>
@@ -152,22 +153,21 @@ Lanes Simulator::stageOf(const Node &node, const Part &part, Span<Signal> addres
 void Simulator::readMemory(const Node &node, Span<Signal> address, Span<Signal> out)
 {
     const Memory &memory = m_graph.memories[node.state];
-    std::array<std::uint64_t, 64> places;
-    const std::uint64_t known = numbersOf(m_values, address, places);
-    for (const Signal output : out) {
-        m_values[output] = UNKNOWN;
+    const std::size_t width = std::min<std::size_t>(out.size(), memory.width);
+    const Lanes *const contents = m_contents.data() + m_firstContent[node.state];
+    for (std::size_t bit = width; bit < out.size(); ++bit) {
+        m_values[out[bit]] = UNKNOWN;
     }
-    for (std::size_t lane = 0; lane < 64; ++lane) {
-        const std::uint64_t mask = std::uint64_t{1} << lane;
-        if ((known & mask) == 0 || places[lane] >= memory.words()) {
-            continue;
+    m_read.assign(width, UNKNOWN);
+    forEachAddress(m_values, address, memory.words(), ALL_LANES, [&](std::size_t place, std::uint64_t lanes) {
+        const Lanes *const word = contents + place * memory.width;
+        for (std::size_t bit = 0; bit < width; ++bit) {
+            m_read[bit].zero &= word[bit].zero | ~lanes;
+            m_read[bit].one &= word[bit].one | ~lanes;
         }
-        const Lanes *const word = m_contents.data() + m_firstContent[node.state] + places[lane] * memory.width;
-        for (std::size_t bit = 0; bit < out.size() && bit < memory.width; ++bit) {
-            Lanes &value = m_values[out[bit]];
-            value.zero &= word[bit].zero | ~mask;
-            value.one &= word[bit].one | ~mask;
-        }
+    });
+    for (std::size_t bit = 0; bit < width; ++bit) {
+        m_values[out[bit]] = m_read[bit];
     }
 }
 

@@ -172,6 +172,7 @@ class Simulator {
     std::vector<Signal> m_registers;
     std::vector<Edge> m_edges;
     std::vector<std::pair<Signal, Lanes>> m_later;
+    std::vector<Lanes> m_read; ///< of a memory
     bool m_areStatesSettled = false;
     bool m_isRestSettled = false;
 };

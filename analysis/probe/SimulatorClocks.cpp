@@ -1,5 +1,6 @@
 // What clock edges do.
 
+#include "analysis/probe/Addresses.h"
 #include "analysis/probe/LaneVector.h"
 #include "analysis/probe/Logic.h"
 #include "analysis/probe/Simulator.h"
@@ -186,28 +187,21 @@ void Simulator::writeMemory(const Step &step, std::uint64_t edge)
     const Part &part = *step.part;
     const Span<Signal> in = step.in;
     const Memory &memory = m_graph.memories[node.state];
-    std::array<std::uint64_t, 64> places;
-    const std::uint64_t known = numbersOf(m_values, {in.begin() + 1, in.begin() + 1 + part.inputs}, places) & edge;
-    const Signal *const data = in.begin() + 1 + part.inputs;
+    const Span<Signal> address(in.begin() + 1, in.begin() + 1 + part.inputs);
+    const Signal *const data = address.end();
     const Signal *const enables = data + part.width;
     std::uint64_t written = 0;
     for (std::size_t bit = 0; bit < part.width; ++bit) {
         written |= m_values[enables[bit]].one & ~m_values[enables[bit]].zero;
     }
-    written &= known;
-    for (std::size_t lane = 0; lane < 64; ++lane) {
-        const std::uint64_t mask = std::uint64_t{1} << lane;
-        if ((written & mask) == 0 || places[lane] >= memory.words()) {
-            continue;
-        }
-        Lanes *const word = m_contents.data() + m_firstContent[node.state] + places[lane] * memory.width;
+    Lanes *const contents = m_contents.data() + m_firstContent[node.state];
+    forEachAddress(m_values, address, memory.words(), written & edge, [&](std::size_t place, std::uint64_t lanes) {
+        Lanes *const word = contents + place * memory.width;
         for (std::size_t bit = 0; bit < part.width && bit < memory.width; ++bit) {
             const Lanes enable = m_values[enables[bit]];
-            if ((enable.one & ~enable.zero & mask) != 0) {
-                word[bit] = inLanes(mask, m_values[data[bit]], word[bit]);
-            }
+            word[bit] = inLanes(lanes & enable.one & ~enable.zero, m_values[data[bit]], word[bit]);
         }
-    }
+    });
 }
 
 } // namespace kvr::netlistdb::analysis::probe
