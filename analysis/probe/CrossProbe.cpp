@@ -121,11 +121,12 @@ struct CrossProbe::State {
             std::uint32_t net;
         };
         std::vector<Choice> choices;
-        for (const std::uint32_t net : locator.netsOn(signal)) {
+        const auto nets = locator.netsOn(signal);
+        for (const std::uint32_t net : nets) {
             const NetPlace place = locator.placeOf(net);
             const IVDBNet *const item = locator.netItem(place);
             if (item != nullptr) {
-                const bool isWanted = hashOfPath(nameOfNet(graph, locator, net)) == wanted;
+                const bool isWanted = nets.size() > 1 && hashOfPath(nameOfNet(graph, locator, net)) == wanted;
                 choices.push_back({isWanted ? 0 : isMadeUp(item->getName()) ? 2 : 1, net});
             }
         }
