@@ -402,7 +402,8 @@ class Comparison:
                 rows.append((what, thousands(cells), page.seconds(wall), f"{wall / cells * 1e6:.0f}",
                              f"{max(one.peak for one in runs):.0f}"))
         self.say("Copies of the designs in `designs/map` side by side, from JSON. `map` says of every net of the RTL "
-                 "what it is in the device, and how sure that is; `plan add` does the same for one bus, and keeps it.\n")
+                 "what it is in the device, and how sure that is; `plan add` does the same for one bus, and keeps "
+                 "it.\n")
         self.say(page.table(("command", "post-map cells", "median, s", "a cell, µs", "peak, MiB"), sorted(rows)))
 
     def limits(self):
