@@ -2,7 +2,9 @@
 
 #include "analysis/CellModel.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -89,6 +91,12 @@ std::string upperCase(std::string_view text);
 
 /// Value of a parameter of @p instance, empty when it has none of that name.
 std::string_view parameterOf(const Verific::Instance &instance, const char *name);
+
+/// True when @p text is one of @p all.
+inline bool isOneOf(std::string_view text, std::initializer_list<std::string_view> all)
+{
+    return std::find(all.begin(), all.end(), text) != all.end();
+}
 
 /// True when @p text begins with @p start.
 inline bool startsWith(std::string_view text, std::string_view start)

@@ -9,11 +9,6 @@ namespace kvr::netlistdb::analysis {
 
 namespace {
 
-bool isOneOf(std::string_view text, std::initializer_list<std::string_view> all)
-{
-    return std::find(all.begin(), all.end(), text) != all.end();
-}
-
 std::uint8_t edgeOf(bool rises)
 {
     return rises ? EDGE_RISE : EDGE_FALL;

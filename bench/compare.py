@@ -27,6 +27,8 @@ CLOCKS = ("sys", "eth", "ddr", "adc")
 PARAMETERS = ("C_INVERTED", "INIT", "RESET_VALUE", "R_ASYNC", "R_INVERTED")
 SHAPES = ("flat", "hierarchical")
 DEPTH = 20_000
+CELLS_OF_MAPS = 1605  # post-map cells of one copy of all that many_maps.py copies
+ADDED = "u_processor_0/insn_i"  # a bus of its first copy
 
 INTRODUCTION = """# Benchmarks
 
@@ -379,6 +381,31 @@ class Comparison:
 
     # ---- limits
 
+    def cross_probing(self):
+        """The program alone: none of the others knows of nets of two forms that carry the same value."""
+        self.heading("Find nets of the RTL in the device")
+        many_maps = os.path.join(os.path.dirname(os.path.abspath(__file__)), "many_maps.py")
+        rows = []
+        for about in (self.medium, self.large):
+            copies = about // CELLS_OF_MAPS
+            forms = [f"maps_{copies}_{form}.json" for form in ("elaborated", "postmap")]
+            self.making.append(f"many_maps.py {copies} {' '.join(forms)}")
+            made = run([sys.executable, many_maps, str(copies), *forms])
+            cells = int(made.text.split()[0])
+            for what, command in (("map", ["map", *forms]), ("plan add", ["plan", "add", "maps.plan", *forms, ADDED])):
+                runs = []
+                for _ in range(self.rounds):
+                    if os.path.exists("maps.plan"):
+                        os.remove("maps.plan")
+                    runs.append(run(["netlistdb", *command, "--output", "maps.out"]))
+                wall = median(runs, "wall")
+                rows.append((what, thousands(cells), page.seconds(wall), f"{wall / cells * 1e6:.0f}",
+                             f"{max(one.peak for one in runs):.0f}"))
+        self.say("Copies of the designs in `designs/map` side by side, from JSON. `map` says of every net of the RTL "
+                 "what it is in the device, and how sure that is; `plan add` does the same for one bus, and keeps "
+                 "it.\n")
+        self.say(page.table(("command", "post-map cells", "median, s", "a cell, µs", "peak, MiB"), sorted(rows)))
+
     def limits(self):
         self.heading("Limits")
         self.growth()
@@ -487,7 +514,8 @@ class Comparison:
     def write(self, output):
         machine = page.machine()
         liberty.write(self.json_file("flat", 10_000), "kvr.lib")
-        for question in (self.load_and_count, self.unfold, self.find_names, self.clocks, self.inside, self.limits):
+        for question in (self.load_and_count, self.unfold, self.find_names, self.clocks, self.inside,
+                         self.cross_probing, self.limits):
             question()
         making = "```sh\n" + "\n".join(dict.fromkeys(self.making)) + "\n```\n"
         text = INTRODUCTION.format(rounds=self.rounds, machine=machine, designs=self.designs(), making=making,

@@ -42,16 +42,19 @@ std::vector<std::uint64_t> deepHashes(const BitGraph &graph)
         before[signal] = mixed(signal + 1);
     }
     std::vector<std::uint64_t> now = before;
-    OutputMaking making;
+    std::vector<std::uint64_t> shapes;
+    for (const Node &node : graph.nodes) {
+        for (std::size_t at = 0; at < graph.outputsOf(node).size(); ++at) {
+            shapes.push_back(shapeOf(graph, node, at, false));
+        }
+    }
     for (unsigned round = 0; round < ROUNDS; ++round) {
+        auto shape = shapes.begin();
         for (const Node &node : graph.nodes) {
             const Span<Signal> outputs = graph.outputsOf(node);
             for (std::size_t at = 0; at < outputs.size(); ++at) {
-                takeMaking(graph, node, at, false, making);
-                std::uint64_t hash = making.shape;
-                for (const Signal input : making.inputs) {
-                    hash = joined(hash, before[input]);
-                }
+                std::uint64_t hash = *shape++;
+                forEachInput(graph, node, at, [&](Signal input) { hash = joined(hash, before[input]); });
                 now[outputs[at]] = hash;
             }
         }

@@ -18,8 +18,19 @@ constexpr std::uint64_t CONSTANT = 0x636F6E;
 
 } // namespace
 
-NearHashes::NearHashes(const BitGraph &graph) : m_graph(graph), m_names(graph.signalCount)
+NearHashes::NearHashes(const BitGraph &graph)
+    : m_graph(graph), m_names(graph.signalCount), m_places(graph.signalCount), m_shapes(graph.signalCount)
 {
+    for (std::uint32_t number = 0; number < graph.nodes.size(); ++number) {
+        const Node &node = graph.nodes[number];
+        const Span<Signal> outputs = graph.outputsOf(node);
+        for (std::uint32_t at = 0; at < outputs.size(); ++at) {
+            if (graph.drivers[outputs[at]] == number) {
+                m_places[outputs[at]] = at;
+                m_shapes[outputs[at]] = shapeOf(graph, node, at, true);
+            }
+        }
+    }
     // Names far down come and go with the modules that a signal is led into.
     std::vector<std::uint32_t> depths(graph.occurrences.size());
     for (std::uint32_t at = 0; at < depths.size(); ++at) {
@@ -47,17 +58,16 @@ std::uint64_t NearHashes::leafOf(Signal signal) const
     return signal < FIRST_SIGNAL ? mixed(CONSTANT + signal) : m_names[signal];
 }
 
-/// The hash over the inputs in m_making; 0 when one of them has none.
-std::uint64_t NearHashes::joinedInputs(const OutputMaking &making, const Memo &memo) const
+/// The hash over what @p signal is made from; 0 when one of these has none.
+std::uint64_t NearHashes::joinedInputs(Signal signal, const Memo &memo) const
 {
-    std::uint64_t hash = making.shape;
-    for (const Signal input : making.inputs) {
-        if (memo.states[input] != Memo::Done || memo.hashes[input] == 0) {
-            return 0;
-        }
+    std::uint64_t hash = m_shapes[signal];
+    bool isWhole = true;
+    forEachInputOf(signal, [&](Signal input) {
+        isWhole = isWhole && memo.states[input] == Memo::Done && memo.hashes[input] != 0;
         hash = joined(hash, memo.hashes[input]);
-    }
-    return hash;
+    });
+    return isWhole ? hash : 0;
 }
 
 /// The hash of @p start. The outputs of the node @p root count by their distance from the bit that is worked out. 0
@@ -84,22 +94,19 @@ std::uint64_t NearHashes::hashOfCone(Signal start, std::uint32_t root, Memo &mem
         const std::uint32_t driver = m_graph.drivers[signal];
         if (isLeaf(signal)) {
             const bool isOwn = signal >= FIRST_SIGNAL && root != NONE && driver == root;
-            finish(signal,
-                   isOwn ? mixed(OWN + outputOf(m_graph, m_graph.nodes[root], signal) - m_rootOutput) : leafOf(signal));
+            finish(signal, isOwn ? mixed(OWN + m_places[signal] - m_rootOutput) : leafOf(signal));
             continue;
         }
-        const Node &node = m_graph.nodes[driver];
-        takeMaking(m_graph, node, outputOf(m_graph, node, signal), true, m_making);
         if (memo.states[signal] == Memo::Open) {
-            finish(signal, joinedInputs(m_making, memo));
+            finish(signal, joinedInputs(signal, memo));
             continue;
         }
         memo.states[signal] = Memo::Open;
-        for (const Signal input : m_making.inputs) {
+        forEachInputOf(signal, [&](Signal input) {
             if (memo.states[input] == Memo::New) {
                 m_waiting.push_back(input);
             }
-        }
+        });
     }
     return memo.hashes[start];
 }
@@ -107,15 +114,14 @@ std::uint64_t NearHashes::hashOfCone(Signal start, std::uint32_t root, Memo &mem
 std::uint64_t NearHashes::registerHash(Signal signal, Memo &memo)
 {
     const std::uint32_t root = m_graph.drivers[signal];
-    const Node &node = m_graph.nodes[root];
-    m_rootOutput = outputOf(m_graph, node, signal);
-    OutputMaking making;
-    takeMaking(m_graph, node, m_rootOutput, true, making);
-    std::uint64_t hash = 1;
-    for (const Signal input : making.inputs) {
-        hash = hash != 0 && memo.states[input] != Memo::Done ? hashOfCone(input, root, memo) : hash;
-    }
-    hash = hash != 0 ? joinedInputs(making, memo) : 0;
+    m_rootOutput = m_places[signal];
+    bool isWhole = true;
+    forEachInputOf(signal, [&](Signal input) {
+        if (isWhole && memo.states[input] != Memo::Done) {
+            isWhole = hashOfCone(input, root, memo) != 0;
+        }
+    });
+    const std::uint64_t hash = isWhole ? joinedInputs(signal, memo) : 0;
     for (const Signal each : memo.touched) {
         memo.states[each] = Memo::New;
     }

@@ -92,6 +92,13 @@ void Bench::findImports(const BitGraph &left, const BitGraph &right, const NameP
             m_imports.push_back(pair);
         }
     }
+    if (!m_imports.empty()) {
+        std::vector<Signal> read;
+        for (const WirePair &pair : m_imports) {
+            read.push_back(pair.elaborated);
+        }
+        elaborated.alsoSettle(read);
+    }
 }
 
 /// Inputs that are clocks as they are; where no such one reaches a clock pin, all that reach it.
@@ -151,35 +158,45 @@ void Bench::findResets()
     }
     constexpr std::size_t AT_ONCE = 31;
     for (std::size_t first = 0; first < tried.size(); first += AT_ONCE) {
-        const std::size_t last = std::min(tried.size(), first + AT_ONCE);
-        elaborated.restart();
-        for (const Signal signal : elaborated.registers()) {
-            elaborated.set(signal, UNKNOWN);
-        }
-        for (std::size_t at = first; at < last; ++at) {
-            const std::uint64_t low = std::uint64_t{1} << 2 * (at - first);
-            elaborated.set(tried[at]->wires.elaborated, inLanes(low, ZERO, inLanes(low << 1, ONE, UNKNOWN)));
-        }
-        for (int step = 0; step < RESET_STEPS; ++step) {
-            for (const Lanes &value : {ZERO, ONE}) {
-                for (const Input &input : m_inputs) {
-                    if (input.isClock) {
-                        elaborated.set(input.wires.elaborated, value);
-                    }
-                }
-                elaborated.react();
-                if (value == ZERO) {
-                    elaborated.settle();
+        tryResets({tried.data() + first, tried.data() + std::min(tried.size(), first + AT_ONCE)});
+    }
+}
+
+void Bench::tryResets(Span<Input *> tried)
+{
+    elaborated.restart();
+    for (const Signal signal : elaborated.registers()) {
+        elaborated.set(signal, UNKNOWN);
+    }
+    for (std::size_t at = 0; at < tried.size(); ++at) {
+        const std::uint64_t low = std::uint64_t{1} << 2 * at;
+        elaborated.set(tried[at]->wires.elaborated, inLanes(low, ZERO, inLanes(low << 1, ONE, UNKNOWN)));
+    }
+    Simulator::State before;
+    for (int step = 0; step < RESET_STEPS; ++step) {
+        for (const Lanes &value : {ZERO, ONE}) {
+            for (const Input &input : m_inputs) {
+                if (input.isClock) {
+                    elaborated.set(input.wires.elaborated, value);
                 }
             }
+            elaborated.react();
+            if (value == ZERO) {
+                elaborated.settleStates();
+            }
         }
-        const std::array<std::uint32_t, 64> counts = countKnown(elaborated, elaborated.registers());
-        for (std::size_t at = first; at < last; ++at) {
-            const std::uint32_t zero = counts[2 * (at - first)];
-            const std::uint32_t one = counts[2 * (at - first) + 1];
-            tried[at]->isReset = zero != one && std::max(zero, one) > counts[63];
-            tried[at]->active = one > zero;
+        Simulator::State after = elaborated.save();
+        if (after == before) {
+            break;
         }
+        before = std::move(after);
+    }
+    const std::array<std::uint32_t, 64> counts = countKnown(elaborated, elaborated.registers());
+    for (std::size_t at = 0; at < tried.size(); ++at) {
+        const std::uint32_t zero = counts[2 * at];
+        const std::uint32_t one = counts[2 * at + 1];
+        tried[at]->isReset = zero != one && std::max(zero, one) > counts[63];
+        tried[at]->active = one > zero;
     }
 }
 
@@ -218,12 +235,12 @@ void Bench::applyInputs(bool isReset)
         apply(input, lanesOf(input.value));
     }
     elaborated.react();
-    elaborated.settle();
+    elaborated.settleStates();
     for (const WirePair &import : m_imports) {
         postMap.set(import.postMap, elaborated[import.elaborated]);
     }
     postMap.react();
-    postMap.settle();
+    postMap.settleStates();
 }
 
 /// Clocks rise at random, each by itself, where there are several.
@@ -254,6 +271,8 @@ void Bench::start()
     m_random = Random(1);
     for (int step = 0; step < RESET_STEPS; ++step) {
         applyInputs(true);
+        elaborated.settle();
+        postMap.settle();
         moveClocks(true);
         moveClocks(false);
     }

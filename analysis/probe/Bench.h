@@ -26,9 +26,19 @@ class Bench {
     template <typename AtRest, typename WhileHigh> void step(AtRest atRest, WhileHigh whileHigh)
     {
         applyInputs(false);
+        elaborated.settle();
+        postMap.settle();
         atRest();
         moveClocks(true);
         whileHigh();
+        moveClocks(false);
+    }
+    /// The same for those who look at registers alone, in less time; load() or start() must follow before the next
+    /// step().
+    void stepStates()
+    {
+        applyInputs(false);
+        moveClocks(true);
         moveClocks(false);
     }
 
@@ -62,6 +72,7 @@ class Bench {
     void findImports(const BitGraph &left, const BitGraph &right, const NamePairs &names);
     void findClocks(const BitGraph &graph, const Simulator &simulator, Signal WirePair::*side);
     void findResets();
+    void tryResets(Span<Input *> tried);
     void applyInputs(bool isReset);
     void apply(const Input &input, const Lanes &value);
     void moveClocks(bool high);

@@ -124,17 +124,14 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
     for (const Side side : {ELABORATED, POST_MAP}) {
         m_everywhere[side].clear(m_graphs[side]->signalCount);
     }
-    for (Class &each : m_classes) {
-        each.differed = false;
-    }
+    lineUp();
     forceClasses();
     std::size_t differing = 0;
-    const auto nothing = [] {};
     for (int step = 0; step < steps && (forGood || step < SHORT_RUN || differing <= m_classes.size() / FEW); ++step) {
         if (forGood) {
             m_bench.step([&] { sampleAll(m_everywhere, false); }, [&] { sampleControl(m_everywhere); });
         } else {
-            m_bench.step(nothing, nothing);
+            m_bench.stepStates();
             for (const Side side : {ELABORATED, POST_MAP}) {
                 m_everywhere[side].sample(simulator(side), m_lanes, registers(side));
             }
@@ -143,7 +140,22 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
         ++m_spentSteps;
         forceClasses();
     }
+    for (std::size_t at = 0; at < m_classes.size(); ++at) {
+        m_classes[at].differed = m_lineup.places[at].differed;
+    }
     return differing == 0;
+}
+
+void Correspondence::lineUp()
+{
+    m_lineup.members.clear();
+    m_lineup.places.clear();
+    for (const Class &each : m_classes) {
+        m_lineup.members.insert(m_lineup.members.end(), each.members.begin(), each.members.end());
+        const Member &first = each.members.front();
+        m_lineup.places.push_back({static_cast<std::uint32_t>(m_lineup.members.size()),
+                                   m_graphs[first.side]->drivers[first.signal], each.isFree, false});
+    }
 }
 
 void Correspondence::sampleAll(Signatures *signatures, bool fromReset)
@@ -166,17 +178,18 @@ void Correspondence::sampleControl(Signatures *signatures)
 std::size_t Correspondence::checkClasses()
 {
     std::size_t differing = 0;
-    for (Class &each : m_classes) {
+    const Member *member = m_lineup.members.data();
+    for (Lineup::Place &place : m_lineup.places) {
         std::uint64_t ones = 0;
         std::uint64_t zeros = 0;
-        for (const Member &member : each.members) {
-            const Lanes value = simulator(member.side)[member.signal];
-            const Lanes own = member.inverted ? ~value : value;
+        for (const Member *const end = m_lineup.members.data() + place.end; member != end; ++member) {
+            const Lanes value = simulator(member->side)[member->signal];
+            const Lanes own = member->inverted ? ~value : value;
             ones |= own.one & ~own.zero;
             zeros |= own.zero & ~own.one;
         }
-        each.differed = each.differed || (ones & zeros) != 0;
-        differing += each.differed ? 1 : 0;
+        place.differed = place.differed || (ones & zeros) != 0;
+        differing += place.differed ? 1 : 0;
     }
     return differing;
 }
@@ -184,11 +197,10 @@ std::size_t Correspondence::checkClasses()
 /// A random value for a class. In half of the runs all bits of an elaborated register lean to the same side, another
 /// one at every step: carries run through counters, and numbers are 0, or as large as can be, far more often than by
 /// chance.
-std::uint64_t Correspondence::valueFor(const Class &of, std::uint64_t step)
+std::uint64_t Correspondence::valueFor(std::uint32_t lean, std::uint64_t step)
 {
     Random &random = m_bench.random();
-    const Member &first = of.members.front();
-    const std::uint64_t side = mixed(step ^ m_graphs[first.side]->drivers[first.signal]);
+    const std::uint64_t side = mixed(step ^ lean);
     const std::uint64_t seldom = random.seldom(4);
     const std::uint64_t leaning = (seldom & side) | (~seldom & ~side);
     return (leaning & MUCH_LEANING) | (random.next() & ~MUCH_LEANING);
@@ -196,20 +208,27 @@ std::uint64_t Correspondence::valueFor(const Class &of, std::uint64_t step)
 
 void Correspondence::forceClasses()
 {
-    const std::uint64_t step = m_bench.random().next();
-    for (const Class &each : m_classes) {
-        const std::uint64_t value = valueFor(each, step);
-        // Half of the runs are mostly left to themselves: what takes several steps would hardly ever come about.
-        std::uint64_t lanes = (m_bench.random().next() & MUCH_CHOSEN) | (m_bench.random().seldom(4) & ~MUCH_CHOSEN);
-        if (each.isFree) {
+    constexpr std::uint64_t NUMBERS_OF_CLASS = 10;
+    Random &random = m_bench.random();
+    const std::uint64_t step = random.next();
+    const Member *first = m_lineup.members.data();
+    for (const Lineup::Place &place : m_lineup.places) {
+        const Member *const end = m_lineup.members.data() + place.end;
+        if (place.isFree) {
+            random.skip(NUMBERS_OF_CLASS);
+            first = end;
             continue;
         }
-        for (const Member &member : each.members) {
-            lanes |= ~simulator(member.side)[member.signal].known();
+        const std::uint64_t value = valueFor(place.lean, step);
+        // Half of the runs are mostly left to themselves: what takes several steps would hardly ever come about.
+        const std::uint64_t much = random.next();
+        std::uint64_t lanes = (much & MUCH_CHOSEN) | (random.seldom(4) & ~MUCH_CHOSEN);
+        for (const Member *member = first; member != end; ++member) {
+            lanes |= ~simulator(member->side)[member->signal].known();
         }
-        for (const Member &member : each.members) {
-            Simulator &own = member.side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
-            own.set(member.signal, inLanes(lanes, lanesOf(member.inverted ? ~value : value), own[member.signal]));
+        for (; first != end; ++first) {
+            Simulator &own = first->side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
+            own.set(first->signal, inLanes(lanes, lanesOf(first->inverted ? ~value : value), own[first->signal]));
         }
     }
 }

@@ -52,6 +52,17 @@ class Correspondence {
         bool isFree = false;      ///< its value is not chosen
         bool differed = false;    ///< in the last run
     };
+    /// The classes, laid out for a run.
+    struct Lineup {
+        struct Place {
+            std::uint32_t end;  ///< of its members; they begin where those of the class before end
+            std::uint32_t lean; ///< the same for all bits of an elaborated register
+            bool isFree;
+            bool differed;
+        };
+        std::vector<Member> members;
+        std::vector<Place> places;
+    };
     enum NameFlag : std::uint8_t { DIFFERED_FROM_RESET = 1, DIFFERED_EVERYWHERE = 2 };
 
     void runFromReset();
@@ -66,8 +77,9 @@ class Correspondence {
     void addClass(Members members, const Class &like);
     void freeSupport(const std::vector<std::size_t> &classes);
     void addByNames(Members &members, const Class &like);
+    void lineUp();
     void forceClasses();
-    std::uint64_t valueFor(const Class &of, std::uint64_t step);
+    std::uint64_t valueFor(std::uint32_t lean, std::uint64_t step);
     void dropWhatDiffered();
     std::size_t checkClasses();
     void checkNames(bool fromReset);
@@ -93,6 +105,7 @@ class Correspondence {
     std::vector<Signal> m_control[2];
     std::vector<std::uint8_t> m_nameFlags; ///< by pair of wires
     std::vector<Class> m_classes;
+    Lineup m_lineup;
     std::vector<std::uint32_t> m_classOf[2];
 };
 

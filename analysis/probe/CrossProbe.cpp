@@ -44,6 +44,13 @@ const char *sentenceOf(GoneReason reason)
     return "";
 }
 
+/// The hash of the full name of a net.
+std::uint64_t nameHashOf(const IVDBInstance &inst, const IVDBNet &net)
+{
+    const std::string path = inst.getPath();
+    return hashOfPath(path + (path.empty() ? "" : "/") + net.getName());
+}
+
 bool isMadeUp(const std::string &name)
 {
     return name.empty() || name.front() == '$';
@@ -121,11 +128,12 @@ struct CrossProbe::State {
             std::uint32_t net;
         };
         std::vector<Choice> choices;
-        for (const std::uint32_t net : locator.netsOn(signal)) {
+        const auto nets = locator.netsOn(signal);
+        for (const std::uint32_t net : nets) {
             const NetPlace place = locator.placeOf(net);
             const IVDBNet *const item = locator.netItem(place);
             if (item != nullptr) {
-                const bool isWanted = hashOfPath(nameOfNet(graph, locator, net)) == wanted;
+                const bool isWanted = nets.size() > 1 && hashOfPath(nameOfNet(graph, locator, net)) == wanted;
                 choices.push_back({isWanted ? 0 : isMadeUp(item->getName()) ? 2 : 1, net});
             }
         }
@@ -193,8 +201,7 @@ ProbeMatch CrossProbe::find(const IVDBInstance *inst, const IVDBNet *net) const
     const Verdict &verdict = m_state->verdicts[signal];
     result.grade = verdict.grade;
     result.reason = verdict.reason;
-    const std::string path = inst->getPath();
-    const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
+    const std::uint64_t wanted = nameHashOf(*inst, *net);
     auto match =
         std::lower_bound(m_state->matches.begin(), m_state->matches.end(), signal,
                          [](const Match &each, Signal elaborated) { return each.wires.elaborated < elaborated; });
@@ -215,8 +222,7 @@ ProbeMatch CrossProbe::findBack(const IVDBInstance *inst, const IVDBNet *net) co
     m_state->check();
     const Signal signal = m_state->locators[1]->find(inst, net);
     ProbeMatch result;
-    const std::string path = inst->getPath();
-    const std::uint64_t wanted = hashOfPath(path + (path.empty() ? "" : "/") + net->getName());
+    const std::uint64_t wanted = nameHashOf(*inst, *net);
     auto place =
         std::lower_bound(m_state->back.begin(), m_state->back.end(), signal, [&](std::uint32_t each, Signal postMap) {
             return m_state->matches[each].wires.postMap < postMap;

@@ -8,11 +8,6 @@ namespace kvr::netlistdb::analysis::probe {
 
 namespace {
 
-bool isOneOf(std::string_view text, std::initializer_list<std::string_view> all)
-{
-    return std::find(all.begin(), all.end(), text) != all.end();
-}
-
 Slots numbered(const RecipeBuilder &cell, const std::string &name, int count)
 {
     Slots slots;

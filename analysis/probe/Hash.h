@@ -35,6 +35,8 @@ class Random {
         m_state += 0x9E3779B97F4A7C15ULL;
         return mixed(m_state);
     }
+    /// Leaves out @p count numbers.
+    void skip(std::uint64_t count) { m_state += count * 0x9E3779B97F4A7C15ULL; }
     /// Bits that are 1 one time in 2 to the @p power.
     std::uint64_t seldom(unsigned power)
     {

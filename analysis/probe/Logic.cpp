@@ -5,16 +5,25 @@ namespace kvr::netlistdb::analysis::probe {
 namespace {
 
 /// Hacker's Delight: bit i of word j becomes bit j of word i.
-void transpose(std::array<std::uint64_t, 64> &words)
+template <unsigned WIDTH> void transposeBlocks(std::uint64_t *words, std::uint64_t mask)
 {
-    std::uint64_t mask = 0x00000000FFFFFFFFULL;
-    for (unsigned width = 32; width != 0; width >>= 1, mask ^= mask << width) {
-        for (unsigned at = 0; at < 64; at = ((at | width) + 1) & ~width) {
-            const std::uint64_t swapped = ((words[at] >> width) ^ words[at | width]) & mask;
-            words[at] ^= swapped << width;
-            words[at | width] ^= swapped;
+    for (unsigned block = 0; block < 64; block += 2 * WIDTH) {
+        for (unsigned at = block; at < block + WIDTH; ++at) {
+            const std::uint64_t swapped = ((words[at] >> WIDTH) ^ words[at + WIDTH]) & mask;
+            words[at] ^= swapped << WIDTH;
+            words[at + WIDTH] ^= swapped;
         }
     }
+}
+
+void transpose(std::array<std::uint64_t, 64> &words)
+{
+    transposeBlocks<32>(words.data(), 0x00000000FFFFFFFFULL);
+    transposeBlocks<16>(words.data(), 0x0000FFFF0000FFFFULL);
+    transposeBlocks<8>(words.data(), 0x00FF00FF00FF00FFULL);
+    transposeBlocks<4>(words.data(), 0x0F0F0F0F0F0F0F0FULL);
+    transposeBlocks<2>(words.data(), 0x3333333333333333ULL);
+    transposeBlocks<1>(words.data(), 0x5555555555555555ULL);
 }
 
 /// A table of six inputs at most. Pairs of its bits are 0, 1, the first input or its inverse; the other inputs choose

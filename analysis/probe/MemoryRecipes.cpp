@@ -1,6 +1,6 @@
 // Memories of yosys: one cell for each port, or one for all.
 
-#include "analysis/probe/RecipeBuilder.h"
+#include "analysis/probe/DevicePieces.h"
 
 #include <algorithm>
 
@@ -49,16 +49,6 @@ void addRead(RecipeBuilder &cell, std::uint16_t memory, const ReadPort &port)
         static_cast<std::uint16_t>((port.falling ? PART_FALLING : 0) | (port.writeFirst ? PART_WRITE_FIRST : 0));
 }
 
-void addWrite(RecipeBuilder &cell, std::uint16_t memory, Slot clock, bool falling, const Slots &address,
-              const Slots &data, const Slots &enable)
-{
-    Part &part = cell.add(Op::MemoryWrite, {{clock}, address, data, enable});
-    part.memory = memory;
-    part.width = static_cast<std::uint32_t>(data.size());
-    part.inputs = static_cast<std::uint32_t>(address.size());
-    part.flags = falling ? PART_FALLING : 0;
-}
-
 bool isZero(std::string_view value)
 {
     return value.find_first_not_of('0') == std::string_view::npos;
@@ -75,7 +65,7 @@ bool memoryPort(RecipeBuilder &cell)
     shape.name = std::string(cell.parameter("MEMID"));
     shape.width = width;
     // The address of contents at the start is as wide as an integer, whatever the memory is.
-    const bool isStart = type.substr(0, 8) == "$meminit";
+    const bool isStart = startsWith(type, "$meminit");
     shape.addressBits = isStart ? 0 : static_cast<std::uint32_t>(address.size());
     const std::uint32_t words = isStart ? std::max(1U, cell.number("WORDS")) : 1;
     if (isTooLarge(shape.addressBits, width) || data.size() != std::size_t{width} * words || shape.name.empty()) {
@@ -85,7 +75,7 @@ bool memoryPort(RecipeBuilder &cell)
     const bool clocked = cell.flag("CLK_ENABLE");
     const bool falling = falls(cell.parameter("CLK_POLARITY"), 0);
     const Slot clock = cell.pin("CLK", SLOT_UNKNOWN);
-    if (type.substr(0, 6) == "$memrd") {
+    if (startsWith(type, "$memrd")) {
         if (clocked && (cell.pin("ARST", SLOT_ZERO) != SLOT_ZERO || cell.pin("SRST", SLOT_ZERO) != SLOT_ZERO) &&
             !(isZero(cell.parameter("ARST_VALUE")) || isZero(cell.parameter("SRST_VALUE")))) {
             return false;
@@ -95,8 +85,8 @@ bool memoryPort(RecipeBuilder &cell)
                  isNonZero(cell.parameter("TRANSPARENCY_MASK")) || cell.flag("TRANSPARENT"), address, data});
         return true;
     }
-    if (type.substr(0, 6) == "$memwr") {
-        addWrite(cell, 0, clock, falling, address, data, cell.port("EN"));
+    if (startsWith(type, "$memwr")) {
+        addWritePort(cell, 0, clock, falling, address, data, cell.port("EN"));
         return clocked && cell.port("EN").size() == data.size();
     }
     Part &part = cell.add(Op::MemoryStart, {address, data});
@@ -141,9 +131,9 @@ bool wholeMemory(RecipeBuilder &cell)
         if (!bitOf(cell.parameter("WR_CLK_ENABLE"), port) || port >= writeClock.size()) {
             return false;
         }
-        addWrite(cell, 0, writeClock[port], falls(cell.parameter("WR_CLK_POLARITY"), port),
-                 partOf(cell.port("WR_ADDR"), port, writes), partOf(writeData, port, writes),
-                 partOf(cell.port("WR_EN"), port, writes));
+        addWritePort(cell, 0, writeClock[port], falls(cell.parameter("WR_CLK_POLARITY"), port),
+                     partOf(cell.port("WR_ADDR"), port, writes), partOf(writeData, port, writes),
+                     partOf(cell.port("WR_EN"), port, writes));
     }
     return true;
 }

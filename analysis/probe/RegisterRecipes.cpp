@@ -44,8 +44,8 @@ void flipFlop(RecipeBuilder &cell)
     cell.recipe().kind = CellKind::FlipFlop;
     const Slots q = cell.port("Q");
     const std::string_view type = cell.type();
-    const bool loads = type.substr(0, 6) == "$aldff";
-    const bool setsClears = type.substr(0, 6) == "$dffsr";
+    const bool loads = startsWith(type, "$aldff");
+    const bool setsClears = startsWith(type, "$dffsr");
     const Slot enable = active(cell, "EN", "EN_POLARITY", SLOT_ONE);
     const Slot sync = active(cell, "SRST", "SRST_POLARITY", SLOT_ZERO);
     const Slot async =
@@ -84,10 +84,10 @@ void latch(RecipeBuilder &cell)
 /// of the reset, and the polarity of the enable, as far as the cell has them.
 bool gateRegister(RecipeBuilder &cell, std::string_view kind, std::string_view letters)
 {
-    const bool isLatch = kind.substr(0, 6) == "DLATCH";
-    const bool isLoad = kind.substr(0, 5) == "ALDFF";
+    const bool isLatch = startsWith(kind, "DLATCH");
+    const bool isLoad = startsWith(kind, "ALDFF");
     const bool setsClears = kind == "DFFSR" || kind == "DFFSRE" || kind == "DLATCHSR";
-    const bool isSync = kind.substr(0, 4) == "SDFF";
+    const bool isSync = startsWith(kind, "SDFF");
     const bool hasEnable = kind.back() == 'E' && !isLatch;
     std::size_t at = 0;
     const auto next = [&] { return at < letters.size() ? letters[at++] : 'P'; };
@@ -177,7 +177,7 @@ bool addGate(RecipeBuilder &cell)
         }
     }
     const std::size_t end = type.find('_', 2);
-    if (type.substr(0, 2) != "$_" || end == std::string_view::npos || type.back() != '_' || end + 1 >= type.size()) {
+    if (!startsWith(type, "$_") || end == std::string_view::npos || type.back() != '_' || end + 1 >= type.size()) {
         return false;
     }
     const std::string_view kind = type.substr(2, end - 2);

@@ -7,8 +7,8 @@ namespace kvr::netlistdb::analysis::probe {
 
 unsigned Signatures::activity(Signal signal) const
 {
-    const std::size_t ones = std::bitset<64>(m_ones[signal]).count();
-    const std::size_t zeros = std::bitset<64>(m_zeros[signal]).count();
+    const std::size_t ones = std::bitset<64>(m_seen[signal].ones).count();
+    const std::size_t zeros = std::bitset<64>(m_seen[signal].zeros).count();
     return static_cast<unsigned>(std::min(ones, zeros));
 }
 

@@ -13,16 +13,14 @@ class Signatures {
   public:
     void clear(std::size_t signals)
     {
-        m_hash.assign(signals, 0);
-        m_ones.assign(signals, 0);
-        m_zeros.assign(signals, 0);
+        m_seen.assign(signals, {});
         m_flags.assign(signals, 0);
     }
 
     /// Adds the values in @p lanes of one moment.
     void sample(const Simulator &simulator, std::uint64_t lanes)
     {
-        for (Signal signal = 0; signal < m_hash.size(); ++signal) {
+        for (Signal signal = 0; signal < m_seen.size(); ++signal) {
             add(signal, simulator[signal], lanes);
         }
     }
@@ -34,7 +32,7 @@ class Signatures {
         }
     }
 
-    std::uint64_t hash(Signal signal) const { return m_hash[signal]; }
+    std::uint64_t hash(Signal signal) const { return m_seen[signal].hash; }
     /// True when it was known in every moment.
     bool isKnown(Signal signal) const { return (m_flags[signal] & UNKNOWN_ONCE) == 0; }
     /// True when the hash is that of the inverse.
@@ -55,16 +53,20 @@ class Signatures {
         if ((flags & STARTED) == 0) {
             flags |= STARTED | ((value.one & (lanes & (~lanes + 1))) != 0 ? INVERTED : 0);
         }
-        m_ones[signal] |= value.one & lanes;
-        m_zeros[signal] |= value.zero & lanes;
+        Seen &own = m_seen[signal];
+        own.ones |= value.one & lanes;
+        own.zeros |= value.zero & lanes;
         const std::uint64_t seen = ((flags & INVERTED) != 0 ? value.zero : value.one) & lanes;
-        m_hash[signal] = (m_hash[signal] ^ seen) * 0x9E3779B97F4A7C15ULL;
-        m_hash[signal] ^= m_hash[signal] >> 29;
+        own.hash = (own.hash ^ seen) * 0x9E3779B97F4A7C15ULL;
+        own.hash ^= own.hash >> 29;
     }
 
-    std::vector<std::uint64_t> m_hash;
-    std::vector<std::uint64_t> m_ones;
-    std::vector<std::uint64_t> m_zeros;
+    struct Seen {
+        std::uint64_t hash;
+        std::uint64_t ones;  ///< runs in which it was 1 at some time
+        std::uint64_t zeros; ///< the same for 0
+    };
+    std::vector<Seen> m_seen;
     std::vector<std::uint8_t> m_flags;
 };
 

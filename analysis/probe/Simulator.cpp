@@ -1,5 +1,6 @@
 #include "analysis/probe/Simulator.h"
 
+#include "analysis/probe/Addresses.h"
 #include "analysis/probe/Logic.h"
 
 #include <algorithm>
@@ -37,14 +38,13 @@ void Simulator::restart()
         }
     }
     startMemories();
-    for (const Step &step : m_steps) {
-        run(step);
-    }
+    run(m_states);
+    run(m_rest);
     for (std::size_t group = 0; group < m_groups.size(); ++group) {
         m_clocks.resize(m_groups.size());
         m_clocks[group] = m_values[m_groups[group].clock];
     }
-    m_isSettled = false;
+    unsettle();
 }
 
 void Simulator::load(const State &state)
@@ -53,7 +53,7 @@ void Simulator::load(const State &state)
     m_stages = state.stages;
     m_contents = state.contents;
     m_clocks = state.clocks;
-    m_isSettled = false;
+    unsettle();
 }
 
 void Simulator::startMemories()
@@ -84,6 +84,11 @@ void Simulator::startMemories()
             m_contents[m_firstContent[node.state] + first[0] * memory.width + bit] = value == ONE ? ONE : ZERO;
         }
     }
+}
+
+void Simulator::run(const LogicProgram &program)
+{
+    program.run(m_values, [this](std::uint32_t node) { run(stepOf(node)); });
 }
 
 void Simulator::run(const Step &step)
@@ -148,60 +153,77 @@ Lanes Simulator::stageOf(const Node &node, const Part &part, Span<Signal> addres
 void Simulator::readMemory(const Node &node, Span<Signal> address, Span<Signal> out)
 {
     const Memory &memory = m_graph.memories[node.state];
-    std::array<std::uint64_t, 64> places;
-    const std::uint64_t known = numbersOf(m_values, address, places);
-    for (const Signal output : out) {
-        m_values[output] = UNKNOWN;
+    const std::size_t width = std::min<std::size_t>(out.size(), memory.width);
+    const Lanes *const contents = m_contents.data() + m_firstContent[node.state];
+    for (std::size_t bit = width; bit < out.size(); ++bit) {
+        m_values[out[bit]] = UNKNOWN;
     }
-    for (std::size_t lane = 0; lane < 64; ++lane) {
-        const std::uint64_t mask = std::uint64_t{1} << lane;
-        if ((known & mask) == 0 || places[lane] >= memory.words()) {
-            continue;
+    m_read.assign(width, UNKNOWN);
+    forEachAddress(m_values, address, memory.words(), ALL_LANES, [&](std::size_t place, std::uint64_t lanes) {
+        const Lanes *const word = contents + place * memory.width;
+        for (std::size_t bit = 0; bit < width; ++bit) {
+            m_read[bit].zero &= word[bit].zero | ~lanes;
+            m_read[bit].one &= word[bit].one | ~lanes;
         }
-        const Lanes *const word = m_contents.data() + m_firstContent[node.state] + places[lane] * memory.width;
-        for (std::size_t bit = 0; bit < out.size() && bit < memory.width; ++bit) {
-            Lanes &value = m_values[out[bit]];
-            value.zero &= word[bit].zero | ~mask;
-            value.one &= word[bit].one | ~mask;
-        }
+    });
+    for (std::size_t bit = 0; bit < width; ++bit) {
+        m_values[out[bit]] = m_read[bit];
     }
 }
 
 void Simulator::settle()
 {
-    if (!m_isSettled) {
-        for (const Step &step : m_steps) {
-            run(step);
-        }
-        m_isSettled = true;
+    settleStates();
+    if (!m_isRestSettled) {
+        run(m_rest);
+        m_isRestSettled = true;
+    }
+}
+
+void Simulator::settleStates()
+{
+    if (!m_areStatesSettled) {
+        run(m_states);
+        m_areStatesSettled = true;
     }
 }
 
 bool Simulator::applyAsynchronous()
 {
+    static constexpr Lanes STARTS[] = {ZERO, ONE, UNKNOWN};
     bool changed = false;
-    for (const Step &step : m_asynchronous) {
-        const Part &part = *step.part;
-        const Span<Signal> in = step.in;
-        const Span<Signal> out = step.out;
-        const Lanes reset = m_values[in[3]];
-        for (std::size_t bit = 0; bit < part.width; ++bit) {
-            Lanes q = m_values[out[bit]];
-            if (part.has(PART_SETS_CLEARS)) {
-                const Lanes set = m_values[in[4 + part.width + bit]];
-                const Lanes clear = m_values[in[4 + 2 * part.width + bit]];
-                q = (q | set) & ~clear;
-            } else if (part.has(PART_LOADS)) {
-                q = choose(reset, q, m_values[in[4 + part.width + bit]]);
-            } else if (reset.one != 0) {
-                const char value = bit < part.reset.size() ? part.reset[bit] : 'x';
-                q = choose(reset, q, value == '1' ? ONE : value == '0' ? ZERO : UNKNOWN);
-            }
-            if (q != m_values[out[bit]]) {
-                m_values[out[bit]] = q;
-                changed = true;
-            }
+    for (const AsynchronousBit &bit : m_asynchronousBits) {
+        if (bit.step != NONE) {
+            changed = applyAsynchronous(m_asynchronous[bit.step]) || changed;
+            continue;
         }
+        const Lanes reset = m_values[bit.reset];
+        if (reset.one != 0) {
+            const Lanes q = choose(reset, m_values[bit.q], STARTS[bit.start]);
+            changed = changed || q != m_values[bit.q];
+            m_values[bit.q] = q;
+        }
+    }
+    return changed;
+}
+
+/// The same for a flip-flop that is set and cleared, or loaded.
+bool Simulator::applyAsynchronous(const Step &step)
+{
+    const Part &part = *step.part;
+    const Span<Signal> in = step.in;
+    bool changed = false;
+    for (std::size_t bit = 0; bit < part.width; ++bit) {
+        Lanes q = m_values[step.out[bit]];
+        if (part.has(PART_SETS_CLEARS)) {
+            const Lanes set = m_values[in[4 + part.width + bit]];
+            const Lanes clear = m_values[in[4 + 2 * part.width + bit]];
+            q = (q | set) & ~clear;
+        } else {
+            q = choose(m_values[in[3]], q, m_values[in[4 + part.width + bit]]);
+        }
+        changed = changed || q != m_values[step.out[bit]];
+        m_values[step.out[bit]] = q;
     }
     return changed;
 }
@@ -209,15 +231,15 @@ bool Simulator::applyAsynchronous()
 void Simulator::react()
 {
     for (int turn = 0; turn < MOST_REACTIONS; ++turn) {
-        for (const Step &step : m_control) {
-            run(step);
-        }
+        run(m_control);
         const bool wasReset = applyAsynchronous();
-        m_isSettled = m_isSettled && !wasReset;
+        if (wasReset) {
+            unsettle();
+        }
         if (!clockRegisters() && !wasReset) {
             return;
         }
-        m_isSettled = false;
+        unsettle();
     }
 }
 

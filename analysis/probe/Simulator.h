@@ -2,6 +2,7 @@
 
 #include "analysis/probe/BitGraph.h"
 #include "analysis/probe/Lanes.h"
+#include "analysis/probe/LogicProgram.h"
 
 #include <cstdint>
 #include <vector>
@@ -24,7 +25,7 @@ class Simulator {
     void set(Signal signal, const Lanes &value)
     {
         m_values[signal] = value;
-        m_isSettled = false;
+        unsettle();
     }
     /// The same for a clock input, which registers do not take for data: they see what was at rest before it moved.
     void setClock(Signal signal, const Lanes &value) { m_values[signal] = value; }
@@ -32,12 +33,17 @@ class Simulator {
     void setExternal(Signal signal, const Lanes &value)
     {
         m_external[m_externalOf[signal]] = value;
-        m_isSettled = false;
+        unsettle();
     }
     /// Brings clocks and asynchronous resets to rest, and clocks the registers that they clock.
     void react();
     /// Brings all logic to rest.
     void settle();
+    /// Brings the logic to rest that registers and memories depend on, and what alsoSettle() named. Latches that none
+    /// of them depends on miss what happens meanwhile, until load() or restart().
+    void settleStates();
+    /// Names wires that settleStates() brings to rest, too.
+    void alsoSettle(const std::vector<Signal> &signals) { compile(signals); }
 
     /// The state of everything; restored by load().
     struct State {
@@ -45,6 +51,11 @@ class Simulator {
         std::vector<Lanes> stages;
         std::vector<Lanes> contents;
         std::vector<Lanes> clocks;
+
+        friend bool operator==(const State &a, const State &b)
+        {
+            return a.values == b.values && a.stages == b.stages && a.contents == b.contents && a.clocks == b.clocks;
+        }
     };
     State save() const { return {m_values, m_stages, m_contents, m_clocks}; }
     void load(const State &state);
@@ -70,33 +81,76 @@ class Simulator {
         const Node &own = m_graph.nodes[node];
         return {&own, &m_graph.partOf(own), m_graph.inputsOf(own), m_graph.outputsOf(own)};
     }
-    std::vector<Step> stepsOf(const std::vector<std::uint32_t> &nodes) const;
 
-    void findControl();
-    void findClocks();
-    std::vector<std::uint32_t> coneOf(const std::vector<Signal> &signals) const;
-    void startMemories();
-    void run(const Step &step);
-    void runLatch(const Part &part, Span<Signal> in, Span<Signal> out);
-    void readMemory(const Node &node, Span<Signal> address, Span<Signal> out);
-    void writeMemory(const Node &node, std::uint64_t edge);
-    Lanes stageOf(const Node &node, const Part &part, Span<Signal> address) const;
-    bool applyAsynchronous();
-    bool clockRegisters();
-    void settleFor(std::uint32_t group);
-    void clockNode(const Step &step, std::uint64_t sure, std::uint64_t maybe);
-    void shiftStages(const Node &node, const Part &part, std::uint64_t edge);
-    void multiplyAdd(const Node &node, const Part &part, std::uint64_t edge);
-    void readClocked(const Node &node, const Part &part, std::uint64_t edge);
-    void setLater(Signal signal, const Lanes &next, std::uint64_t sure, std::uint64_t maybe);
-
+    /// A bit of a flip-flop.
+    struct FlipFlopBit {
+        Signal q;
+        Signal d;
+        Signal enable;
+        Signal reset;
+        std::uint8_t start; ///< what the reset makes of it: 0, 1, or 2 where that is not known
+    };
+    /// What an edge of a clock works on.
+    struct Clocked {
+        std::vector<FlipFlopBit> resetFirst; ///< bits whose reset comes before their enable
+        std::vector<FlipFlopBit> enableFirst;
+        std::vector<Step> others; ///< all that is in no other list
+        std::vector<Step> writes;
+        std::vector<Step> writeFirst; ///< reads that show what is written at the same time
+        bool isEmpty = true;
+    };
     struct ClockGroup {
         Signal clock;
         std::vector<std::uint32_t> nodes;
-        std::vector<Step> steps; ///< of the nodes
-        std::vector<Step> cone;  ///< logic in front of the registers
+        Clocked rising;
+        Clocked falling;
+        LogicProgram cone; ///< logic in front of the registers
         bool hasCone = false;
     };
+    /// An edge in some runs.
+    struct Edge {
+        std::uint32_t group;
+        const Clocked *clocked;
+        std::uint64_t sure;
+        std::uint64_t maybe;
+    };
+    /// A bit of a flip-flop with an asynchronous reset, or a step where it is more than that.
+    struct AsynchronousBit {
+        Signal q;
+        Signal reset;
+        std::uint8_t start;
+        std::uint32_t step; ///< in m_asynchronous; NONE for a bit
+    };
+
+    void unsettle()
+    {
+        m_areStatesSettled = false;
+        m_isRestSettled = false;
+    }
+    void findControl();
+    void findClocks();
+    void addClocked(std::uint32_t node, Clocked &clocked) const;
+    void addAsynchronous(std::uint32_t node);
+    void compile(const std::vector<Signal> &alsoRead);
+    std::vector<std::uint32_t> coneOf(const std::vector<Signal> &signals) const;
+    void startMemories();
+    void run(const LogicProgram &program);
+    void run(const Step &step);
+    void runLatch(const Part &part, Span<Signal> in, Span<Signal> out);
+    void readMemory(const Node &node, Span<Signal> address, Span<Signal> out);
+    void writeMemory(const Step &step, std::uint64_t edge);
+    Lanes stageOf(const Node &node, const Part &part, Span<Signal> address) const;
+    bool applyAsynchronous();
+    bool applyAsynchronous(const Step &step);
+    bool clockRegisters();
+    void findEdges();
+    void settleFor(std::uint32_t group);
+    template <bool ENABLE_FIRST> void clockBits(const std::vector<FlipFlopBit> &bits, const Edge &edge);
+    void clockNode(const Step &step, std::uint64_t edge);
+    void shiftStages(const Node &node, const Part &part, std::uint64_t edge);
+    void multiplyAdd(const Node &node, const Part &part, std::uint64_t edge);
+    void readClocked(const Node &node, const Part &part, std::uint64_t edge);
+    void setLater(Signal signal, const Lanes &next, std::uint64_t edge);
 
     const BitGraph &m_graph;
     std::vector<Lanes> m_values;
@@ -106,16 +160,21 @@ class Simulator {
     std::vector<Lanes> m_external;
     std::vector<std::uint32_t> m_externalOf; ///< by signal; empty when there are no inout ports
     std::vector<std::uint32_t> m_order;
-    std::vector<Step> m_steps; ///< of the order
-    std::vector<Step> m_control;
+    LogicProgram m_states; ///< what registers and memories depend on
+    LogicProgram m_rest;
+    LogicProgram m_control;
     std::vector<bool> m_isControl;
+    std::vector<AsynchronousBit> m_asynchronousBits; ///< in the order of the nodes
     std::vector<Step> m_asynchronous;
     std::vector<ClockGroup> m_groups;
     std::vector<Signal> m_clockSignals;
     std::vector<Lanes> m_clocks; ///< by group: the value that was seen last
     std::vector<Signal> m_registers;
+    std::vector<Edge> m_edges;
     std::vector<std::pair<Signal, Lanes>> m_later;
-    bool m_isSettled = false;
+    std::vector<Lanes> m_read; ///< of a memory
+    bool m_areStatesSettled = false;
+    bool m_isRestSettled = false;
 };
 
 } // namespace kvr::netlistdb::analysis::probe

@@ -1,5 +1,7 @@
 // What clock edges do.
 
+#include "analysis/probe/Addresses.h"
+#include "analysis/probe/LaneVector.h"
 #include "analysis/probe/Logic.h"
 #include "analysis/probe/Simulator.h"
 
@@ -7,64 +9,61 @@
 
 namespace kvr::netlistdb::analysis::probe {
 
+/// Finds the clocks that have moved, and what they work on.
+void Simulator::findEdges()
+{
+    m_edges.clear();
+    for (std::uint32_t number = 0; number < m_groups.size(); ++number) {
+        const ClockGroup &group = m_groups[number];
+        const Lanes before = m_clocks[number];
+        const Lanes after = m_values[group.clock];
+        if (before == after) {
+            continue;
+        }
+        m_clocks[number] = after;
+        const auto add = [&](const Clocked &clocked, const Lanes &from, const Lanes &to) {
+            const std::uint64_t sure = from.zero & ~from.one & to.one & ~to.zero;
+            const std::uint64_t maybe = from.zero & to.one & ~sure;
+            if (!clocked.isEmpty && (sure | maybe) != 0) {
+                m_edges.push_back({number, &clocked, sure, maybe});
+            }
+        };
+        add(group.rising, before, after);
+        add(group.falling, ~before, ~after);
+    }
+}
+
 bool Simulator::clockRegisters()
 {
-    struct Edge {
-        std::uint32_t group;
-        Lanes before;
-        Lanes after;
-    };
-    std::vector<Edge> edges;
-    for (std::uint32_t group = 0; group < m_groups.size(); ++group) {
-        const Lanes now = m_values[m_groups[group].clock];
-        if (now != m_clocks[group]) {
-            edges.push_back({group, m_clocks[group], now});
-            m_clocks[group] = now;
-        }
-    }
-    const auto eachNode = [&](auto visit) {
-        for (const Edge &edge : edges) {
-            for (const Step &step : m_groups[edge.group].steps) {
-                const Part &part = *step.part;
-                const bool falls = part.has(PART_FALLING);
-                const Lanes from = falls ? ~edge.before : edge.before;
-                const Lanes to = falls ? ~edge.after : edge.after;
-                const std::uint64_t sure = from.zero & ~from.one & to.one & ~to.zero;
-                const std::uint64_t maybe = from.zero & to.one & ~sure;
-                if ((sure | maybe) != 0) {
-                    visit(edge.group, step, sure, maybe);
-                }
-            }
-        }
-    };
-    std::uint32_t last = NONE;
-    bool any = false;
-    eachNode([&](std::uint32_t group, const Step &, std::uint64_t, std::uint64_t) {
-        any = true;
-        if (group != last && !m_isSettled) {
-            settleFor(group);
-        }
-        last = group;
-    });
-    if (!any) {
+    findEdges();
+    if (m_edges.empty()) {
         return false;
     }
+    std::uint32_t last = NONE;
+    for (const Edge &edge : m_edges) {
+        if (edge.group != last && !m_areStatesSettled) {
+            settleFor(edge.group);
+        }
+        last = edge.group;
+    }
     m_later.clear();
-    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t maybe) {
-        if (step.part->op != Op::MemoryWrite && !step.part->has(PART_WRITE_FIRST)) {
-            clockNode(step, sure, maybe);
+    for (const Edge &edge : m_edges) {
+        clockBits<false>(edge.clocked->resetFirst, edge);
+        clockBits<true>(edge.clocked->enableFirst, edge);
+        for (const Step &step : edge.clocked->others) {
+            clockNode(step, edge.sure);
         }
-    });
-    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t) {
-        if (step.part->op == Op::MemoryWrite) {
-            writeMemory(*step.node, sure);
+    }
+    for (const Edge &edge : m_edges) {
+        for (const Step &step : edge.clocked->writes) {
+            writeMemory(step, edge.sure);
         }
-    });
-    eachNode([&](std::uint32_t, const Step &step, std::uint64_t sure, std::uint64_t maybe) {
-        if (step.part->has(PART_WRITE_FIRST)) {
-            clockNode(step, sure, maybe);
+    }
+    for (const Edge &edge : m_edges) {
+        for (const Step &step : edge.clocked->writeFirst) {
+            clockNode(step, edge.sure);
         }
-    });
+    }
     for (const auto &[signal, value] : m_later) {
         m_values[signal] = value;
     }
@@ -82,50 +81,47 @@ void Simulator::settleFor(std::uint32_t number)
             const Span<Signal> inputs = m_graph.inputsOf(m_graph.nodes[node]);
             signals.insert(signals.end(), inputs.begin(), inputs.end());
         }
-        group.cone = stepsOf(coneOf(signals));
+        group.cone = LogicProgram(m_graph, coneOf(signals), m_graph.external);
         group.hasCone = true;
     }
-    for (const Step &step : group.cone) {
-        run(step);
+    run(group.cone);
+}
+
+void Simulator::setLater(Signal signal, const Lanes &next, std::uint64_t edge)
+{
+    m_later.emplace_back(signal, inLanes(edge, next, m_values[signal]));
+}
+
+template <bool ENABLE_FIRST> void Simulator::clockBits(const std::vector<FlipFlopBit> &bits, const Edge &edge)
+{
+    static constexpr LaneVector STARTS[] = {VECTOR_ZERO, VECTOR_ONE, VECTOR_UNKNOWN};
+    for (const FlipFlopBit &bit : bits) {
+        const Lanes &before = m_values[bit.q];
+        const LaneVector q = vectorOf(before);
+        const LaneVector d = vectorOf(m_values[bit.d]);
+        const Choice enable(m_values[bit.enable]);
+        const Choice reset(m_values[bit.reset]);
+        const LaneVector start = STARTS[bit.start];
+        const Lanes next = lanesOf(ENABLE_FIRST ? enable.of(q, reset.of(d, start)) : reset.of(enable.of(q, d), start));
+        if (edge.sure == ALL_LANES) {
+            m_later.emplace_back(bit.q, next);
+            continue;
+        }
+        const Lanes either{before.zero | next.zero, before.one | next.one};
+        m_later.emplace_back(bit.q, inLanes(edge.sure, next, inLanes(edge.maybe, either, before)));
     }
 }
 
-void Simulator::setLater(Signal signal, const Lanes &next, std::uint64_t sure, std::uint64_t maybe)
+/// Runs in which the edge is not sure keep what they have.
+void Simulator::clockNode(const Step &step, std::uint64_t edge)
 {
-    const Lanes before = m_values[signal];
-    const Lanes either{before.zero | next.zero, before.one | next.one};
-    m_later.emplace_back(signal, inLanes(sure, next, inLanes(maybe, either, before)));
-}
-
-void Simulator::clockNode(const Step &step, std::uint64_t sure, std::uint64_t maybe)
-{
-    const Node &node = *step.node;
-    const Part &part = *step.part;
-    if (part.op == Op::ShiftRegister) {
-        shiftStages(node, part, sure);
-        return;
-    }
-    if (part.op == Op::MultiplyAdd) {
-        multiplyAdd(node, part, sure);
-        return;
-    }
-    if (part.op == Op::ClockedRead) {
-        readClocked(node, part, sure);
-        return;
-    }
-    const Span<Signal> in = step.in;
-    const Span<Signal> out = step.out;
-    const Lanes enable = m_values[in[1]];
-    const Lanes reset = m_values[in[2]];
-    for (std::size_t bit = 0; bit < part.width; ++bit) {
-        const Lanes q = m_values[out[bit]];
-        const Lanes d = m_values[in[4 + bit]];
-        const char value = bit < part.reset.size() ? part.reset[bit] : 'x';
-        const Lanes start = value == '1' ? ONE : value == '0' ? ZERO : UNKNOWN;
-        setLater(out[bit],
-                 part.has(PART_ENABLE_FIRST) ? choose(enable, q, choose(reset, d, start))
-                                             : choose(reset, choose(enable, q, d), start),
-                 sure, maybe);
+    switch (step.part->op) {
+    case Op::ShiftRegister:
+        return shiftStages(*step.node, *step.part, edge);
+    case Op::MultiplyAdd:
+        return multiplyAdd(*step.node, *step.part, edge);
+    default:
+        return readClocked(*step.node, *step.part, edge);
     }
 }
 
@@ -162,7 +158,7 @@ void Simulator::multiplyAdd(const Node &node, const Part &part, std::uint64_t ed
     for (std::size_t bit = 0; bit < out.size(); ++bit) {
         const Lanes next = choose(enable, before[bit], m_values[out[bit]]);
         m_values[out[bit]] = before[bit];
-        setLater(out[bit], next, edge, 0);
+        setLater(out[bit], next, edge);
     }
 }
 
@@ -179,39 +175,33 @@ void Simulator::readClocked(const Node &node, const Part &part, std::uint64_t ed
     for (std::size_t bit = 0; bit < out.size(); ++bit) {
         const Lanes next = choose(enable, before[bit], m_values[out[bit]]);
         m_values[out[bit]] = before[bit];
-        setLater(out[bit], next, edge, 0);
+        setLater(out[bit], next, edge);
     }
 }
 
 /// Runs in which it is not known whether or where is written keep what they have: both netlists are looked at the same
 /// way, and contents that are not known would spread over the whole memory.
-void Simulator::writeMemory(const Node &node, std::uint64_t edge)
+void Simulator::writeMemory(const Step &step, std::uint64_t edge)
 {
-    const Part &part = m_graph.partOf(node);
-    const Span<Signal> in = m_graph.inputsOf(node);
+    const Node &node = *step.node;
+    const Part &part = *step.part;
+    const Span<Signal> in = step.in;
     const Memory &memory = m_graph.memories[node.state];
-    std::array<std::uint64_t, 64> places;
-    const std::uint64_t known = numbersOf(m_values, {in.begin() + 1, in.begin() + 1 + part.inputs}, places) & edge;
-    const Signal *const data = in.begin() + 1 + part.inputs;
+    const Span<Signal> address(in.begin() + 1, in.begin() + 1 + part.inputs);
+    const Signal *const data = address.end();
     const Signal *const enables = data + part.width;
     std::uint64_t written = 0;
     for (std::size_t bit = 0; bit < part.width; ++bit) {
         written |= m_values[enables[bit]].one & ~m_values[enables[bit]].zero;
     }
-    written &= known;
-    for (std::size_t lane = 0; lane < 64; ++lane) {
-        const std::uint64_t mask = std::uint64_t{1} << lane;
-        if ((written & mask) == 0 || places[lane] >= memory.words()) {
-            continue;
-        }
-        Lanes *const word = m_contents.data() + m_firstContent[node.state] + places[lane] * memory.width;
+    Lanes *const contents = m_contents.data() + m_firstContent[node.state];
+    forEachAddress(m_values, address, memory.words(), written & edge, [&](std::size_t place, std::uint64_t lanes) {
+        Lanes *const word = contents + place * memory.width;
         for (std::size_t bit = 0; bit < part.width && bit < memory.width; ++bit) {
             const Lanes enable = m_values[enables[bit]];
-            if ((enable.one & ~enable.zero & mask) != 0) {
-                word[bit] = inLanes(mask, m_values[data[bit]], word[bit]);
-            }
+            word[bit] = inLanes(lanes & enable.one & ~enable.zero, m_values[data[bit]], word[bit]);
         }
-    }
+    });
 }
 
 } // namespace kvr::netlistdb::analysis::probe

@@ -8,6 +8,17 @@
 
 namespace kvr::netlistdb::analysis::probe {
 
+namespace {
+
+/// What a reset makes of a bit: 0, 1, or 2 where that is not known.
+std::uint8_t startOf(const Part &part, std::size_t bit)
+{
+    const char value = bit < part.reset.size() ? part.reset[bit] : 'x';
+    return value == '0' ? 0 : value == '1' ? 1 : 2;
+}
+
+} // namespace
+
 Simulator::Simulator(const BitGraph &graph) : m_graph(graph)
 {
     for (const Node &node : graph.nodes) {
@@ -31,9 +42,9 @@ Simulator::Simulator(const BitGraph &graph) : m_graph(graph)
         }
     }
     m_order = logicOrderOf(graph);
-    m_steps = stepsOf(m_order);
     findClocks();
     findControl();
+    compile({});
     restart();
 }
 
@@ -51,13 +62,68 @@ void Simulator::findClocks()
             m_groups.emplace_back().clock = clock;
             m_clockSignals.push_back(clock);
         }
-        m_groups[groupOf[clock]].nodes.push_back(number);
-        m_groups[groupOf[clock]].steps.push_back(stepOf(number));
+        ClockGroup &group = m_groups[groupOf[clock]];
+        group.nodes.push_back(number);
+        addClocked(number, part.has(PART_FALLING) ? group.falling : group.rising);
         if (part.op == Op::FlipFlop &&
             (m_graph.inputsOf(m_graph.nodes[number])[3] != SIGNAL_ZERO || part.has(PART_SETS_CLEARS))) {
-            m_asynchronous.push_back(stepOf(number));
+            addAsynchronous(number);
         }
     }
+}
+
+void Simulator::addClocked(std::uint32_t node, Clocked &clocked) const
+{
+    const Step step = stepOf(node);
+    const Part &part = *step.part;
+    clocked.isEmpty = false;
+    if (part.op == Op::FlipFlop) {
+        std::vector<FlipFlopBit> &bits = part.has(PART_ENABLE_FIRST) ? clocked.enableFirst : clocked.resetFirst;
+        for (std::size_t bit = 0; bit < part.width; ++bit) {
+            bits.push_back({step.out[bit], step.in[4 + bit], step.in[1], step.in[2], startOf(part, bit)});
+        }
+    } else if (part.op == Op::MemoryWrite) {
+        clocked.writes.push_back(step);
+    } else if (part.has(PART_WRITE_FIRST)) {
+        clocked.writeFirst.push_back(step);
+    } else {
+        clocked.others.push_back(step);
+    }
+}
+
+void Simulator::addAsynchronous(std::uint32_t node)
+{
+    const Step step = stepOf(node);
+    if (step.part->has(PART_SETS_CLEARS) || step.part->has(PART_LOADS)) {
+        m_asynchronousBits.push_back({0, 0, 0, static_cast<std::uint32_t>(m_asynchronous.size())});
+        m_asynchronous.push_back(step);
+        return;
+    }
+    for (std::size_t bit = 0; bit < step.part->width; ++bit) {
+        m_asynchronousBits.push_back({step.out[bit], step.in[3], startOf(*step.part, bit), NONE});
+    }
+}
+
+/// Parts the logic into that which registers, memories and @p alsoRead depend on and the rest.
+void Simulator::compile(const std::vector<Signal> &alsoRead)
+{
+    std::vector<Signal> read = alsoRead;
+    for (const Node &node : m_graph.nodes) {
+        if (m_graph.partOf(node).isClocked()) {
+            const Span<Signal> inputs = m_graph.inputsOf(node);
+            read.insert(read.end(), inputs.begin(), inputs.end());
+        }
+    }
+    const std::vector<std::uint32_t> states = coneOf(read);
+    std::vector<bool> isIn(m_graph.nodes.size(), false);
+    for (const std::uint32_t node : states) {
+        isIn[node] = true;
+    }
+    std::vector<std::uint32_t> rest;
+    std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(rest),
+                 [&](std::uint32_t node) { return !isIn[node]; });
+    m_states = LogicProgram(m_graph, states, m_graph.external);
+    m_rest = LogicProgram(m_graph, rest, m_graph.external);
 }
 
 std::vector<std::uint32_t> Simulator::coneOf(const std::vector<Signal> &signals) const
@@ -82,35 +148,28 @@ std::vector<std::uint32_t> Simulator::coneOf(const std::vector<Signal> &signals)
 void Simulator::findControl()
 {
     std::vector<Signal> signals = m_clockSignals;
+    for (const AsynchronousBit &bit : m_asynchronousBits) {
+        if (bit.step == NONE) {
+            signals.push_back(bit.reset);
+        }
+    }
     for (const Step &step : m_asynchronous) {
-        const Part &part = *step.part;
-        const Span<Signal> in = step.in;
-        signals.push_back(in[3]);
-        if (part.has(PART_SETS_CLEARS)) {
-            signals.insert(signals.end(), in.begin() + 4 + part.width, in.end());
+        signals.push_back(step.in[3]);
+        if (step.part->has(PART_SETS_CLEARS)) {
+            signals.insert(signals.end(), step.in.begin() + 4 + step.part->width, step.in.end());
         }
     }
     const std::vector<std::uint32_t> control = coneOf(signals);
-    m_control = stepsOf(control);
+    m_control = LogicProgram(m_graph, control, m_graph.external);
     m_isControl.assign(m_graph.signalCount, false);
     for (const Signal signal : signals) {
         m_isControl[signal] = true;
     }
-    for (const Step &step : m_control) {
-        for (const Signal input : step.in) {
+    for (const std::uint32_t node : control) {
+        for (const Signal input : m_graph.inputsOf(m_graph.nodes[node])) {
             m_isControl[input] = true;
         }
     }
-}
-
-std::vector<Simulator::Step> Simulator::stepsOf(const std::vector<std::uint32_t> &nodes) const
-{
-    std::vector<Step> steps;
-    steps.reserve(nodes.size());
-    for (const std::uint32_t node : nodes) {
-        steps.push_back(stepOf(node));
-    }
-    return steps;
 }
 
 } // namespace kvr::netlistdb::analysis::probe

@@ -46,7 +46,7 @@ class Comparison:
         wrong = []
         late = {row["net"]: self.after_start(self.elaborated.of(row["net"])) for row in rows}
         waves = self.post_map_waves()
-        there = {net for net, wave in late.items() if wave in waves}
+        there = {net for net, wave in late.items() if self.occurs(net, waves.get(wave, ()))}
         often = collections.Counter(late[net] for net in there & self.registers)
         for row in rows:
             net, grade = row["net"], row["grade"]
@@ -107,15 +107,23 @@ class Comparison:
         return None if ones in (0, (1 << (self.cycles - SETTLED)) - 1) else ones
 
     def post_map_waves(self):
-        """The waveforms of the post-map netlist, and their inverses."""
-        waves = set()
-        whole = (1 << (self.cycles - SETTLED)) - 1
+        """The whole waveforms of the post-map netlist, and their inverses, by what they are from SETTLED on."""
+        waves = collections.defaultdict(list)
+        whole = (1 << self.cycles) - 1
         # Below the top there is only what is inside the models of cells.
         for name in (name for name in self.post_map.names if "/" not in name):
-            wave = self.after_start(self.post_map.of(name))
-            if wave is not None:
-                waves |= {wave, wave ^ whole}
+            ones, unknown = self.post_map.of(name)
+            for wave in ((ones, unknown), (~(ones | unknown) & whole, unknown)):
+                late = self.after_start(wave)
+                if late is not None:
+                    waves[late].append(wave)
         return waves
+
+    def occurs(self, net, waves):
+        """Whether one of the waveforms has the values of a net before SETTLED, too, as far as both are known: a processor
+        may end in a loop in which nets are equal that were not on the way."""
+        ones, unknown = self.elaborated.of(net) or (0, 0)
+        return any((ones ^ other) & ~(unknown | others) == 0 for other, others in waves)
 
 
 def figures_of(design, cycles, nameless):
