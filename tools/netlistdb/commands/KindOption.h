@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstdint>
+#include "design/Kinds.h"
+
 #include <string>
 
 namespace CLI {
@@ -8,18 +9,6 @@ class App;
 }
 
 namespace kvr::netlistdb::tool {
-
-/// Which kinds of items a result shows; all of them by default.
-class Kinds {
-  public:
-    /// @p type is a type code of IVDBItem.
-    bool has(std::uint32_t type) const { return all() || (m_types & type) != 0; }
-    bool all() const { return m_types == 0; }
-    void add(std::uint32_t type) { m_types |= type; }
-
-  private:
-    std::uint32_t m_types = 0;
-};
 
 /// Adds `--kind`, which takes one or several of @p names, separated by commas.
 void addKinds(CLI::App &command, Kinds &kinds, const std::string &names);

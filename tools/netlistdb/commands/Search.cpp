@@ -5,11 +5,10 @@
 #include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
-#include "design/ItemFacts.h"
 #include "design/NamePattern.h"
-#include "design/OtherNameHits.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
+#include "design/SearchWalk.h"
 
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
@@ -76,24 +75,12 @@ class SearchCommand : public DesignCommand {
         head.command = "search";
         head.facts = {
             {"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}, {"pattern", m_own.front()}};
-        head.columns = {{"kind", "KIND", Look::Dim, false, 8},
-                        {"width", "WIDTH", Look::Plain, true, 5},
-                        {nullptr, "PATH"},
-                        {"path", nullptr},
-                        {"module", nullptr},
-                        {"user_module", nullptr},
-                        {"user_declared", nullptr},
-                        {"file", nullptr},
-                        {"line", nullptr},
-                        {"matched", nullptr},
-                        {"aliases", nullptr},
-                        {"sources", nullptr},
-                        {"attributes", nullptr}};
+        SearchWalk results(*design, m_param, pattern, m_kinds, m_limit);
+        head.columns = results.columns();
         writer->begin(head);
-        SearchResults results(design->database().search(m_param));
-        const Ending ending = walk(*design, results, pattern, *writer, session);
+        const Ending ending = walk(results, *writer, session);
         session.stats.end();
-        const int exitCode = session.finish(*writer, m_found > 0, ending);
+        const int exitCode = session.finish(*writer, results.found() > 0, ending);
         if (exitCode == EXIT_NOTHING_FOUND) {
             session.note(fmt::format("no full name{} {} '{}'{}", m_kinds.all() ? "" : " of that kind",
                                      m_glob || m_regex ? "matches" : "holds", m_own.front(), hint(m_own.front())));
@@ -117,122 +104,15 @@ class SearchCommand : public DesignCommand {
         return m_glob ? "; --glob matches whole names, and '**' any number of levels" : "";
     }
 
-    Ending walk(Design &design, SearchResults &results, const NamePattern &pattern, ResultWriter &writer,
-                Session &session)
+    Ending walk(SearchWalk &results, ResultWriter &writer, Session &session) const
     {
         const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
-        OtherNameHits others(design, pattern, m_param.userNetsOnly);
-        for (;;) {
-            IVDBItem *item = !session.interrupt.requested() && results.next() ? results.getCurrent() : nullptr;
-            // Hits by other names come between the buses and the nets of their instance.
-            if (item == nullptr || item->getItemType() != ITEM_NET_BUS) {
-                for (const OtherNameHit &hit : others.take()) {
-                    if (!m_kinds.has(kindOf(hit))) {
-                        continue;
-                    }
-                    write(design, writer, hit);
-                    if (m_found == m_limit) {
-                        return Ending::Limit;
-                    }
-                }
-            }
-            if (item == nullptr) {
-                break;
-            }
-            meet(design, *item, others, pattern, writer);
-            if (m_found == m_limit) {
-                return Ending::Limit;
-            }
+        while (!session.interrupt.requested() && results.step(writer)) {
             writer.tick();
         }
-        return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
-    }
-
-    /// Instances come along as the context of their nets, whether they match or not.
-    void meet(Design &design, IVDBItem &item, OtherNameHits &others, const NamePattern &pattern, ResultWriter &writer)
-    {
-        if (item.getItemType() == ITEM_INSTANCE) {
-            m_instance = static_cast<IVDBInstance *>(&item);
-            m_path = m_instance->getPath();
-            if (!m_path.empty() && m_kinds.has(ITEM_INSTANCE) && pattern.matches(m_path)) {
-                writeInstance(design, writer);
-            }
-            m_prefix = m_path + (m_path.empty() ? "" : "/");
-            others.enter(*m_instance, m_prefix);
-            return;
-        }
-        if (!m_kinds.has(item.getItemType())) {
-            return;
-        }
-        auto &net = static_cast<IVDBNetBase &>(item);
-        m_name.assign(m_prefix).append(net.getName());
-        if (pattern.matches(m_name) && !others.covers(net)) {
-            OtherNameHit hit;
-            hit.item = &net;
-            write(design, writer, hit);
-        }
-    }
-
-    void writeInstance(Design &design, ResultWriter &writer)
-    {
-        ++m_found;
-        ItemFacts facts;
-        if (!writer.isTable()) {
-            facts = design.factsOf(*m_instance);
-        }
-        IVDBNetlist &module = *m_instance->getModule();
-        writer.row({std::string_view("instance"),
-                    {},
-                    std::string_view(m_path),
-                    std::string_view(m_path),
-                    std::string_view(module.getName()),
-                    std::string_view(design.nameOf(module)),
-                    module.isUserDeclared(),
-                    facts.fileValue(),
-                    facts.lineValue(),
-                    {},
-                    &facts.aliases,
-                    &facts.sources,
-                    &facts.attributes});
-    }
-
-    static std::uint32_t kindOf(const OtherNameHit &hit)
-    {
-        if (hit.item != nullptr) {
-            return hit.item->getItemType();
-        }
-        return hit.signal->isVector ? ITEM_NET_BUS : ITEM_NET;
-    }
-
-    void write(Design &design, ResultWriter &writer, const OtherNameHit &hit)
-    {
-        ++m_found;
-        const std::string path = m_prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
-        const std::string matched = hit.matched.empty() ? "" : m_prefix + hit.matched;
-        const std::string shown = matched.empty() ? path : path + " (= " + matched + ")";
-        ItemFacts facts;
-        if (!writer.isTable()) {
-            facts = hit.item != nullptr ? factsOf(design.names(*m_instance->getModule()), *hit.item)
-                                        : factsOf(design.names(*m_instance->getModule()), *hit.signal);
-            for (std::string &alias : facts.aliases) {
-                alias.insert(0, m_prefix);
-            }
-        }
-        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.signal->declared;
-        const std::uint64_t width = hit.item != nullptr ? hit.item->getWidth() : hit.signal->bits.size();
-        writer.row({std::string_view(kindOf(hit) == ITEM_NET_BUS ? "bus" : "net"),
-                    width,
-                    std::string_view(shown),
-                    std::string_view(path),
-                    {},
-                    {},
-                    declared,
-                    facts.fileValue(),
-                    facts.lineValue(),
-                    matched.empty() ? Value() : std::string_view(matched),
-                    &facts.aliases,
-                    &facts.sources,
-                    &facts.attributes});
+        return session.interrupt.requested() ? Ending::Interrupted
+               : results.isAtLimit()         ? Ending::Limit
+                                             : Ending::Complete;
     }
 
     bool m_regex = false;
@@ -243,12 +123,6 @@ class SearchCommand : public DesignCommand {
     Kinds m_kinds;
     std::uint64_t m_limit = UINT64_MAX;
     VDBSearchParam m_param;
-
-    std::uint64_t m_found = 0;
-    IVDBInstance *m_instance = nullptr; ///< whose nets follow
-    std::string m_path;                 ///< of that instance
-    std::string m_prefix;               ///< in front of the names of its nets
-    std::string m_name;                 ///< full name of the net at hand, in one buffer for all
 };
 
 } // namespace
