@@ -24,8 +24,10 @@ LAYERS = {
     "tools/netlistdb/output": {"tools/netlistdb/base"},
     "tools/netlistdb/design": {"tools/netlistdb/base", "tools/netlistdb/output", "library", "analysis",
                                "platform/names", "platform/verific", "frontend/yosys"},
-    "tools/netlistdb/commands": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library",
-                                 "analysis", "platform/verific"},
+    "tools/netlistdb/serve": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design", "library",
+                              "analysis"},
+    "tools/netlistdb/commands": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
+                                 "tools/netlistdb/serve", "library", "analysis", "platform/verific"},
     "tools/netlistdb/app": {"tools/netlistdb/base", "tools/netlistdb/output", "tools/netlistdb/design",
                             "tools/netlistdb/commands"},
 }
