@@ -7,6 +7,8 @@ step() { printf '\n== %s (after %d s)\n' "$1" "$SECONDS"; }
 
 step "Packages"
 install_packages packages-test.txt
+# Other releases of Node.js bring an npm of their own, which Debian's conflicts with.
+command -v npm >/dev/null || install_packages packages-npm.txt
 
 step "Clang, address and undefined-behaviour sanitizers: every test but packaging, and a fixed run of each fuzzer"
 build_preset asan

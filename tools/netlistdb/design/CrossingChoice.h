@@ -9,8 +9,8 @@
 namespace kvr::netlistdb::tool {
 
 /// All severities, the best first.
-constexpr analysis::Severity SEVERITIES[] = {analysis::Severity::Safe, analysis::Severity::Warning,
-                                             analysis::Severity::Unsafe};
+inline constexpr analysis::Severity SEVERITIES[] = {analysis::Severity::Safe, analysis::Severity::Warning,
+                                                    analysis::Severity::Unsafe};
 
 /// The severity that nameOf() gives that name.
 std::optional<analysis::Severity> severityCalled(std::string_view name);

@@ -12,9 +12,9 @@
 namespace kvr::netlistdb::tool {
 
 /// All grades, the surest first.
-constexpr std::array GRADES = {analysis::ProbeGrade::Exact,      analysis::ProbeGrade::Register,
-                               analysis::ProbeGrade::Structural, analysis::ProbeGrade::Merged,
-                               analysis::ProbeGrade::Gone,       analysis::ProbeGrade::Unknown};
+inline constexpr std::array GRADES = {analysis::ProbeGrade::Exact,      analysis::ProbeGrade::Register,
+                                      analysis::ProbeGrade::Structural, analysis::ProbeGrade::Merged,
+                                      analysis::ProbeGrade::Gone,       analysis::ProbeGrade::Unknown};
 
 /// A net that is to be shown with what it is in the other form.
 struct MatchedNet {

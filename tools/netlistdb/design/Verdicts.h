@@ -10,8 +10,8 @@
 namespace kvr::netlistdb::tool {
 
 /// All verdicts, the best first.
-constexpr std::array VERDICTS = {analysis::ProbeVerdict::Ok, analysis::ProbeVerdict::Warning,
-                                 analysis::ProbeVerdict::Partly, analysis::ProbeVerdict::No};
+inline constexpr std::array VERDICTS = {analysis::ProbeVerdict::Ok, analysis::ProbeVerdict::Warning,
+                                        analysis::ProbeVerdict::Partly, analysis::ProbeVerdict::No};
 
 /// The verdict that nameOf() gives that name.
 inline std::optional<analysis::ProbeVerdict> verdictCalled(std::string_view name)
