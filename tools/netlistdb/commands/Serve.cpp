@@ -20,13 +20,14 @@ class ServeCommand : public Command {
   public:
     const char *name() const override { return "serve"; }
     const char *summary() const override { return "Answer an assistant, an editor or a page over a pipe"; }
-    const char *arguments() const override { return "[NAME=]DESIGN... [OPTIONS]"; }
+    const char *arguments() const override { return "DESIGN... [OPTIONS]"; }
     const char *more() const override
     {
         return "Speaks the Model Context Protocol on standard input and output, until its input ends. docs/serve.md\n"
-               "shows how to connect a client. Each DESIGN is served under NAME, or else the name of its file without\n"
-               "what follows the dot; Verilog sources that follow each other are one design. What asks for names is\n"
-               "answered while the designs are read; other questions wait for that.\n\n"
+               "shows how to connect a client. A DESIGN given as NAME=FILE is served under NAME, others under the\n"
+               "name of their file without what follows the dot; Verilog sources that follow each other are one "
+               "design.\n"
+               "Questions wait until the designs are read.\n\n"
                "Examples:\n"
                "  netlistdb serve soc.json\n"
                "  netlistdb serve soc_rtl.json --post-map soc_mapped.json\n"

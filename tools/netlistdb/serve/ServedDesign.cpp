@@ -1,6 +1,8 @@
 #include "serve/ServedDesign.h"
 
 #include "base/Failure.h"
+#include "base/Progress.h"
+#include "base/Stats.h"
 #include "serve/Call.h"
 
 #include <utility>
@@ -9,38 +11,41 @@ namespace kvr::netlistdb::tool {
 
 void ServedDesign::load(const Reading &reading)
 {
-    if (!hasBothForms()) {
+    if (hasBothForms()) {
+        DesignPair pair = loadDesignPair(m_source.files, m_source.postMap, reading);
+        m_first = std::make_unique<ServedForm>(std::move(pair.elaborated), m_source.rules, reading.interrupt);
+        m_postMap = std::make_unique<ServedForm>(std::move(pair.postMap), m_source.rules, reading.interrupt);
+    } else {
         m_first = std::make_unique<ServedForm>(loadDesign(m_source.files, Clocks::Yes, reading), m_source.rules,
                                                reading.interrupt);
-        return;
     }
-    DesignPair pair = loadDesignPair(m_source.files, m_source.postMap, reading);
-    m_first = std::make_unique<ServedForm>(std::move(pair.elaborated), m_source.rules, reading.interrupt);
-    m_postMap = std::make_unique<ServedForm>(std::move(pair.postMap), m_source.rules, reading.interrupt);
+    reading.progress.begin("following clocks");
+    reading.stats.begin("clocks");
+    for (ServedForm *form : forms()) {
+        form->clocks(nullptr);
+        // A path of two levels has the children of the top and the names in it looked up.
+        form->paths().find("/");
+    }
+    reading.progress.clear();
 }
 
-std::vector<std::function<void()>> ServedDesign::preparations()
+std::vector<std::function<void()>> ServedDesign::preparations() const
 {
     std::vector<std::function<void()>> steps;
-    for (ServedForm *form : {m_first.get(), m_postMap.get()}) {
-        if (form != nullptr) {
-            steps.emplace_back([form] { form->clocks(nullptr); });
-            // A path of two levels has the children of the top and the names in it looked up.
-            steps.emplace_back([form] { form->paths().find("/"); });
-            steps.emplace_back([form] { form->counts(nullptr); });
-            steps.emplace_back([form] { form->census(nullptr); });
-        }
-    }
-    if (hasBothForms()) {
-        steps.emplace_back([this] { match(nullptr); });
-    }
-    steps.emplace_back([this] { report(nullptr); });
-    for (ServedForm *form : {m_first.get(), m_postMap.get()}) {
-        if (form != nullptr) {
-            steps.emplace_back([form] { form->crossings(nullptr); });
-        }
+    for (ServedForm *form : forms()) {
+        steps.emplace_back([form] { form->counts(nullptr); });
+        steps.emplace_back([form] { form->census(nullptr); });
     }
     return steps;
+}
+
+std::vector<ServedForm *> ServedDesign::forms() const
+{
+    std::vector<ServedForm *> forms = {m_first.get()};
+    if (m_postMap != nullptr) {
+        forms.push_back(m_postMap.get());
+    }
+    return forms;
 }
 
 ServedForm &ServedDesign::form(const std::string &name)

@@ -29,11 +29,14 @@ class ServedDesign {
 
     const ServedSource &source() const { return m_source; }
     bool hasBothForms() const { return !m_source.postMap.empty(); }
-    /// Reads and imports the design.
+    /// Reads and imports the design, and makes what most questions rest on.
     /// @throws Failure, Interrupted
     void load(const Reading &reading);
-    /// What follows is for a design that was loaded. Each makes something that questions rest on.
-    std::vector<std::function<void()>> preparations();
+    // What follows is for a design that was loaded.
+
+    /// Steps that take a second at most, even for a design of a million leaves. Each makes something that further
+    /// questions rest on.
+    std::vector<std::function<void()>> preparations() const;
 
     /// The form called @p name; empty for the form that there is, and of two the elaborated one.
     /// @throws Failure when the design has no such form.
@@ -46,6 +49,8 @@ class ServedDesign {
     const analysis::ProbeReport &report(Call *call);
 
   private:
+    std::vector<ServedForm *> forms() const;
+
     ServedSource m_source;
     std::unique_ptr<ServedForm> m_first; ///< the elaborated form when there are two
     std::unique_ptr<ServedForm> m_postMap;

@@ -23,7 +23,7 @@ class ServedForm {
 
     Design &design() { return *m_design; }
     PathResolver &paths() { return m_paths; }
-    // A null call is that of nobody: what is made beforehand.
+    // A null call is that of nobody: of what is made beforehand.
     const analysis::ClockMap &clocks(Call *call);
     const Census &census(Call *call);
     const analysis::NetCounts &counts(Call *call);
