@@ -25,9 +25,8 @@ class ServeCommand : public Command {
     {
         return "Speaks the Model Context Protocol on standard input and output, until its input ends. docs/serve.md\n"
                "shows how to connect a client. A DESIGN given as NAME=FILE is served under NAME, others under the\n"
-               "name of their file without what follows the dot; Verilog sources that follow each other are one "
-               "design.\n"
-               "Questions wait until the designs are read.\n\n"
+               "name of their file without what follows the dot; Verilog sources in a row are one design. Questions\n"
+               "wait until the designs are read.\n\n"
                "Examples:\n"
                "  netlistdb serve soc.json\n"
                "  netlistdb serve soc_rtl.json --post-map soc_mapped.json\n"
