@@ -161,7 +161,9 @@ void Server::notice(const RpcMessage &notification)
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_calls.find(jsonText(*id));
     if (found != m_calls.end()) {
+        // Its id is free at once, however long the worker takes to see it.
         found->second->cancel();
+        m_calls.erase(found);
     }
 }
 
@@ -260,7 +262,10 @@ void Server::runCall(const Tool &tool, const Json &arguments, const std::shared_
 void Server::forget(const Call &call)
 {
     const std::lock_guard<std::mutex> guard(m_lock);
-    m_calls.erase(jsonText(call.requestId()));
+    const auto found = m_calls.find(jsonText(call.requestId()));
+    if (found != m_calls.end() && found->second.get() == &call) {
+        m_calls.erase(found);
+    }
 }
 
 void Server::answer(const Request &request, Json result)
