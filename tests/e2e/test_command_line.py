@@ -3,7 +3,7 @@ import unittest
 
 from program import ELABORATED, ProgramTest, run
 
-COMMANDS = ("info", "tree", "search", "clocks", "clock-of", "probes", "map", "html", "save", "checksum")
+COMMANDS = ("info", "tree", "search", "clocks", "clock-of", "probes", "map", "html", "serve", "save", "checksum")
 
 
 class CommandLine(ProgramTest):

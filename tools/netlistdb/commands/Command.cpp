@@ -68,6 +68,7 @@ std::vector<std::unique_ptr<Command>> makeCommands()
     commands.push_back(makeMapCommand());
     commands.push_back(makePlanCommand());
     commands.push_back(makeHtmlCommand());
+    commands.push_back(makeServeCommand());
     commands.push_back(makeSaveCommand());
     commands.push_back(makeChecksumCommand());
     return commands;

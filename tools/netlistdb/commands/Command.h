@@ -65,6 +65,7 @@ std::unique_ptr<Command> makeProbesCommand();
 std::unique_ptr<Command> makeMapCommand();
 std::unique_ptr<Command> makePlanCommand();
 std::unique_ptr<Command> makeHtmlCommand();
+std::unique_ptr<Command> makeServeCommand();
 std::unique_ptr<Command> makeSaveCommand();
 std::unique_ptr<Command> makeChecksumCommand();
 

@@ -11,19 +11,6 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 using analysis::CrossingClass;
-using analysis::Severity;
-
-constexpr Severity SEVERITIES[] = {Severity::Safe, Severity::Warning, Severity::Unsafe};
-
-std::optional<Severity> severityCalled(const std::string &name)
-{
-    for (const Severity severity : SEVERITIES) {
-        if (name == nameOf(severity)) {
-            return severity;
-        }
-    }
-    return std::nullopt;
-}
 
 /// Adds an option whose values @p take accepts, one after the other; false: unknown.
 template <typename Target, typename Take> void addList(CLI::App &app, const std::string &flag, Target &target,

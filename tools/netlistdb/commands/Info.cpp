@@ -1,7 +1,7 @@
 #include "commands/Command.h"
-#include "commands/InfoReport.h"
 #include "commands/Session.h"
 #include "design/Design.h"
+#include "design/InfoReport.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -28,12 +28,9 @@ class InfoCommand : public DesignCommand {
     {
         const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
         session.stats.begin("count");
-        InfoReport report;
-        report.top = design->nameOf(design->top());
-        report.form = design->form();
-        report.devices = design->devices();
-        report.census = takeCensus(*design, session.interrupt);
-        report.clockDomains = design->clocks().clocks().size();
+        const Census census = takeCensus(*design, session.interrupt);
+        const InfoReport report{design->nameOf(design->top()), design->form(), design->devices(), census,
+                                design->clocks().clocks().size()};
         report.write(session.options.format, session.output, session.color);
         session.stats.end();
         return session.finish(true);

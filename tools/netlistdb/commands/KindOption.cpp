@@ -2,19 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <netlistdb/IVDBItem.h>
 #include <sstream>
 
 namespace kvr::netlistdb::tool {
-
-namespace {
-
-std::uint32_t typeOf(const std::string &name)
-{
-    return name == "instance" ? ITEM_INSTANCE : name == "bus" ? ITEM_NET_BUS : ITEM_NET;
-}
-
-} // namespace
 
 void addKinds(CLI::App &command, Kinds &kinds, const std::string &names)
 {
@@ -24,7 +14,7 @@ void addKinds(CLI::App &command, Kinds &kinds, const std::string &names)
             if (part.empty() || ("," + names + ",").find("," + part + ",") == std::string::npos) {
                 throw CLI::ValidationError(fmt::format("--kind: '{}' is none of {}", part, names));
             }
-            kinds.add(typeOf(part));
+            kinds.add(std::string_view(part));
         }
     };
     command.add_option_function<std::string>("--kind", take, "Show these kinds only")->type_name(names);

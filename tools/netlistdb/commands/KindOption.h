@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <netlistdb/IVDBItem.h>
+#include "design/Kinds.h"
+
 #include <string>
 
 namespace CLI {
@@ -9,20 +9,6 @@ class App;
 }
 
 namespace kvr::netlistdb::tool {
-
-/// Which kinds of items a result shows; all of them by default.
-class Kinds {
-  public:
-    /// @p type is a type code of IVDBItem.
-    bool has(std::uint32_t type) const { return all() || (m_types & type) != 0; }
-    bool all() const { return m_types == 0; }
-    /// All of them as a mask of type codes.
-    std::uint32_t mask() const { return all() ? ITEM_INSTANCE | ITEM_NET | ITEM_NET_BUS : m_types; }
-    void add(std::uint32_t type) { m_types |= type; }
-
-  private:
-    std::uint32_t m_types = 0;
-};
 
 /// Adds `--kind`, which takes one or several of @p names, separated by commas.
 void addKinds(CLI::App &command, Kinds &kinds, const std::string &names);

@@ -5,24 +5,17 @@
 #include "commands/Session.h"
 #include "design/Design.h"
 #include "design/MatchRows.h"
-#include "design/PathResolver.h"
-#include "design/ProbeList.h"
+#include "design/MatchedNets.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <deque>
 #include <fmt/format.h>
-#include <iterator>
 #include <netlistdb/analysis/CrossProbe.h>
 #include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
 
 namespace {
-
-constexpr std::array GRADES = {analysis::ProbeGrade::Exact,      analysis::ProbeGrade::Register,
-                               analysis::ProbeGrade::Structural, analysis::ProbeGrade::Merged,
-                               analysis::ProbeGrade::Gone,       analysis::ProbeGrade::Unknown};
 
 std::string gradeNames()
 {
@@ -95,7 +88,7 @@ class MapCommand : public Command {
         const DesignPair pair = loadDesignPair({m_elaborated}, m_postMap, session.reading());
         Design &from = m_reverse ? *pair.postMap : *pair.elaborated;
         PathResolver resolver(from);
-        std::vector<MatchedNet> nets = askedFor(from, resolver);
+        MatchedNets nets(from, resolver, m_paths, m_all);
         session.progress.begin("matching");
         session.stats.begin("match");
         const analysis::CrossProbe probe(from.database());
@@ -107,19 +100,11 @@ class MapCommand : public Command {
                       {"elaborated", std::string_view(pair.elaborated->name())},
                       {"post_map", std::string_view(pair.postMap->name())},
                       {"reverse", m_reverse}};
-        head.columns = {{"net", "NET"},
-                        {"grade", "GRADE"},
-                        {"reason", nullptr},
-                        {"match", "MATCH", Look::Name},
-                        {"inverted", nullptr},
-                        {"also", nullptr},
-                        {"cell", nullptr},
-                        {"evidence", nullptr},
-                        {nullptr, "NOTE", Look::Dim}};
+        head.columns = MatchRows::columns();
         writer->begin(head);
         MatchRows rows(*writer);
         std::array<std::uint64_t, GRADES.size()> counts{};
-        for (const MatchedNet &net : nets) {
+        for (MatchedNet net{}; nets.next(net);) {
             analysis::ProbeMatch match =
                 m_reverse ? probe.findBack(net.instance, net.net) : probe.find(net.instance, net.net);
             const auto grade = static_cast<std::size_t>(match.grade);
@@ -146,52 +131,6 @@ class MapCommand : public Command {
                 throw CLI::ValidationError("--grade: '" + name + "' is none of " + gradeNames());
             }
             m_grades[at] = true;
-        }
-    }
-
-    /// The nets of the paths, or of the whole design.
-    std::vector<MatchedNet> askedFor(Design &design, PathResolver &resolver) const
-    {
-        std::vector<MatchedNet> nets;
-        if (m_paths.empty()) {
-            addBelow(design, design.root(), nets);
-        }
-        for (const std::string &path : m_paths) {
-            if (resolver.isInstanceOnly(path)) {
-                addBelow(design, resolver.instance(path), nets);
-                continue;
-            }
-            for (const PathResolver::Bit &bit : resolver.nets(path)) {
-                if (bit.net != nullptr) {
-                    nets.push_back({bit.instance, bit.net, VDBHelper::getNetFullName(bit.net, bit.instance)});
-                }
-            }
-        }
-        return nets;
-    }
-
-    /// Level by level, as a search goes.
-    void addBelow(Design &design, IVDBInstance &start, std::vector<MatchedNet> &nets) const
-    {
-        std::deque<IVDBInstance *> waiting = {&start};
-        for (; !waiting.empty(); waiting.pop_front()) {
-            IVDBInstance &instance = *waiting.front();
-            const std::vector<IVDBInstance *> &children = instance.getSubInstances();
-            waiting.insert(waiting.end(), children.begin(), children.end());
-            // Nets inside cells are not what the user declared.
-            if (design.isBlackBox(*instance.getModule()) || (children.empty() && &instance != &design.root())) {
-                continue;
-            }
-            for (const Probe &probe : probesOf(design, *instance.getModule())) {
-                if (probe.item != nullptr && !probe.item->isSelectableForDebugger()) {
-                    continue;
-                }
-                for (IVDBNet *net : probe.bits) {
-                    if ((m_all || probe.declared) && net != nullptr && net->isSelectableForDebugger()) {
-                        nets.push_back({&instance, net, VDBHelper::getNetFullName(net, &instance)});
-                    }
-                }
-            }
         }
     }
 

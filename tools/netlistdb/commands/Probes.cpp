@@ -6,17 +6,15 @@
 #include "commands/VerdictOption.h"
 #include "design/ClockWords.h"
 #include "design/PathResolver.h"
-#include "design/ProbeList.h"
 #include "design/ProbeReasonRows.h"
 #include "design/ProbeRows.h"
+#include "design/ProbeWalk.h"
 #include "design/ProbedDesign.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <deque>
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
-#include <unordered_map>
 
 namespace kvr::netlistdb::tool {
 
@@ -53,12 +51,12 @@ class ProbesCommand : public DesignCommand {
 
     void addOptions(CLI::App &app, CommonOptions &common) override
     {
-        CLI::Option *all = app.add_flag("--all", m_all, "Show nets and buses that no user declared, too");
+        CLI::Option *all = app.add_flag("--all", m_choice.all, "Show nets and buses that no user declared, too");
         CLI::Option *from =
             app.add_option("--from", m_from, "Show what is in the instance PATH and below it only")->type_name("PATH");
-        addKinds(app, m_kinds, "net,bus");
+        addKinds(app, m_choice.kinds, "net,bus");
         CLI::Option *ok = app.add_flag("--ok", m_ok, "Show only what may be probed, at least some bits of it");
-        CLI::Option *verdict = addVerdicts(app, m_verdicts)->excludes(ok);
+        CLI::Option *verdict = addVerdicts(app, m_choice.verdicts)->excludes(ok);
         CLI::Option *whyNot =
             app.add_option("--why-not", m_whyNot, "Show all that is against probing the net or bus PATH")
                 ->type_name("PATH")
@@ -121,12 +119,13 @@ class ProbesCommand : public DesignCommand {
         IVDBInstance &start = PathResolver(probed.design()).startOf(m_from);
         const auto writer = session.makeWriter();
         // What is piped into other programs is to be probed.
-        m_verdicts.finish(m_ok || session.options.paths);
+        m_choice.verdicts.finish(m_ok || session.options.paths);
+        ProbeWalk probes(probed.design(), probed.report(), start, m_choice);
         ProbeRows rows(probed.design(), probed.device() != nullptr, *writer);
-        writer->begin({"probes", factsOf(probed), rows.columns()});
+        writer->begin({"probes", factsOf(probed), ProbeRows::columns(probed.device() != nullptr)});
         const Interrupt::Action stop(session.interrupt);
         const bool isWhole =
-            walk(probed, start, session, *writer, rows) && (!writer->isTable() || writeSorted(probed, session, rows));
+            walk(probes, session, *writer, rows) && (!writer->isTable() || writeSorted(probes, session, rows));
         const Json groups = groupsOf(m_groups, probed.design().clocks());
         std::vector<Fact> facts;
         if (isWhole) {
@@ -152,30 +151,25 @@ class ProbesCommand : public DesignCommand {
         return exitCode;
     }
 
-    /// Level by level, as a search goes. Writes what is found, or for a table keeps it; false when interrupted.
-    bool walk(ProbedDesign &probed, IVDBInstance &start, Session &session, ResultWriter &writer, ProbeRows &rows)
+    /// Writes what the walk finds, or for a table keeps it; false when interrupted.
+    bool walk(ProbeWalk &probes, Session &session, ResultWriter &writer, ProbeRows &rows)
     {
-        std::deque<IVDBInstance *> waiting = {&start};
-        for (; !waiting.empty(); waiting.pop_front()) {
-            IVDBInstance &instance = *waiting.front();
-            const std::vector<IVDBInstance *> &children = instance.getSubInstances();
-            waiting.insert(waiting.end(), children.begin(), children.end());
-            for (const Probe &probe : probesOf(probed.design(), *instance.getModule())) {
-                if (session.interrupt.requested()) {
-                    return false;
-                }
-                const SignalReport report = probed.report().of(&instance, probe.bits, probe.item);
-                if (!m_verdicts.has(report.verdict)) {
-                    continue;
-                }
-                m_found = true;
-                ++m_counts[static_cast<std::size_t>(report.verdict)];
-                m_groups.add(report);
-                if (writer.isTable()) {
-                    m_entries.push_back({groupOf(report), &instance, &probe});
-                } else {
-                    rows.write(instance, probe, report);
-                }
+        ReportedProbe found;
+        for (ProbeWalk::Step step = probes.step(found); step != ProbeWalk::Step::End; step = probes.step(found)) {
+            if (session.interrupt.requested()) {
+                return false;
+            }
+            if (step == ProbeWalk::Step::Passed) {
+                continue;
+            }
+            m_found = true;
+            ++m_counts[static_cast<std::size_t>(found.report.verdict)];
+            m_groups.add(found.report);
+            if (writer.isTable()) {
+                // Reports of all nets at once would take much memory.
+                m_entries.push_back({groupOf(found.report), found.instance, found.probe});
+            } else {
+                rows.write(*found.instance, *found.probe, found.report);
             }
         }
         return !session.interrupt.requested();
@@ -189,7 +183,7 @@ class ProbesCommand : public DesignCommand {
         return report.verdict == ProbeVerdict::No ? NO_CLOCK + 1 : clock ? *clock : NO_CLOCK;
     }
 
-    bool writeSorted(ProbedDesign &probed, Session &session, ProbeRows &rows)
+    bool writeSorted(const ProbeWalk &probes, Session &session, ProbeRows &rows)
     {
         std::stable_sort(m_entries.begin(), m_entries.end(),
                          [](const Entry &a, const Entry &b) { return a.group < b.group; });
@@ -197,40 +191,15 @@ class ProbesCommand : public DesignCommand {
             if (session.interrupt.requested()) {
                 return false;
             }
-            // Reports of all nets at once would take much memory.
-            rows.write(*entry.instance, *entry.probe,
-                       probed.report().of(entry.instance, entry.probe->bits, entry.probe->item));
+            rows.write(*entry.instance, *entry.probe, probes.reportOf(*entry.instance, *entry.probe));
         }
         return true;
-    }
-
-    /// What of @p module is to be shown. Lives as long as the command.
-    const std::vector<Probe> &probesOf(Design &design, IVDBNetlist &module)
-    {
-        const auto [probes, isNew] = m_probes.try_emplace(&module);
-        if (isNew && !design.isBlackBox(module)) {
-            probes->second = tool::probesOf(design, module);
-            const auto end = std::remove_if(probes->second.begin(), probes->second.end(), [&](const Probe &probe) {
-                return !(m_all || probe.declared) || !m_kinds.has(probe.isBus ? ITEM_NET_BUS : ITEM_NET);
-            });
-            probes->second.erase(end, probes->second.end());
-        }
-        return probes->second;
     }
 
     /// All that is against probing one net.
     int explain(ProbedDesign &probed, Session &session)
     {
-        const std::vector<PathResolver::Bit> found = PathResolver(probed.design()).nets(m_whyNot);
-        std::vector<IVDBNet *> nets;
-        std::vector<std::string> names;
-        IVDBNetBus *bus = found.front().net != nullptr ? found.front().net->getOwnerBus() : nullptr;
-        for (const PathResolver::Bit &bit : found) {
-            nets.push_back(bit.net);
-            names.push_back(bit.name);
-            bus = bit.net != nullptr && bit.net->getOwnerBus() == bus ? bus : nullptr;
-        }
-        const SignalReport report = probed.report().of(found.front().instance, nets, bus);
+        const auto [report, names] = askProbe(probed.report(), PathResolver(probed.design()).nets(m_whyNot));
         const bool isFound = !report.findings.empty();
         const auto writer = session.makeWriter();
         if (writer->isTable()) {
@@ -247,14 +216,11 @@ class ProbesCommand : public DesignCommand {
         return session.finish(*writer, isFound, Ending::Complete);
     }
 
-    bool m_all = false;
     bool m_ok = false;
     std::string m_from;
     std::string m_whyNot;
-    Kinds m_kinds;
-    Verdicts m_verdicts;
+    ProbeChoice m_choice;
     bool m_found = false;
-    std::unordered_map<const IVDBNetlist *, std::vector<Probe>> m_probes;
     std::vector<Entry> m_entries;
     analysis::ProbeGroups m_groups;
     std::array<std::uint64_t, VERDICTS.size()> m_counts{};

@@ -5,11 +5,10 @@
 #include "commands/KindOption.h"
 #include "commands/Session.h"
 #include "design/Design.h"
-#include "design/ItemFacts.h"
 #include "design/NamePattern.h"
-#include "design/NameSearch.h"
 #include "design/PathResolver.h"
 #include "design/PathSpellings.h"
+#include "design/SearchWalk.h"
 
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
@@ -75,24 +74,12 @@ class SearchCommand : public DesignCommand {
         head.command = "search";
         head.facts = {
             {"top", design->nameOf(design->top())}, {"form", nameOf(design->form())}, {"pattern", m_own.front()}};
-        head.columns = {{"kind", "KIND", Look::Dim, false, 8},
-                        {"width", "WIDTH", Look::Plain, true, 5},
-                        {nullptr, "PATH"},
-                        {"path", nullptr},
-                        {"module", nullptr},
-                        {"user_module", nullptr},
-                        {"user_declared", nullptr},
-                        {"file", nullptr},
-                        {"line", nullptr},
-                        {"matched", nullptr},
-                        {"aliases", nullptr},
-                        {"sources", nullptr},
-                        {"attributes", nullptr}};
+        SearchWalk results(*design, m_param, pattern, m_kinds, m_limit);
+        head.columns = results.columns();
         writer->begin(head);
-        NameSearch search(*design, {pattern, m_kinds.mask(), m_param});
-        const Ending ending = walk(*design, search, *writer, session);
+        const Ending ending = walk(results, *writer, session);
         session.stats.end();
-        const int exitCode = session.finish(*writer, m_found > 0, ending);
+        const int exitCode = session.finish(*writer, results.found() > 0, ending);
         if (exitCode == EXIT_NOTHING_FOUND) {
             session.note(fmt::format("no full name{} {} '{}'{}", m_kinds.all() ? "" : " of that kind",
                                      m_glob || m_regex ? "matches" : "holds", m_own.front(), hint(m_own.front())));
@@ -116,79 +103,15 @@ class SearchCommand : public DesignCommand {
         return m_glob ? "; --glob matches whole names, and '**' any number of levels" : "";
     }
 
-    Ending walk(Design &design, NameSearch &search, ResultWriter &writer, Session &session)
+    Ending walk(SearchWalk &results, ResultWriter &writer, Session &session) const
     {
-        const Interrupt::Action cancel(session.interrupt, [&search] { search.cancel(); });
-        while (!session.interrupt.requested()) {
-            const NameSearch::Step step = search.step();
-            if (step == NameSearch::Step::End) {
-                break;
-            }
-            if (step == NameSearch::Step::Hit) {
-                search.isInstance() ? writeInstance(design, search, writer) : write(design, search, writer);
-                if (m_found == m_limit) {
-                    return Ending::Limit;
-                }
-            }
+        const Interrupt::Action cancel(session.interrupt, [&results] { results.cancel(); });
+        while (!session.interrupt.requested() && results.step(writer)) {
             writer.tick();
         }
-        return session.interrupt.requested() ? Ending::Interrupted : Ending::Complete;
-    }
-
-    void writeInstance(Design &design, const NameSearch &search, ResultWriter &writer)
-    {
-        ++m_found;
-        ItemFacts facts;
-        if (!writer.isTable()) {
-            facts = design.factsOf(search.instance());
-        }
-        IVDBNetlist &module = *search.instance().getModule();
-        writer.row({std::string_view("instance"),
-                    {},
-                    std::string_view(search.path()),
-                    std::string_view(search.path()),
-                    std::string_view(module.getName()),
-                    std::string_view(design.nameOf(module)),
-                    module.isUserDeclared(),
-                    facts.fileValue(),
-                    facts.lineValue(),
-                    {},
-                    &facts.aliases,
-                    &facts.sources,
-                    &facts.attributes});
-    }
-
-    void write(Design &design, const NameSearch &search, ResultWriter &writer)
-    {
-        ++m_found;
-        const OtherNameHit &hit = search.hit();
-        const std::string &prefix = search.prefix();
-        const std::string path = prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
-        const std::string matched = hit.matched.empty() ? "" : prefix + hit.matched;
-        const std::string shown = matched.empty() ? path : path + " (= " + matched + ")";
-        ItemFacts facts;
-        if (!writer.isTable()) {
-            ModuleNames &names = design.names(*search.instance().getModule());
-            facts = hit.item != nullptr ? factsOf(names, *hit.item) : factsOf(names, *hit.signal);
-            for (std::string &alias : facts.aliases) {
-                alias.insert(0, prefix);
-            }
-        }
-        const bool declared = hit.item != nullptr ? hit.item->isUserDeclared() : hit.signal->declared;
-        const std::uint64_t width = hit.item != nullptr ? hit.item->getWidth() : hit.signal->bits.size();
-        writer.row({std::string_view(kindOf(hit) == ITEM_NET_BUS ? "bus" : "net"),
-                    width,
-                    std::string_view(shown),
-                    std::string_view(path),
-                    {},
-                    {},
-                    declared,
-                    facts.fileValue(),
-                    facts.lineValue(),
-                    matched.empty() ? Value() : std::string_view(matched),
-                    &facts.aliases,
-                    &facts.sources,
-                    &facts.attributes});
+        return session.interrupt.requested() ? Ending::Interrupted
+               : results.isAtLimit()         ? Ending::Limit
+                                             : Ending::Complete;
     }
 
     bool m_regex = false;
@@ -199,7 +122,6 @@ class SearchCommand : public DesignCommand {
     Kinds m_kinds;
     std::uint64_t m_limit = UINT64_MAX;
     VDBSearchParam m_param;
-    std::uint64_t m_found = 0;
 };
 
 } // namespace

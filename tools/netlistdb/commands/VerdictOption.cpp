@@ -3,7 +3,6 @@
 #include "design/CrossingWords.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <string>
 
 namespace kvr::netlistdb::tool {
@@ -13,9 +12,8 @@ CLI::Option *addVerdicts(CLI::App &command, Verdicts &verdicts)
     const auto take = [&verdicts](const std::string &list) {
         verdicts.clear();
         for (const std::string &name : splitAtCommas(list)) {
-            const auto *const verdict =
-                std::find_if(VERDICTS.begin(), VERDICTS.end(), [&](auto each) { return name == nameOf(each); });
-            if (verdict == VERDICTS.end()) {
+            const auto verdict = verdictCalled(name);
+            if (!verdict) {
                 throw CLI::ValidationError("--verdict: '" + name + "' is none of ok,warning,partly,no");
             }
             verdicts.add(*verdict);

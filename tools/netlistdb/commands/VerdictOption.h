@@ -1,9 +1,6 @@
 #pragma once
 
-#include <array>
-#include <bitset>
-#include <cstddef>
-#include <netlistdb/analysis/ProbeReport.h>
+#include "design/Verdicts.h"
 
 namespace CLI {
 class App;
@@ -11,29 +8,6 @@ class Option;
 } // namespace CLI
 
 namespace kvr::netlistdb::tool {
-
-/// All verdicts, the best first.
-constexpr std::array VERDICTS = {analysis::ProbeVerdict::Ok, analysis::ProbeVerdict::Warning,
-                                 analysis::ProbeVerdict::Partly, analysis::ProbeVerdict::No};
-
-/// Which verdicts a result shows.
-class Verdicts {
-  public:
-    bool has(analysis::ProbeVerdict verdict) const { return m_shown[static_cast<std::size_t>(verdict)]; }
-    void add(analysis::ProbeVerdict verdict) { m_shown.set(static_cast<std::size_t>(verdict)); }
-    void clear() { m_shown.reset(); }
-    /// When none was asked for: all, or with @p probeable those of what may be probed.
-    void finish(bool probeable)
-    {
-        if (m_shown.none()) {
-            m_shown.set();
-            m_shown.set(static_cast<std::size_t>(analysis::ProbeVerdict::No), !probeable);
-        }
-    }
-
-  private:
-    std::bitset<VERDICTS.size()> m_shown;
-};
 
 /// Adds `--verdict`, which takes verdicts separated by commas.
 CLI::Option *addVerdicts(CLI::App &command, Verdicts &verdicts);

@@ -22,6 +22,19 @@ std::string rangeOf(const std::string &vector, int first, int last)
 
 } // namespace
 
+std::vector<Column> MatchRows::columns()
+{
+    return {{"net", "NET"},
+            {"grade", "GRADE"},
+            {"reason", nullptr},
+            {"match", "MATCH", Look::Name},
+            {"inverted", nullptr},
+            {"also", nullptr},
+            {"cell", nullptr},
+            {"evidence", nullptr},
+            {nullptr, "NOTE", Look::Dim}};
+}
+
 MatchRows::Run MatchRows::runOf(const std::string &net, analysis::ProbeMatch match)
 {
     Run run;

@@ -4,11 +4,17 @@
 
 #include <netlistdb/analysis/CrossProbe.h>
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace kvr::netlistdb::tool {
+
+/// All grades, the surest first.
+inline constexpr std::array GRADES = {analysis::ProbeGrade::Exact,      analysis::ProbeGrade::Register,
+                                      analysis::ProbeGrade::Structural, analysis::ProbeGrade::Merged,
+                                      analysis::ProbeGrade::Gone,       analysis::ProbeGrade::Unknown};
 
 /// A net that is to be shown with what it is in the other form.
 struct MatchedNet {
@@ -22,6 +28,7 @@ class MatchRows {
   public:
     explicit MatchRows(ResultWriter &writer) : m_writer(writer) {}
 
+    static std::vector<Column> columns();
     void add(const std::string &net, analysis::ProbeMatch match);
     /// Writes what still waits.
     void finish();

@@ -20,8 +20,6 @@ VDBSearchParam everythingBelow(Design &design, VDBSearchParam param)
     return param;
 }
 
-} // namespace
-
 std::uint32_t kindOf(const OtherNameHit &hit)
 {
     if (hit.item != nullptr) {
@@ -29,6 +27,8 @@ std::uint32_t kindOf(const OtherNameHit &hit)
     }
     return hit.signal->isVector ? ITEM_NET_BUS : ITEM_NET;
 }
+
+} // namespace
 
 NameSearch::NameSearch(Design &design, const Wish &wish)
     : m_pattern(wish.pattern), m_kinds(wish.kinds),

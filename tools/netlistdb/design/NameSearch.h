@@ -75,7 +75,4 @@ class NameSearch {
     std::string m_name; ///< full name of the net at hand, in one buffer for all
 };
 
-/// The type code of what was found; of a vector without an item, that of a bus.
-std::uint32_t kindOf(const OtherNameHit &hit);
-
 } // namespace kvr::netlistdb::tool

@@ -26,8 +26,6 @@ std::string joined(const std::string &path, std::string_view name)
 
 } // namespace
 
-PathResolver::PathResolver(Design &design) : m_design(design) {}
-
 const PathResolver::Children &PathResolver::childrenOf(IVDBInstance &instance)
 {
     const auto [place, isNew] = m_children.try_emplace(&instance);
@@ -97,9 +95,10 @@ std::vector<PathResolver::Bit> PathResolver::nets(const std::string &path)
         return bits;
     }
     if (findInstance(path) != nullptr) {
-        throw wrongUsage(m_design.name() + ": '" + path +
-                         "' is an instance, not a net (netlistdb search DESIGN '' --from '" + path +
-                         "' lists its nets)");
+        const std::string advice = m_asker == Asker::Tool ? "search with from and an empty pattern"
+                                                          : "netlistdb search DESIGN '' --from '" + path + "'";
+        throw wrongUsage(m_design.name() + ": '" + path + "' is an instance, not a net (" + advice +
+                         " lists its nets)");
     }
     throw wrongUsage(m_design.name() + ": no net or bus '" + path + "'" + hint(path, false));
 }
@@ -141,7 +140,9 @@ std::string PathResolver::hint(const std::string &path, bool instancesOnly)
         }
     }
     if (hasWildcard(path)) {
-        return "; wildcards are for netlistdb search DESIGN '" + path + "' --glob --paths, which lists paths";
+        return m_asker == Asker::Tool
+                   ? "; wildcards are for search with mode glob"
+                   : "; wildcards are for netlistdb search DESIGN '" + path + "' --glob --paths, which lists paths";
     }
     // The top has no part in paths; people who put it there mean what follows.
     const std::string top = m_design.top().getName() + "/";

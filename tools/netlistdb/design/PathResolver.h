@@ -14,10 +14,16 @@ namespace kvr::netlistdb::tool {
 
 class Design;
 
+/// Who gets the advice in messages about paths.
+enum class Asker {
+    CommandLine, ///< advice names commands and options of the program
+    Tool,        ///< advice names tools of the server
+};
+
 /// Finds items by their full paths. Names may hold slashes themselves; every way of taking a path apart is tried.
 class PathResolver {
   public:
-    explicit PathResolver(Design &design);
+    explicit PathResolver(Design &design, Asker asker = Asker::CommandLine) : m_design(design), m_asker(asker) {}
 
     /// A net seen in an instance, by any of its names.
     struct Bit {
@@ -63,6 +69,7 @@ class PathResolver {
     std::vector<std::string> elsewhere(std::string_view name, bool instancesOnly);
 
     Design &m_design;
+    Asker m_asker;
     std::unordered_map<IVDBInstance *, Children> m_children;
 };
 

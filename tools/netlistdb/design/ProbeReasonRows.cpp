@@ -5,6 +5,7 @@
 #include "design/Subscript.h"
 
 #include <fmt/format.h>
+#include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
 
@@ -43,6 +44,20 @@ std::string verdictText(const std::string &path, const analysis::SignalReport &r
 }
 
 } // namespace
+
+AskedProbe askProbe(const analysis::ProbeReport &report, const std::vector<PathResolver::Bit> &bits)
+{
+    AskedProbe asked;
+    std::vector<IVDBNet *> nets;
+    IVDBNetBus *bus = bits.front().net != nullptr ? bits.front().net->getOwnerBus() : nullptr;
+    for (const PathResolver::Bit &bit : bits) {
+        nets.push_back(bit.net);
+        asked.names.push_back(bit.name);
+        bus = bit.net != nullptr && bit.net->getOwnerBus() == bus ? bus : nullptr;
+    }
+    asked.report = report.of(bits.front().instance, nets, bus);
+    return asked;
+}
 
 std::vector<Column> probeReasonColumns()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "design/PathResolver.h"
 #include "output/ResultWriter.h"
 
 #include <netlistdb/analysis/ProbeReport.h>
@@ -7,6 +8,14 @@
 #include <vector>
 
 namespace kvr::netlistdb::tool {
+
+/// A net or bus of which one asks why it may not be probed.
+struct AskedProbe {
+    analysis::SignalReport report;
+    std::vector<std::string> names; ///< of its bits
+};
+/// @p bits are those of one path, as PathResolver::nets() gives them.
+AskedProbe askProbe(const analysis::ProbeReport &report, const std::vector<PathResolver::Bit> &bits);
 
 std::vector<Column> probeReasonColumns();
 

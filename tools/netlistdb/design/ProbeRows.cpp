@@ -120,7 +120,7 @@ std::optional<analysis::ClockId> samplingClockOf(const analysis::SignalReport &r
     return most != counts.end() ? std::optional(most->first) : std::nullopt;
 }
 
-std::vector<Column> ProbeRows::columns() const
+std::vector<Column> ProbeRows::columns(bool hasDevice)
 {
     std::vector<Column> columns = {{"kind", nullptr},
                                    {"path", "PATH"},
@@ -130,7 +130,7 @@ std::vector<Column> ProbeRows::columns() const
                                    {"clock", "CLOCK", Look::Name},
                                    {"edge", "EDGE"},
                                    {"reasons", "REASONS"}};
-    if (m_hasDevice) {
+    if (hasDevice) {
         columns.insert(columns.end(), {{"grades", "GRADE"}, {nullptr, "POST-MAP"}, {"post_map", nullptr}});
     }
     columns.insert(columns.end(), {{nullptr, "SOURCE", Look::Dim},

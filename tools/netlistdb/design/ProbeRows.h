@@ -26,7 +26,7 @@ class ProbeRows {
     {
     }
 
-    std::vector<Column> columns() const;
+    static std::vector<Column> columns(bool hasDevice);
     void write(IVDBInstance &instance, const Probe &probe, const analysis::SignalReport &report);
 
   private:

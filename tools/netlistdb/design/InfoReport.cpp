@@ -1,7 +1,6 @@
-#include "commands/InfoReport.h"
+#include "design/InfoReport.h"
 
 #include "output/CsvWriter.h"
-#include "output/Json.h"
 #include "output/OutputStream.h"
 #include "output/TableWriter.h"
 
@@ -20,26 +19,6 @@ Json toJson(const Count &count)
 Json toJson(const Contents &contents)
 {
     return {{"nets", toJson(contents.nets)}, {"buses", toJson(contents.buses)}, {"ports", contents.ports}};
-}
-
-Json toJson(const ModuleCensus &module)
-{
-    Json json = {{"module", module.name},
-                 {"user_module", module.userName},
-                 {"library", module.library},
-                 {"user_declared", module.userDeclared},
-                 {"definitions", module.definitions},
-                 {"instances", module.instances}};
-    json.update(toJson(module.contents));
-    std::uint64_t cells = 0;
-    Json byType = Json::object();
-    for (const auto &[type, number] : module.cells) {
-        cells += number;
-        byType[type] = number;
-    }
-    json["cells"] = cells;
-    json["cells_by_type"] = byType;
-    return json;
 }
 
 std::string withShare(const Count &count)
@@ -65,6 +44,26 @@ Json toJson(const std::vector<std::pair<std::string, std::uint64_t>> &counts, co
 
 } // namespace
 
+Json jsonOf(const ModuleCensus &module)
+{
+    Json json = {{"module", module.name},
+                 {"user_module", module.userName},
+                 {"library", module.library},
+                 {"user_declared", module.userDeclared},
+                 {"definitions", module.definitions},
+                 {"instances", module.instances}};
+    json.update(toJson(module.contents));
+    std::uint64_t cells = 0;
+    Json byType = Json::object();
+    for (const auto &[type, number] : module.cells) {
+        cells += number;
+        byType[type] = number;
+    }
+    json["cells"] = cells;
+    json["cells_by_type"] = byType;
+    return json;
+}
+
 void InfoReport::write(Format format, OutputStream &stream, bool color) const
 {
     switch (format) {
@@ -81,7 +80,7 @@ void InfoReport::write(Format format, OutputStream &stream, bool color) const
     }
 }
 
-void InfoReport::writeJson(OutputStream &stream, bool lines) const
+Json InfoReport::overview() const
 {
     Json document = jsonHead("info");
     document["top"] = top;
@@ -96,24 +95,36 @@ void InfoReport::writeJson(OutputStream &stream, bool lines) const
     document["ports"] = census.defined.ports;
     document["unfolded"] = toJson(census.unfolded);
     document["clock_domains"] = clockDomains;
-    Json levels = Json::array();
+    return document;
+}
+
+Json InfoReport::levels() const
+{
+    Json list = Json::array();
     for (const Count &count : census.levels) {
-        Json level = {{"depth", levels.size()}};
+        Json level = {{"depth", list.size()}};
         level.update({{"instances", toJson(count)}});
-        levels.push_back(level);
+        list.push_back(level);
     }
+    return list;
+}
+
+void InfoReport::writeJson(OutputStream &stream, bool lines) const
+{
+    Json document = overview();
+    Json depths = levels();
     Json modules = Json::array();
     for (const ModuleCensus &module : census.modules) {
-        modules.push_back(toJson(module));
+        modules.push_back(jsonOf(module));
     }
     if (!lines) {
-        document["levels"] = levels;
+        document["levels"] = depths;
         document["module_list"] = modules;
         stream.write(jsonText(document, 2) + "\n");
         return;
     }
     stream.write(jsonText(document) + "\n");
-    for (const Json *rows : {&levels, &modules}) {
+    for (const Json *rows : {&depths, &modules}) {
         for (const Json &row : *rows) {
             stream.write(jsonText(row) + "\n");
         }

@@ -3,6 +3,7 @@
 #include "design/Census.h"
 #include "design/DeviceCensus.h"
 #include "design/Form.h"
+#include "output/Json.h"
 #include "output/ResultWriter.h"
 
 namespace kvr::netlistdb::tool {
@@ -10,17 +11,24 @@ namespace kvr::netlistdb::tool {
 /// The result of `info`, in every format.
 struct InfoReport {
     std::string top;
-    Form form = Form::Elaborated;
-    DeviceCensus devices;
-    Census census;
-    std::uint64_t clockDomains = 0;
+    Form form;
+    const DeviceCensus &devices;
+    const Census &census;
+    std::uint64_t clockDomains;
 
     void write(Format format, OutputStream &stream, bool color) const;
+    /// The design as a whole.
+    Json overview() const;
+    /// Its instances by depth.
+    Json levels() const;
 
   private:
     void writeJson(OutputStream &stream, bool lines) const;
     void writeCsv(OutputStream &stream) const;
     void writeTables(OutputStream &stream, bool color) const;
 };
+
+/// The definitions of one name.
+Json jsonOf(const ModuleCensus &module);
 
 } // namespace kvr::netlistdb::tool

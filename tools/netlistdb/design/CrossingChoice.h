@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <netlistdb/analysis/Crossings.h>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kvr::netlistdb::tool {
+
+/// All severities, the best first.
+inline constexpr analysis::Severity SEVERITIES[] = {analysis::Severity::Safe, analysis::Severity::Warning,
+                                                    analysis::Severity::Unsafe};
+
+/// The severity that nameOf() gives that name.
+std::optional<analysis::Severity> severityCalled(std::string_view name);
+
+/// The classes that a result shows: all until some are chosen.
+class CrossingClasses {
+  public:
+    void add(analysis::CrossingClass kind) { m_mask |= 1U << static_cast<unsigned>(kind); }
+    bool has(analysis::CrossingClass kind) const
+    {
+        return m_mask == 0 || (m_mask >> static_cast<unsigned>(kind) & 1U) != 0;
+    }
+    void clear() { m_mask = 0; }
+
+  private:
+    std::uint32_t m_mask = 0;
+};
+
+/// The severities that a result shows: all until some are chosen.
+class Severities {
+  public:
+    void add(analysis::Severity severity) { m_mask |= 1U << static_cast<unsigned>(severity); }
+    bool has(analysis::Severity severity) const
+    {
+        return m_mask == 0 || (m_mask >> static_cast<unsigned>(severity) & 1U) != 0;
+    }
+    void clear() { m_mask = 0; }
+
+  private:
+    std::uint32_t m_mask = 0;
+};
+
+/// What makes a command fail: classes, and severities with those that are worse.
+class CrossingFailures {
+  public:
+    void add(analysis::CrossingClass kind) { m_mask |= 1U << static_cast<unsigned>(kind); }
+    void add(analysis::Severity severity)
+    {
+        for (std::size_t number = 0; number < analysis::CROSSING_CLASSES; ++number) {
+            const auto kind = static_cast<analysis::CrossingClass>(number);
+            if (severityOf(kind) >= severity) {
+                add(kind);
+            }
+        }
+    }
+    bool given() const { return m_mask != 0; }
+    bool has(analysis::CrossingClass kind) const { return (m_mask >> static_cast<unsigned>(kind) & 1U) != 0; }
+    void clear() { m_mask = 0; }
+
+  private:
+    std::uint32_t m_mask = 0;
+};
+
+/// Which crossings a result shows.
+struct CrossingChoice {
+    std::string from; ///< wildcard for the name of the launch clock; empty: all
+    std::string to;   ///< the same for the capture clock
+    CrossingClasses classes;
+    Severities severities;
+    CrossingFailures failures;
+    bool waived = false;     ///< those, too
+    bool allClasses = false; ///< every class that a crossing has, not only the most telling one
+    bool bits = false;       ///< each bit of a vector by itself
+};
+
+} // namespace kvr::netlistdb::tool
