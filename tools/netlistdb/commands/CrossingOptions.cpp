@@ -1,6 +1,6 @@
 #include "commands/CrossingOptions.h"
 
-#include "design/CrossingWords.h"
+#include "base/CommaList.h"
 #include "design/NearestNames.h"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,7 @@
 #include "commands/Command.h"
 #include "commands/CrossingOptions.h"
 #include "commands/Session.h"
+#include "design/ClockFilter.h"
 #include "design/CrossingList.h"
 #include "design/CrossingRules.h"
 #include "design/Design.h"

@@ -1,16 +1,16 @@
 #include "commands/KindOption.h"
 
+#include "base/CommaList.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <sstream>
 
 namespace kvr::netlistdb::tool {
 
 void addKinds(CLI::App &command, Kinds &kinds, const std::string &names)
 {
     const auto take = [&kinds, names](const std::string &wanted) {
-        std::istringstream parts(wanted + ",");
-        for (std::string part; std::getline(parts, part, ',');) {
+        for (const std::string &part : splitAtCommas(wanted)) {
             if (part.empty() || ("," + names + ",").find("," + part + ",") == std::string::npos) {
                 throw CLI::ValidationError(fmt::format("--kind: '{}' is none of {}", part, names));
             }

@@ -101,14 +101,13 @@ class CheckRows {
     {
         m_moved = false;
         Json bits = Json::array();
-        const auto textOr = [](const std::string &text) { return text.empty() ? Json() : Json(text); };
         for (std::size_t at = 0; at < probe.bits.size(); ++at) {
             const PlanBit &before = probe.bits[at];
             const PlanBit &after = now.bits[at].bit;
             bits.push_back({{"was", before.name},
-                            {"net", textOr(after.name)},
-                            {"device_was", textOr(before.device)},
-                            {"device", textOr(after.device)},
+                            {"net", jsonOrNull(after.name)},
+                            {"device_was", jsonOrNull(before.device)},
+                            {"device", jsonOrNull(after.device)},
                             {"inverted", after.isInverted},
                             {"grade", after.grade ? Json(analysis::nameOf(*after.grade)) : Json()},
                             {"why", now.bits[at].why}});

@@ -1,6 +1,6 @@
 #include "commands/VerdictOption.h"
 
-#include "design/CrossingWords.h"
+#include "base/CommaList.h"
 
 #include <CLI/CLI.hpp>
 #include <string>

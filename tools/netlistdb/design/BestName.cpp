@@ -1,6 +1,7 @@
 #include "design/BestName.h"
 
 #include "design/Design.h"
+#include "design/FullNames.h"
 #include "design/Subscript.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ BestName bestNameOf(Design &design, const analysis::NetFingerprints::Wire &wire,
             const Rank rank(!isDeclared, !isBeside(formerName, path), isPort(module, own[at]),
                             std::count(path.begin(), path.end(), '/'));
             if (best.name.empty() || rank < bestRank) {
-                best = {seen, path.empty() ? own[at] : path + '/' + own[at]};
+                best = {seen, joined(path, own[at])};
                 bestRank = rank;
             }
         }

@@ -2,6 +2,7 @@
 
 #include "design/ClockWords.h"
 #include "design/Design.h"
+#include "design/FullNames.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -17,11 +18,9 @@ std::vector<std::string> aliasesOf(Design &design, const analysis::Clock &clock)
 {
     std::vector<std::string> aliases = clock.names;
     if (clock.instance != nullptr && clock.net != nullptr) {
-        std::string prefix = clock.instance->getPath();
-        prefix += prefix.empty() ? "" : "/";
-        for (const std::string &alias : design.names(*clock.instance->getModule()).aliasesOf(*clock.net)) {
-            std::string name = prefix;
-            name += alias;
+        std::vector<std::string> others = design.names(*clock.instance->getModule()).aliasesOf(*clock.net);
+        joinAll(clock.instance->getPath(), others);
+        for (std::string &name : others) {
             if (std::find(aliases.begin(), aliases.end(), name) == aliases.end()) {
                 aliases.push_back(std::move(name));
             }

@@ -15,33 +15,19 @@ inline constexpr analysis::Severity SEVERITIES[] = {analysis::Severity::Safe, an
 /// The severity that nameOf() gives that name.
 std::optional<analysis::Severity> severityCalled(std::string_view name);
 
-/// The classes that a result shows: all until some are chosen.
-class CrossingClasses {
+/// What a result shows of a few things: all until some are chosen.
+template <typename Thing> class Choices {
   public:
-    void add(analysis::CrossingClass kind) { m_mask |= 1U << static_cast<unsigned>(kind); }
-    bool has(analysis::CrossingClass kind) const
-    {
-        return m_mask == 0 || (m_mask >> static_cast<unsigned>(kind) & 1U) != 0;
-    }
+    void add(Thing thing) { m_mask |= 1U << static_cast<unsigned>(thing); }
+    bool has(Thing thing) const { return m_mask == 0 || (m_mask >> static_cast<unsigned>(thing) & 1U) != 0; }
     void clear() { m_mask = 0; }
 
   private:
     std::uint32_t m_mask = 0;
 };
 
-/// The severities that a result shows: all until some are chosen.
-class Severities {
-  public:
-    void add(analysis::Severity severity) { m_mask |= 1U << static_cast<unsigned>(severity); }
-    bool has(analysis::Severity severity) const
-    {
-        return m_mask == 0 || (m_mask >> static_cast<unsigned>(severity) & 1U) != 0;
-    }
-    void clear() { m_mask = 0; }
-
-  private:
-    std::uint32_t m_mask = 0;
-};
+using CrossingClasses = Choices<analysis::CrossingClass>;
+using Severities = Choices<analysis::Severity>;
 
 /// What makes a command fail: classes, and severities with those that are worse.
 class CrossingFailures {

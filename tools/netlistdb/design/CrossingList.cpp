@@ -1,8 +1,7 @@
 #include "design/CrossingList.h"
 
-#include "base/Failure.h"
+#include "design/ClockFilter.h"
 #include "design/CrossingWords.h"
-#include "design/NearestNames.h"
 
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
@@ -13,15 +12,6 @@ using analysis::Crossing;
 using analysis::CrossingClass;
 
 namespace {
-
-bool isClock(const analysis::ClockMap &clocks, std::optional<analysis::ClockId> clock, const std::string &text)
-{
-    if (text.empty()) {
-        return true;
-    }
-    return clock ? isClockCalled(clocks.clocks()[*clock], NamePattern(NamePattern::Kind::Glob, text, false))
-                 : text == "(none)";
-}
 
 /// What a person wants to know beside the class.
 std::string noteOf(const CrossingRow &row)
@@ -46,28 +36,14 @@ std::string noteOf(const CrossingRow &row)
 
 } // namespace
 
-void checkClockName(const std::string &text, const analysis::ClockMap &clocks)
-{
-    if (text.empty() || text == "(none)") {
-        return;
-    }
-    const NamePattern pattern(NamePattern::Kind::Glob, text, false);
-    NearestNames nearest(text);
-    for (const analysis::Clock &clock : clocks.clocks()) {
-        if (isClockCalled(clock, pattern)) {
-            return;
-        }
-        nearest.offer(clock.name);
-    }
-    throw wrongUsage(fmt::format("no clock '{}'{}", text, didYouMean(nearest.best())));
-}
-
 CrossingList::CrossingList(const analysis::Crossings &crossings, const analysis::ClockMap &clocks, CrossingRules &rules,
                            const CrossingChoice &choice)
     : m_clocks(clocks), m_choice(choice), m_rows(choice.bits)
 {
+    const ClockFilter from(clocks, choice.from);
+    const ClockFilter to(clocks, choice.to);
     for (const Crossing &crossing : crossings.all()) {
-        if (!isClock(clocks, crossing.launch, choice.from) || !isClock(clocks, crossing.capture, choice.to)) {
+        if (!from.has(crossing.launch) || !to.has(crossing.capture)) {
             continue;
         }
         const CrossingRules::Waiver *const waiver = rules.waiverOf(crossing, clocks);
@@ -135,9 +111,6 @@ void CrossingList::take(const Crossing &crossing, CrossingClass kind, const Cros
 void CrossingList::write(const CrossingRow &row, ResultWriter &writer) const
 {
     const Crossing &crossing = *row.first;
-    const auto optional = [](const std::string &text) {
-        return text.empty() ? Value() : Value(std::string_view(text));
-    };
     const std::string launch = launchName(crossing, m_clocks);
     const std::string from = row.from();
     const std::string to = row.to();
@@ -161,14 +134,14 @@ void CrossingList::write(const CrossingRow &row, ResultWriter &writer) const
                 crossing.isKept,
                 crossing.hasLogic,
                 crossing.hasSeveralSources,
-                optional(crossing.control),
-                optional(crossing.meets),
-                optional(crossing.from.cell),
-                optional(crossing.from.cellType),
+                textOrNull(crossing.control),
+                textOrNull(crossing.meets),
+                textOrNull(crossing.from.cell),
+                textOrNull(crossing.from.cellType),
                 std::string_view(crossing.to.cell),
                 std::string_view(crossing.to.cellType),
                 row.waiver != nullptr ? Value(std::string_view(row.waiver->reason())) : Value(),
-                optional(crossing.place.file),
+                textOrNull(crossing.place.file),
                 hasPlace ? Value(std::uint64_t(crossing.place.line)) : Value()});
 }
 

@@ -18,6 +18,7 @@ namespace kvr::netlistdb::tool {
 class CrossingList : public RowSource {
   public:
     /// @p crossings are those of @p clocks; they and @p rules must outlive the object.
+    /// @throws Failure when the choice names a clock that there is not.
     CrossingList(const analysis::Crossings &crossings, const analysis::ClockMap &clocks, CrossingRules &rules,
                  const CrossingChoice &choice);
 
@@ -44,9 +45,5 @@ class CrossingList : public RowSource {
     std::size_t m_next = 0;
     std::string m_directory = workingDirectory();
 };
-
-/// Refuses a wildcard that is the name of no clock; empty and "(none)" are none.
-/// @throws Failure with the nearest names.
-void checkClockName(const std::string &text, const analysis::ClockMap &clocks);
 
 } // namespace kvr::netlistdb::tool

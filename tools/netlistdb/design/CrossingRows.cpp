@@ -1,6 +1,7 @@
 #include "design/CrossingRows.h"
 
 #include "design/CrossingWords.h"
+#include "design/Subscript.h"
 
 #include <algorithm>
 #include <fmt/format.h>

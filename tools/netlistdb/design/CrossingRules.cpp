@@ -1,5 +1,6 @@
 #include "design/CrossingRules.h"
 
+#include "base/CommaList.h"
 #include "base/Failure.h"
 #include "design/CrossingWords.h"
 #include "design/InputFile.h"

@@ -27,7 +27,7 @@ struct ItemFacts {
     std::string file; ///< of the position; empty without one
     std::uint64_t line = 0;
 
-    Value fileValue() const { return file.empty() ? Value() : Value(std::string_view(file)); }
+    Value fileValue() const { return textOrNull(file); }
     Value lineValue() const { return file.empty() ? Value() : Value(line); }
 };
 

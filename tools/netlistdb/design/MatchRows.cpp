@@ -117,10 +117,9 @@ void MatchRows::write(const Run &run)
         }
         note += match.cell.empty() ? "" : " (" + match.cell + ")";
     }
-    const auto textOr = [](const std::string &text) { return text.empty() ? Value() : Value(std::string_view(text)); };
     const std::string reason = analysis::nameOf(match.reason);
-    m_writer.row({std::string_view(net), std::string_view(grade), textOr(reason), textOr(target), inverted, &also,
-                  textOr(match.cell), std::string_view(match.evidence), std::string_view(note)});
+    m_writer.row({std::string_view(net), std::string_view(grade), textOrNull(reason), textOrNull(target), inverted,
+                  &also, textOrNull(match.cell), std::string_view(match.evidence), std::string_view(note)});
     m_writer.tick();
 }
 

@@ -30,15 +30,14 @@ bool MatchedNets::next(MatchedNet &net)
     while (m_next == m_nets.size()) {
         m_nets.clear();
         m_next = 0;
-        if (!m_waiting.empty()) {
-            m_instance = m_waiting.front();
-            m_waiting.pop_front();
-            enter(*m_instance);
+        if (IVDBInstance *const below = m_walk.next()) {
+            m_instance = below;
+            enter(*below);
         } else if (!m_starts.empty()) {
             const Start start = m_starts.front();
             m_starts.pop_front();
             if (start.net == nullptr) {
-                m_waiting.push_back(start.instance);
+                m_walk = LevelWalk(*start.instance);
                 continue;
             }
             m_instance = start.instance;
@@ -55,10 +54,9 @@ bool MatchedNets::next(MatchedNet &net)
 
 void MatchedNets::enter(IVDBInstance &instance)
 {
-    const std::vector<IVDBInstance *> &children = instance.getSubInstances();
-    m_waiting.insert(m_waiting.end(), children.begin(), children.end());
     // Nets inside cells are not what the user declared.
-    if (m_design.isBlackBox(*instance.getModule()) || (children.empty() && &instance != &m_design.root())) {
+    const bool isLeaf = instance.getSubInstances().empty() && &instance != &m_design.root();
+    if (isLeaf || m_design.isBlackBox(*instance.getModule())) {
         return;
     }
     for (const Probe &probe : probesOf(m_design, *instance.getModule())) {

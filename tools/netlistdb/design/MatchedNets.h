@@ -1,5 +1,6 @@
 #pragma once
 
+#include "design/LevelWalk.h"
 #include "design/MatchRows.h"
 #include "design/PathResolver.h"
 #include "design/ProbeList.h"
@@ -34,7 +35,7 @@ class MatchedNets {
     Design &m_design;
     bool m_all;
     std::deque<Start> m_starts;
-    std::deque<IVDBInstance *> m_waiting; ///< below the start at hand
+    LevelWalk m_walk; ///< from the start at hand
     IVDBInstance *m_instance = nullptr;
     std::vector<IVDBNet *> m_nets; ///< of m_instance
     std::size_t m_next = 0;

@@ -3,6 +3,7 @@
 #include "design/ClockChains.h"
 #include "design/ClockWords.h"
 #include "design/Design.h"
+#include "design/FullNames.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -29,10 +30,7 @@ ItemFacts namesOf(Design &design, const PathResolver::Bit &bit, bool isTable)
         return {};
     }
     ItemFacts facts = factsOf(design.names(*bit.instance->getModule()), *bit.net);
-    const std::string prefix = bit.instance->getPath();
-    for (std::string &alias : facts.aliases) {
-        alias.insert(0, prefix.empty() ? "" : prefix + "/");
-    }
+    joinAll(bit.instance->getPath(), facts.aliases);
     return facts;
 }
 

@@ -2,9 +2,11 @@
 
 #include "base/Failure.h"
 #include "design/Design.h"
+#include "design/FullNames.h"
 #include "design/InstanceWalk.h"
 #include "design/ModuleNames.h"
 #include "design/NearestNames.h"
+#include "design/NetClocks.h"
 #include "design/PathSpellings.h"
 
 #include <algorithm>
@@ -18,11 +20,6 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 constexpr std::size_t MOST_PROPOSALS = 3;
-
-std::string joined(const std::string &path, std::string_view name)
-{
-    return path.empty() ? std::string(name) : path + "/" + std::string(name);
-}
 
 } // namespace
 
@@ -194,6 +191,7 @@ std::string PathResolver::clocksOf(const std::string &path)
     }
     const analysis::ClockMap &map = m_design.clocks();
     std::set<std::string> names;
+    std::vector<std::string> reaching;
     for (const Bit &bit : findNets(path)) {
         if (bit.net == nullptr) {
             continue;
@@ -202,9 +200,8 @@ std::string PathResolver::clocksOf(const std::string &path)
             names.insert(map.clocks()[*clock].name);
             continue;
         }
-        for (const analysis::ReachingClock &reaching : map.launch(bit.instance, bit.net).clocks) {
-            names.insert(map.clocks()[reaching.clock].name);
-        }
+        findClocks(m_design, *bit.instance, {bit.net}, reaching);
+        names.insert(reaching.begin(), reaching.end());
     }
     return fmt::format("{}", fmt::join(names, ", "));
 }

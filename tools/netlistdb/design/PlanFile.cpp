@@ -37,11 +37,6 @@ std::string shownClocks(const std::vector<analysis::PlanClock> &clocks)
 
 namespace {
 
-Json textOr(const std::string &text)
-{
-    return text.empty() ? Json() : Json(text);
-}
-
 Json gradeOf(const PlanBit &bit)
 {
     return bit.grade ? Json(analysis::nameOf(*bit.grade)) : Json();
@@ -52,15 +47,15 @@ void writeJson(const analysis::ProbePlan &plan, ResultWriter &writer)
     for (const PlanProbe &probe : plan.probes) {
         Json clocks = Json::array();
         for (const PlanClock &clock : probe.clocks) {
-            clocks.push_back({{"name", clock.name}, {"edges", textOr(edgesText(clock.edges))}});
+            clocks.push_back({{"name", clock.name}, {"edges", jsonOrNull(edgesText(clock.edges))}});
         }
         Json bits = Json::array();
         for (const PlanBit &bit : probe.bits) {
             bits.push_back({{"net", bit.name},
-                            {"device", textOr(bit.device)},
+                            {"device", jsonOrNull(bit.device)},
                             {"inverted", bit.isInverted},
                             {"grade", gradeOf(bit)},
-                            {"reason", textOr(analysis::nameOf(bit.reason))}});
+                            {"reason", jsonOrNull(analysis::nameOf(bit.reason))}});
         }
         writer.row({std::string_view(probe.name), std::uint64_t{probe.bits.size()}, &clocks, &bits});
     }

@@ -1,7 +1,6 @@
 #include "design/ProbeReasonRows.h"
 
 #include "base/Terminal.h"
-#include "design/CrossingWords.h"
 #include "design/Subscript.h"
 
 #include <fmt/format.h>
@@ -68,9 +67,6 @@ std::vector<Column> probeReasonColumns()
 void writeProbeReasons(const analysis::SignalReport &report, const std::vector<std::string> &names,
                        ResultWriter &writer)
 {
-    const auto textOrNull = [](const std::string &text) {
-        return text.empty() ? Value() : Value(std::string_view(text));
-    };
     for (const analysis::ProbeFinding &finding : report.findings) {
         const std::string bits = bitsOf(finding, names);
         writer.row({std::string_view(nameOf(finding.reason)), std::string_view(finding.bars ? "bars" : "warns"),

@@ -1,8 +1,8 @@
 #include "design/ProbeRows.h"
 
 #include "design/ClockWords.h"
-#include "design/CrossingWords.h"
 #include "design/Design.h"
+#include "design/FullNames.h"
 #include "design/NetClocks.h"
 #include "design/Subscript.h"
 
@@ -92,11 +92,6 @@ std::uint8_t edgesOf(const analysis::SignalReport &report, std::optional<analysi
     return static_cast<std::uint8_t>(edges);
 }
 
-Value textOrNull(const char *text)
-{
-    return *text != '\0' ? Value(std::string_view(text)) : Value();
-}
-
 } // namespace
 
 std::optional<analysis::ClockId> samplingClockOf(const analysis::SignalReport &report)
@@ -146,14 +141,11 @@ std::vector<Column> ProbeRows::columns(bool hasDevice)
 void ProbeRows::write(IVDBInstance &instance, const Probe &probe, const analysis::SignalReport &report)
 {
     findClocks(m_design, instance, probe.bits, m_clocks);
-    std::string prefix = instance.getPath();
-    prefix += prefix.empty() ? "" : "/";
-    const std::string path = prefix + probe.name;
+    const std::string instancePath = instance.getPath();
+    const std::string path = joined(instancePath, probe.name);
     const std::string shown = sourceText(probe.source, m_directory);
     std::vector<std::string> aliases = probe.aliases;
-    for (std::string &alias : aliases) {
-        alias.insert(0, prefix);
-    }
+    joinAll(instancePath, aliases);
     const std::optional<analysis::ClockId> clock = samplingClockOf(report);
     const std::vector<std::string> reasons = reasonsOf(report);
     Row row = {std::string_view(probe.isBus ? "bus" : "net"),

@@ -10,13 +10,10 @@ namespace kvr::netlistdb::tool {
 ProbeWalk::Step ProbeWalk::step(ReportedProbe &found)
 {
     if (m_probes == nullptr || m_next == m_probes->size()) {
-        if (m_waiting.empty()) {
+        m_instance = m_walk.next();
+        if (m_instance == nullptr) {
             return Step::End;
         }
-        m_instance = m_waiting.front();
-        m_waiting.pop_front();
-        const std::vector<IVDBInstance *> &children = m_instance->getSubInstances();
-        m_waiting.insert(m_waiting.end(), children.begin(), children.end());
         m_probes = &probesOf(*m_instance->getModule());
         m_next = 0;
         return Step::Passed;

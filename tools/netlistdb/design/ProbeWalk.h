@@ -1,10 +1,10 @@
 #pragma once
 
 #include "design/Kinds.h"
+#include "design/LevelWalk.h"
 #include "design/ProbeList.h"
 #include "design/Verdicts.h"
 
-#include <deque>
 #include <netlistdb/analysis/ProbeReport.h>
 #include <unordered_map>
 #include <vector>
@@ -37,7 +37,7 @@ class ProbeWalk {
   public:
     /// @p design and @p report, which is about it, must outlive the object.
     ProbeWalk(Design &design, const analysis::ProbeReport &report, IVDBInstance &start, const ProbeChoice &choice)
-        : m_design(design), m_report(report), m_choice(choice), m_waiting({&start})
+        : m_design(design), m_report(report), m_choice(choice), m_walk(start)
     {
     }
 
@@ -54,7 +54,7 @@ class ProbeWalk {
     Design &m_design;
     const analysis::ProbeReport &m_report;
     ProbeChoice m_choice;
-    std::deque<IVDBInstance *> m_waiting;
+    LevelWalk m_walk;
     IVDBInstance *m_instance = nullptr;
     const std::vector<Probe> *m_probes = nullptr; ///< of m_instance
     std::size_t m_next = 0;

@@ -1,6 +1,9 @@
 #include "design/Subscript.h"
 
+#include <algorithm>
 #include <charconv>
+#include <fmt/format.h>
+#include <functional>
 
 namespace kvr::netlistdb::tool {
 
@@ -47,6 +50,23 @@ bool takeRange(std::string_view name, std::string_view &vector, int &from, int &
     const std::size_t colon = range.find(':');
     return colon != std::string_view::npos && readIndex(range.substr(0, colon), from) &&
            readIndex(range.substr(colon + 1), to);
+}
+
+std::string bitsText(const std::string &vector, std::vector<int> &bits)
+{
+    std::sort(bits.begin(), bits.end(), std::greater<>());
+    bits.erase(std::unique(bits.begin(), bits.end()), bits.end());
+    std::string ranges;
+    for (std::size_t first = 0; first < bits.size();) {
+        std::size_t last = first;
+        while (last + 1 < bits.size() && bits[last + 1] == bits[last] - 1) {
+            ++last;
+        }
+        ranges += ranges.empty() ? "" : ",";
+        ranges += first == last ? fmt::to_string(bits[first]) : fmt::format("{}:{}", bits[first], bits[last]);
+        first = last + 1;
+    }
+    return fmt::format("{}[{}]", vector, ranges);
 }
 
 } // namespace kvr::netlistdb::tool

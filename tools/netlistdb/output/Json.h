@@ -17,6 +17,12 @@ inline Json jsonHead(const char *command)
     return {{"format", std::string("netlistdb-") + command}, {"version", JSON_VERSION}};
 }
 
+/// @p text, or null when it is empty.
+inline Json jsonOrNull(const std::string &text)
+{
+    return text.empty() ? Json() : Json(text);
+}
+
 /// @p json as text; @p indent -1 keeps it on one line. Names are bytes: those that are no UTF-8 become U+FFFD.
 inline std::string jsonText(const Json &json, int indent = -1)
 {

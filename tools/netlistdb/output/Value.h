@@ -14,6 +14,12 @@ namespace kvr::netlistdb::tool {
 using Value = std::variant<std::monostate, bool, std::uint64_t, std::string_view, const std::vector<std::string> *,
                            const std::vector<std::pair<std::string, std::string>> *, const nlohmann::ordered_json *>;
 
+/// @p text, or null when it is empty.
+inline Value textOrNull(std::string_view text)
+{
+    return text.empty() ? Value() : Value(text);
+}
+
 /// One result: a value for each column.
 using Row = std::vector<Value>;
 

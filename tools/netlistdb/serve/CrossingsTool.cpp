@@ -1,5 +1,5 @@
+#include "design/ClockFilter.h"
 #include "design/CrossingList.h"
-#include "design/CrossingWords.h"
 #include "output/JsonRow.h"
 #include "serve/RowSchema.h"
 #include "serve/Tool.h"

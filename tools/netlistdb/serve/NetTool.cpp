@@ -1,3 +1,4 @@
+#include "design/FullNames.h"
 #include "design/ItemFacts.h"
 #include "design/NetClockRows.h"
 #include "output/JsonRow.h"
@@ -61,9 +62,8 @@ class NetTool : public Tool {
         if (IVDBNetBase *item = itemOf(bits)) {
             IVDBInstance &instance = *bits.front().instance;
             const ItemFacts facts = factsOf(form.design().names(*instance.getModule()), *item);
-            const std::string prefix = instance.getPath();
             question.head["kind"] = item->getItemType() == ITEM_NET_BUS ? "bus" : "net";
-            question.head["full_name"] = prefix + (prefix.empty() ? "" : "/") + item->getName();
+            question.head["full_name"] = joined(instance.getPath(), item->getName());
             question.head["user_declared"] = item->isUserDeclared();
             question.head["file"] = jsonOf(facts.fileValue());
             question.head["line"] = jsonOf(facts.lineValue());
