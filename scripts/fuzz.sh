@@ -22,11 +22,12 @@ build_preset asan "${targets[@]/%/_fuzzer}"
 # run_target <name>: status 0 when nothing was found.
 run_target() {
     local name=$1 corpus=$results/corpus/$1 findings=$results/findings/$1 log=$results/$1.log options
+    local seeds=("$root/tests/fuzz/corpus/$name")
+    if [ -d "$root/tests/fuzz/regressions/$name" ]; then seeds+=("$root/tests/fuzz/regressions/$name"); fi
     mkdir -p "$corpus" "$findings"
     mapfile -t options <"$fuzzers/${name}_fuzzer.options"
     if "$fuzzers/${name}_fuzzer" "${options[@]}" -max_total_time="$duration" -print_final_stats=1 \
-        -artifact_prefix="$findings/" "$corpus" "$root/tests/fuzz/corpus/$name" "$root/tests/fuzz/regressions/$name" \
-        >"$log" 2>&1; then
+        -artifact_prefix="$findings/" "$corpus" "${seeds[@]}" >"$log" 2>&1; then
         printf '%s: nothing found in %s inputs; %s of interest kept\n' "$name" \
             "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" \
             "$(find "$corpus" -type f | wc -l)"

@@ -27,13 +27,22 @@ bool endsWith(const std::string &text, std::string_view end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// Hands @p netlist to @p visit when it is that of a module, with the name of its cell and the one that the user wrote.
-template <class Visit> void visitModule(Verific::Netlist *netlist, Visit visit)
+/// Hands every module in the library set to @p visit, with the name of its cell and the one that the user wrote.
+template <class Visit> void visitModules(Visit visit)
 {
-    const char *name = netlist != nullptr ? netlist->CellBaseName() : nullptr;
-    if (name != nullptr) {
-        const char *userName = netlist->GetAttValue(yosys::USER_MODULE);
-        visit(*netlist, std::string(name), std::string(userName != nullptr ? userName : name));
+    Verific::MapIter li;
+    Verific::Library *library = nullptr;
+    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
+        Verific::MapIter ci;
+        const Verific::Cell *cell = nullptr;
+        FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
+            Verific::Netlist *netlist = cell->GetFirstNetlist();
+            if (netlist == nullptr || cell->Name() == nullptr) {
+                continue;
+            }
+            const char *userName = netlist->GetAttValue(yosys::USER_MODULE);
+            visit(*netlist, std::string(cell->Name()), std::string(userName != nullptr ? userName : cell->Name()));
+        }
     }
 }
 
@@ -43,19 +52,10 @@ std::string nearestModules(const std::string &name)
 {
     NearestNames nearest(name);
     bool isKnown = false;
-    Verific::MapIter li;
-    Verific::Library *library = nullptr;
-    FOREACH_LIBRARY_OF_LIBSET (Verific::Libset::Global(), li, library) {
-        Verific::MapIter ci;
-        const Verific::Cell *cell = nullptr;
-        FOREACH_CELL_OF_LIBRARY (library, ci, cell) {
-            visitModule(cell->GetFirstNetlist(),
-                        [&](const Verific::Netlist &, const std::string &, const std::string &userName) {
-                            nearest.offer(userName);
-                            isKnown = isKnown || yosys::isMadeFrom(userName, name);
-                        });
-        }
-    }
+    visitModules([&](const Verific::Netlist &, const std::string &, const std::string &userName) {
+        nearest.offer(userName);
+        isKnown = isKnown || yosys::isMadeFrom(userName, name);
+    });
     return isKnown ? "" : didYouMean(nearest.best());
 }
 
@@ -119,17 +119,16 @@ Verific::Netlist *findModule(const std::string &file, const Verific::Netlist &to
     std::vector<std::pair<std::string, Verific::Netlist *>> variants;
     Verific::Set hierarchy(Verific::POINTER_HASH);
     top.Hierarchy(hierarchy, 1);
-    Verific::SetIter si;
-    Verific::Netlist *each = nullptr;
-    FOREACH_SET_ITEM (&hierarchy, si, &each) {
-        visitModule(each, [&](Verific::Netlist &netlist, const std::string &cellName, const std::string &userName) {
-            if (cellName == name) {
-                exact = exact == nullptr ? &netlist : exact;
-            } else if (userName != cellName && (userName == name || yosys::isMadeFrom(userName, name))) {
-                variants.emplace_back(userName, &netlist);
-            }
-        });
-    }
+    visitModules([&](Verific::Netlist &netlist, const std::string &cellName, const std::string &userName) {
+        if (hierarchy.Get(&netlist) == nullptr) {
+            return;
+        }
+        if (cellName == name) {
+            exact = exact == nullptr ? &netlist : exact;
+        } else if (userName != cellName && (userName == name || yosys::isMadeFrom(userName, name))) {
+            variants.emplace_back(userName, &netlist);
+        }
+    });
     if (exact != nullptr) {
         return exact;
     }
