@@ -1,4 +1,5 @@
 #include "base/Failure.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/ClockChains.h"
@@ -85,7 +86,7 @@ class ClockOfCommand : public DesignCommand {
     int run(Session &session) override
     {
         const std::vector<Path> paths = pathsOf(m_own);
-        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
+        const UntilExit design(loadDesign(m_design, Clocks::Yes, session.reading()));
         session.stats.begin("trace");
         PathResolver resolver(*design);
         std::vector<PathResolver::Bit> bits;

@@ -1,3 +1,4 @@
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/ClockRows.h"
@@ -27,7 +28,7 @@ class ClocksCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
+        const UntilExit design(loadDesign(m_design, Clocks::Yes, session.reading()));
         session.progress.begin("tracing clocks");
         session.stats.begin("trace");
         const analysis::ClockMap &map = design->clocks();

@@ -1,3 +1,4 @@
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/CrossingOptions.h"
 #include "commands/Session.h"
@@ -63,16 +64,16 @@ class CrossingsCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
+        const UntilExit design(loadDesign(m_design, Clocks::Yes, session.reading()));
         session.progress.begin("following clocks");
         session.stats.begin("clocks");
         const analysis::ClockMap &clocks = design->clocks();
         checkClockName(m_choice.from, clocks);
         checkClockName(m_choice.to, clocks);
         session.stats.begin("crossings");
-        const analysis::Crossings crossings(clocks, m_rules.groups(clocks));
+        const UntilExit crossings(std::make_unique<const analysis::Crossings>(clocks, m_rules.groups(clocks)));
         session.progress.clear();
-        CrossingList list(crossings, clocks, m_rules, m_choice);
+        CrossingList list(*crossings, clocks, m_rules, m_choice);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "crossings";

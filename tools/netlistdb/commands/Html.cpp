@@ -1,5 +1,6 @@
 #include "base/Failure.h"
 #include "base/NumberOption.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/ProbedDesign.h"
@@ -76,14 +77,14 @@ class HtmlCommand : public DesignCommand {
         if (session.output.isStandardOutput() && isatty(STDOUT_FILENO) == 1) {
             throw wrongUsage("html: a page is nothing for a terminal; -o FILE writes it to a file");
         }
-        ProbedDesign probed(m_design, m_postMap, session.reading());
+        const UntilExit probed(std::make_unique<ProbedDesign>(m_design, m_postMap, session.reading()));
         session.stats.begin("page");
         PageOrigin origin;
         origin.version = NETLISTDB_VERSION;
         for (const std::string &file : m_design) {
             origin.command += (origin.command.empty() ? "" : " ") + quoted(file);
         }
-        writePage(probed, origin, m_limits, session.output, session.progress, session.interrupt);
+        writePage(*probed, origin, m_limits, session.output, session.progress, session.interrupt);
         session.stats.end();
         return session.finish(true);
     }

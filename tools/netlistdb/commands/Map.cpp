@@ -1,6 +1,7 @@
 #include "base/Failure.h"
 #include "base/Progress.h"
 #include "base/Stats.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/Design.h"
@@ -85,20 +86,21 @@ class MapCommand : public Command {
 
     int run(Session &session) override
     {
-        const DesignPair pair = loadDesignPair({m_elaborated}, m_postMap, session.reading());
-        Design &from = m_reverse ? *pair.postMap : *pair.elaborated;
+        const UntilExit pair(
+            std::make_unique<DesignPair>(loadDesignPair({m_elaborated}, m_postMap, session.reading())));
+        Design &from = m_reverse ? *pair->postMap : *pair->elaborated;
         PathResolver resolver(from);
         MatchedNets nets(from, resolver, m_paths, m_all);
         session.progress.begin("matching");
         session.stats.begin("match");
-        const analysis::CrossProbe probe(from.database());
+        const UntilExit probe(std::make_unique<const analysis::CrossProbe>(from.database()));
         session.progress.clear();
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "map";
         head.facts = {{"top", from.nameOf(from.top())},
-                      {"elaborated", std::string_view(pair.elaborated->name())},
-                      {"post_map", std::string_view(pair.postMap->name())},
+                      {"elaborated", std::string_view(pair->elaborated->name())},
+                      {"post_map", std::string_view(pair->postMap->name())},
                       {"reverse", m_reverse}};
         head.columns = MatchRows::columns();
         writer->begin(head);
@@ -106,7 +108,7 @@ class MapCommand : public Command {
         std::array<std::uint64_t, GRADES.size()> counts{};
         for (MatchedNet net{}; nets.next(net);) {
             analysis::ProbeMatch match =
-                m_reverse ? probe.findBack(net.instance, net.net) : probe.find(net.instance, net.net);
+                m_reverse ? probe->findBack(net.instance, net.net) : probe->find(net.instance, net.net);
             const auto grade = static_cast<std::size_t>(match.grade);
             ++counts[grade];
             if (m_grades.empty() || m_grades[grade]) {

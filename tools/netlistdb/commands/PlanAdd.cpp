@@ -1,3 +1,4 @@
+#include "base/UntilExit.h"
 #include "commands/PlanAction.h"
 #include "design/PlanFile.h"
 #include "design/PlanSteps.h"
@@ -42,7 +43,8 @@ int addToPlan(const PlanRequest &request, Session &session)
     if (output.target().exists && output.target().status.st_size > 0) {
         plan = readPlan(request.file);
     }
-    ProbePlanner planner(request.designs, session.reading());
+    const UntilExit held(std::make_unique<ProbePlanner>(request.designs, session.reading()));
+    ProbePlanner &planner = *held;
     std::for_each(request.paths.begin(), request.paths.end(), [&](const std::string &path) { planner.check(path); });
     planner.match(session.reading());
     const std::size_t before = plan.probes.size();

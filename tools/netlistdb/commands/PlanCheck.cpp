@@ -1,3 +1,4 @@
+#include "base/UntilExit.h"
 #include "commands/PlanAction.h"
 #include "design/PlanFile.h"
 #include "design/PlanSteps.h"
@@ -139,7 +140,8 @@ int finish(Session &session, ResultWriter &writer, const CheckRows &rows, bool f
 int checkPlan(const PlanRequest &request, Session &session)
 {
     const analysis::ProbePlan plan = readPlan(request.file);
-    ProbePlanner planner(request.designs, session.reading());
+    const UntilExit held(std::make_unique<ProbePlanner>(request.designs, session.reading()));
+    ProbePlanner &planner = *held;
     planner.match(session.reading());
     const auto writer = session.makeWriter();
     CheckRows rows(*writer, request, planner.design());
@@ -154,7 +156,8 @@ int updatePlan(const PlanRequest &request, Session &session)
     analysis::ProbePlan plan = readPlan(request.file);
     const std::string former = plan.text();
     OutputStream output(request.file, request.designs, session.interrupt.temporaries());
-    ProbePlanner planner(request.designs, session.reading());
+    const UntilExit held(std::make_unique<ProbePlanner>(request.designs, session.reading()));
+    ProbePlanner &planner = *held;
     planner.match(session.reading());
     const auto writer = session.makeWriter();
     CheckRows rows(*writer, request, planner.design());

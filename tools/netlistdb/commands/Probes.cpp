@@ -1,5 +1,6 @@
 #include "base/Failure.h"
 #include "base/Interrupt.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/KindOption.h"
 #include "commands/Session.h"
@@ -87,8 +88,9 @@ class ProbesCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        ProbedDesign probed(m_design, m_own.empty() ? std::string() : m_own.front(), session.reading());
-        const int exitCode = m_whyNot.empty() ? list(probed, session) : explain(probed, session);
+        const UntilExit probed(
+            std::make_unique<ProbedDesign>(m_design, m_own.empty() ? std::string() : m_own.front(), session.reading()));
+        const int exitCode = m_whyNot.empty() ? list(*probed, session) : explain(*probed, session);
         session.stats.end();
         return exitCode;
     }

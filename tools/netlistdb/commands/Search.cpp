@@ -1,6 +1,7 @@
 #include "base/Choice.h"
 #include "base/Failure.h"
 #include "base/NumberOption.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/KindOption.h"
 #include "commands/Session.h"
@@ -63,7 +64,7 @@ class SearchCommand : public DesignCommand {
                                   : m_glob ? Kind::Glob
                                            : Kind::Plain,
                                   m_own.front(), m_ignoreCase);
-        const auto design = loadDesign(m_design, Clocks::No, session.reading());
+        const UntilExit design(loadDesign(m_design, Clocks::No, session.reading()));
         m_param.startItem = &PathResolver(*design).startOf(m_from);
         m_param.sortItems = m_sort != Sort::None;
         m_param.nameOrder = m_sort == Sort::Name ? SORT_ASCENDING : SORT_NONE;

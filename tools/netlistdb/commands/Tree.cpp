@@ -1,4 +1,5 @@
 #include "base/NumberOption.h"
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/Design.h"
@@ -36,7 +37,7 @@ class TreeCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, m_choice.clocks ? Clocks::Yes : Clocks::No, session.reading());
+        const UntilExit design(loadDesign(m_design, m_choice.clocks ? Clocks::Yes : Clocks::No, session.reading()));
         session.stats.begin("show");
         ResultHead head;
         head.command = "tree";
