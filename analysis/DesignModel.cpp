@@ -1,10 +1,13 @@
 #include "analysis/DesignModel.h"
 
+#include "analysis/RegisterCounts.h"
+
 #include <DataBase.h>
 
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/analysis/ClockMap.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -32,6 +35,12 @@ std::uint32_t partOf(const std::vector<std::uint32_t> &first, std::uint32_t numb
 }
 
 } // namespace
+
+std::size_t countClocks(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source)
+{
+    const Hierarchy hierarchy(database, source, workingCopyOf(database, source));
+    return countRegisters(hierarchy, findClocks(hierarchy)).size();
+}
 
 DesignModel::DesignModel(DesignDatabase &from, IDesignDatabase::SOURCE_TYPE type)
     : database(from), source(type), generation(from.generation(type)), root(from.getRoot(type)),

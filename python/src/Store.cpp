@@ -50,35 +50,36 @@ Verific::Netlist *netlistAt(const Place &place)
     return cell != nullptr ? cell->GetNetlist(place.view.c_str()) : nullptr;
 }
 
-/// Deletes @p top and what nobody uses any more below it.
-void deleteUnused(const Verific::Netlist &top)
+/// Adds to @p places where the views of the instances in @p netlist stand.
+void addViews(const Verific::Netlist &netlist, std::vector<Place> &places)
 {
-    std::vector<Place> waiting(1);
-    if (!placeOf(top, waiting.front())) {
-        return;
+    Verific::Set views(Verific::POINTER_HASH);
+    Verific::MapIter mi;
+    const Verific::Instance *instance = nullptr;
+    FOREACH_INSTANCE_OF_NETLIST (&netlist, mi, instance) {
+        if (instance->View() != nullptr) {
+            views.Insert(instance->View());
+        }
     }
-    while (!waiting.empty()) {
-        Verific::Netlist *netlist = netlistAt(waiting.back());
-        waiting.pop_back();
-        if (netlist == nullptr || netlist->NumOfRefs() > 0) {
-            continue;
+    Verific::SetIter si;
+    const Verific::Netlist *view = nullptr;
+    FOREACH_SET_ITEM (&views, si, &view) {
+        if (Place place; placeOf(*view, place)) {
+            places.push_back(std::move(place));
         }
-        Verific::Set views(Verific::POINTER_HASH);
-        Verific::MapIter mi;
-        const Verific::Instance *instance = nullptr;
-        FOREACH_INSTANCE_OF_NETLIST (netlist, mi, instance) {
-            if (instance->View() != nullptr) {
-                views.Insert(instance->View());
-            }
+    }
+}
+
+/// Deletes the netlists at @p places that nobody uses, and what nobody uses any more below them.
+void deleteUnused(std::vector<Place> places)
+{
+    while (!places.empty()) {
+        Verific::Netlist *netlist = netlistAt(places.back());
+        places.pop_back();
+        if (netlist != nullptr && netlist->NumOfRefs() == 0) {
+            addViews(*netlist, places);
+            delete netlist;
         }
-        Verific::SetIter si;
-        const Verific::Netlist *view = nullptr;
-        FOREACH_SET_ITEM (&views, si, &view) {
-            if (Place place; placeOf(*view, place)) {
-                waiting.push_back(std::move(place));
-            }
-        }
-        delete netlist;
     }
 }
 
@@ -92,6 +93,10 @@ Store::Store() : m_database(std::make_shared<DesignDatabase>(true))
 Store::~Store()
 {
     Databases &all = databases();
+    std::vector<Place> below;
+    for (const Verific::Netlist *netlist : m_netlists) {
+        addViews(*netlist, below);
+    }
     for (const auto type : {IDesignDatabase::SOURCE_ELABORATED, IDesignDatabase::SOURCE_POST_MAP}) {
         m_database->reset(type);
     }
@@ -101,9 +106,7 @@ Store::~Store()
         Verific::Libset::Reset();
         return;
     }
-    for (const Verific::Netlist *netlist : m_netlists) {
-        deleteUnused(*netlist);
-    }
+    deleteUnused(std::move(below));
 }
 
 } // namespace kvr::netlistdb::python

@@ -16,14 +16,14 @@ class Store {
   public:
     /// In a turn.
     Store();
-    /// Empties the database and deletes netlists(), and what nobody else uses below them. In a turn; what refers to
-    /// items of the database is gone by then.
+    /// Empties the database and deletes what nobody else uses below netlists(). In a turn; what refers to items of the
+    /// database is gone by then.
     ~Store();
     Store(const Store &) = delete;
     Store &operator=(const Store &) = delete;
 
     const std::shared_ptr<DesignDatabase> &database() const { return m_database; }
-    /// The netlists that were imported.
+    /// The working copies of what was imported.
     std::vector<const Verific::Netlist *> &netlists() { return m_netlists; }
 
   private:

@@ -79,4 +79,8 @@ class NETLISTDB_EXPORT ClockMap {
     std::unique_ptr<const State> m_state;
 };
 
+/// The number of clocks that a ClockMap of the source has, without building the map.
+/// @throws as the constructor of ClockMap
+NETLISTDB_EXPORT std::size_t countClocks(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE source);
+
 } // namespace kvr::netlistdb::analysis

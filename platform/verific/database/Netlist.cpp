@@ -7,6 +7,7 @@
 #include "OwnerTable.h"
 #include "Port.h"
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -14,11 +15,18 @@ namespace Verific {
 
 namespace {
 
-template <typename Object> void deleteAll(Map &table)
+template <typename Object, typename Visit> void forEachIn(const Map &table, Visit visit)
 {
     for (unsigned slot = 0; slot < table.slots(); ++slot) {
-        delete static_cast<Object *>(table.valueAt(slot));
+        if (auto *object = static_cast<Object *>(table.valueAt(slot))) {
+            visit(object);
+        }
     }
+}
+
+template <typename Object> void deleteAll(Map &table)
+{
+    forEachIn<Object>(table, [](Object *object) { delete object; });
     table.Reset();
 }
 
@@ -60,6 +68,36 @@ void Netlist::deleteInstances()
 {
     m_dying = true;
     deleteAll<Instance>(m_insts);
+}
+
+std::unique_ptr<Netlist> Netlist::makeAlike() const
+{
+    std::unique_ptr<Netlist> alike(new Netlist(m_name));
+    alike->copyTraits(*this);
+    alike->m_type = m_type;
+    alike->m_blackBox = m_blackBox;
+    alike->m_register = m_register;
+    alike->m_operator = m_operator;
+    return alike;
+}
+
+Netlist *Netlist::moveContents()
+{
+    Netlist *const moved = makeAlike().release();
+    std::swap(moved->m_clock, m_clock);
+    std::swap(moved->m_input, m_input);
+    moved->m_ports.swap(m_ports);
+    moved->m_portBuses.swap(m_portBuses);
+    moved->m_nets.swap(m_nets);
+    moved->m_netBuses.swap(m_netBuses);
+    moved->m_insts.swap(m_insts);
+    const auto adopt = [moved](auto *object) { object->m_owner = moved; };
+    forEachIn<Port>(moved->m_ports, adopt);
+    forEachIn<PortBus>(moved->m_portBuses, adopt);
+    forEachIn<Net>(moved->m_nets, adopt);
+    forEachIn<NetBus>(moved->m_netBuses, adopt);
+    forEachIn<Instance>(moved->m_insts, adopt);
+    return moved;
 }
 
 void Netlist::deleteWithCell()

@@ -5,6 +5,8 @@
 #include "ReclaimState.h"
 #include "Set.h"
 
+#include <memory>
+
 namespace Verific {
 
 class Cell;
@@ -106,6 +108,10 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     /// @p type is one of primitive_type; @p input as the clock of MakeRegister.
     void MakePrimitive(unsigned type, Port *input);
     void MakeOperator() { m_operator = true; }
+    /// Says that this netlist is needed only until its next Copy(): that call then moves everything in it to the new
+    /// netlist instead of making a second one of each object, and leaves this one empty. A netlist that instances refer
+    /// to, or whose copies the caller of Copy() wants to know one by one, is copied all the same.
+    void SetDisposable(unsigned on) { m_disposable = on != 0; }
 
   private:
     friend class Cell;
@@ -123,6 +129,10 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     friend class PortBus;
 
     explicit Netlist(SharedName view_name);
+    /// An empty loose netlist with the same name, traits and kind.
+    std::unique_ptr<Netlist> makeAlike() const;
+    /// A loose netlist with everything that was in this one.
+    Netlist *moveContents();
     /// First half of deletion. When many netlists are deleted together, each loses its instances before the first one
     /// loses its nets and ports: what they refer to in one another still exists, and no pin is disconnected by itself.
     void deleteInstances();
@@ -146,6 +156,7 @@ class VERIFIC_EXPORT Netlist : public DesignObj {
     bool m_blackBox = false;
     bool m_register = false;
     bool m_operator = false;
+    bool m_disposable = false;
     bool m_dying = false; ///< set while the netlist is deleted: children need not take themselves out
     ReclaimState m_reclaim;
 };

@@ -38,6 +38,9 @@ void reportTable(Map &copied, const Map *from, const Map *to)
 
 Netlist *Netlist::Copy(Map *copied) const
 {
+    if (m_disposable && copied == nullptr && NumOfRefs() == 0) {
+        return const_cast<Netlist *>(this)->moveContents();
+    }
     return NetlistCopier(*this).run(copied).release();
 }
 
@@ -45,13 +48,8 @@ NetlistCopier::NetlistCopier(const Netlist &source) : m_source(source) {}
 
 std::unique_ptr<Netlist> NetlistCopier::run(Map *copied)
 {
-    m_copy.reset(new Netlist(m_source.m_name));
+    m_copy = m_source.makeAlike();
     m_copy->m_reclaim.partial = true;
-    m_copy->copyTraits(m_source);
-    m_copy->m_type = m_source.m_type;
-    m_copy->m_blackBox = m_source.m_blackBox;
-    m_copy->m_register = m_source.m_register;
-    m_copy->m_operator = m_source.m_operator;
     copyPorts();
     copyPortBuses();
     copyNets();

@@ -74,6 +74,7 @@ TEST_P(Designs, WhereOneClockAndNothingElseReachesANetTheTraceFindsThatClockToo)
     Verific::Netlist *const top = kvr::netlistdb::yosys::readJson(GetParam());
     elaborated ? database.parseElaboratedNetlist(top) : database.parsePostMapNetlist(top);
     const ClockMap map(database, source);
+    EXPECT_EQ(analysis::countClocks(database, source), map.clocks().size());
     std::size_t asked = 0;
     std::map<std::string, std::size_t> exceptions;
     for (IVDBInstance *instance : clocks::treeOf(database.getRoot(source))) {

@@ -120,6 +120,65 @@ TEST_F(CopyTest, IsIndependentOfItsOriginal)
     EXPECT_EQ(dumpNetlist(top), before);
 }
 
+TEST_F(CopyTest, MovesTheContentsOfADisposableNetlist)
+{
+    Netlist *top = makeEverything();
+    const std::string before = dumpNetlist(top);
+    Net *const net = static_cast<Net *>(top->GetNets()->valueAt(0));
+    const unsigned instances = top->GetInsts()->Size();
+    top->SetDisposable(1);
+    const std::unique_ptr<Netlist> copy(top->Copy(nullptr));
+    EXPECT_EQ(dumpNetlist(copy.get()), before);
+    EXPECT_EQ(copy->GetNets()->valueAt(0), net);
+    EXPECT_EQ(net->Owner(), copy.get());
+    EXPECT_GT(instances, 0u);
+    for (Map *table : {top->GetPorts(), top->GetPortBuses(), top->GetNets(), top->GetNetBuses(), top->GetInsts()}) {
+        EXPECT_EQ(table->Size(), 0u);
+    }
+    EXPECT_EQ(top->GetClock(), nullptr);
+    delete top;
+    EXPECT_EQ(dumpNetlist(copy.get()), before);
+}
+
+TEST_F(CopyTest, AMovedNetlistCanBeEditedAsItsOriginalCould)
+{
+    Netlist *top = makeEverything();
+    top->SetDisposable(1);
+    const std::unique_ptr<Netlist> copy(top->Copy(nullptr));
+    Netlist *gate = makeGate("another_gate");
+    Instance *inst = addInstance(copy.get(), "added", gate);
+    Net *net = addNet(copy.get(), "added");
+    EXPECT_EQ(inst->Connect(gate->GetPort("a"), net), 1u);
+    const std::string before = dumpNetlist(copy.get());
+    delete static_cast<Instance *>(copy->GetInsts()->valueAt(0));
+    delete static_cast<Net *>(copy->GetNets()->valueAt(0));
+    EXPECT_NE(dumpNetlist(copy.get()), before);
+}
+
+TEST_F(CopyTest, CopiesADisposableNetlistThatInstancesReferTo)
+{
+    Netlist *gate = makeGate();
+    Netlist *top = makeNetlist("work", "top");
+    Instance *user = addInstance(top, "u1", gate);
+    gate->SetDisposable(1);
+    const std::string before = dumpNetlist(gate);
+    const std::unique_ptr<Netlist> copy(gate->Copy(nullptr));
+    EXPECT_EQ(dumpNetlist(copy.get()), before);
+    EXPECT_EQ(dumpNetlist(gate), before);
+    EXPECT_EQ(user->View(), gate);
+}
+
+TEST_F(CopyTest, CopiesADisposableNetlistForACallerWhoWantsToKnowTheCopies)
+{
+    Netlist *top = makeEverything();
+    top->SetDisposable(1);
+    Map copied(POINTER_HASH);
+    const std::string before = dumpNetlist(top);
+    const std::unique_ptr<Netlist> copy(top->Copy(&copied));
+    EXPECT_EQ(dumpNetlist(top), before);
+    EXPECT_EQ(copied.Size(), top->GetPorts()->Size() + top->GetNets()->Size() + top->GetInsts()->Size());
+}
+
 TEST_F(CopyTest, CopiesAWideInstanceConnectedInAnyOrder)
 {
     Netlist *wide = makeNetlist("cells", "wide");

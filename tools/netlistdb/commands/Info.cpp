@@ -1,3 +1,4 @@
+#include "base/UntilExit.h"
 #include "commands/Command.h"
 #include "commands/Session.h"
 #include "design/Design.h"
@@ -26,11 +27,11 @@ class InfoCommand : public DesignCommand {
 
     int run(Session &session) override
     {
-        const auto design = loadDesign(m_design, Clocks::Yes, session.reading());
+        const UntilExit design(loadDesign(m_design, Clocks::Yes, session.reading()));
         session.stats.begin("count");
         const Census census = takeCensus(*design, session.interrupt);
         const InfoReport report{design->nameOf(design->top()), design->form(), design->devices(), census,
-                                design->clocks().clocks().size()};
+                                design->clockCount()};
         report.write(session.options.format, session.output, session.color);
         session.stats.end();
         return session.finish(true);

@@ -2,8 +2,8 @@
 
 #include "base/Interrupt.h"
 #include "design/Design.h"
-#include "design/InstanceWalk.h"
 
+#include <deque>
 #include <netlistdb/netlistdb.h>
 #include <unordered_map>
 #include <utility>
@@ -15,6 +15,8 @@ namespace {
 struct Definition {
     Contents contents;
     std::size_t module = 0; ///< place in Census::modules
+    bool userDeclared = false;
+    std::uint64_t instances = 0;
 };
 
 Contents contentsOf(IVDBNetlist &module)
@@ -44,27 +46,33 @@ class Counter {
 
     void meet(IVDBInstance &instance, std::size_t depth)
     {
-        const bool userDeclared = instance.getModule()->isUserDeclared();
-        m_census.instances.add(userDeclared);
-        if (m_census.levels.size() <= depth) {
-            m_census.levels.resize(depth + 1);
-        }
-        m_census.levels[depth].add(userDeclared);
         const auto [found, isNew] = m_definitions.try_emplace(instance.getModule());
         if (isNew) {
             define(instance, found->second);
         }
-        ++m_census.modules[found->second.module].instances;
-        m_census.unfolded.add(found->second.contents);
+        ++found->second.instances;
+        if (m_census.levels.size() <= depth) {
+            m_census.levels.resize(depth + 1);
+        }
+        m_census.levels[depth].add(found->second.userDeclared);
     }
 
-    Census result() { return std::move(m_census); }
+    Census result()
+    {
+        for (const auto &[module, definition] : m_definitions) {
+            m_census.instances.add(definition.userDeclared, definition.instances);
+            m_census.modules[definition.module].instances += definition.instances;
+            m_census.unfolded.add(definition.contents, definition.instances);
+        }
+        return std::move(m_census);
+    }
 
   private:
     void define(IVDBInstance &instance, Definition &definition)
     {
         IVDBNetlist &netlist = *instance.getModule();
         definition.contents = contentsOf(netlist);
+        definition.userDeclared = netlist.isUserDeclared();
         const auto [place, isNew] =
             m_modules.try_emplace({netlist.GetLibName(), netlist.getName()}, m_census.modules.size());
         definition.module = place->second;
@@ -73,13 +81,13 @@ class Counter {
             m_census.modules.back().name = netlist.getName();
             m_census.modules.back().userName = m_design.nameOf(netlist);
             m_census.modules.back().library = netlist.GetLibName();
-            m_census.modules.back().userDeclared = netlist.isUserDeclared();
+            m_census.modules.back().userDeclared = definition.userDeclared;
             m_census.modules.back().constant = drivesConstant(netlist);
         }
         ModuleCensus &module = m_census.modules[definition.module];
         ++module.definitions;
         module.contents.add(definition.contents);
-        m_census.definitions.add(netlist.isUserDeclared());
+        m_census.definitions.add(definition.userDeclared);
         m_census.defined.add(definition.contents);
         for (IVDBInstance *child : instance.getSubInstances()) {
             if (!drivesConstant(*child->getModule())) {
@@ -107,10 +115,27 @@ void Contents::add(const Contents &other, std::uint64_t times)
 
 Census takeCensus(Design &design, const Interrupt &interrupt)
 {
+    // An owner with those of its children that are still to be met.
+    struct Place {
+        const std::vector<IVDBInstance *> &children;
+        std::size_t next = 0;
+    };
     Counter counter(design);
-    for (InstanceWalk walk(design.root()); walk.instance() != nullptr; walk.next()) {
+    counter.meet(design.root(), 0);
+    std::deque<Place> way;
+    way.push_back({design.root().getSubInstances()});
+    while (!way.empty()) {
         interrupt.check();
-        counter.meet(*walk.instance(), walk.depth());
+        Place &place = way.back();
+        if (place.next == place.children.size()) {
+            way.pop_back();
+            continue;
+        }
+        IVDBInstance &instance = *place.children[place.next++];
+        counter.meet(instance, way.size());
+        if (!instance.getSubInstances().empty()) {
+            way.push_back({instance.getSubInstances()});
+        }
     }
     return counter.result();
 }

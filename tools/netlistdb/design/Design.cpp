@@ -26,6 +26,11 @@ Design::~Design()
     }
 }
 
+void Design::useWorkingCopy()
+{
+    m_sources.replaceTop(top(), *m_database->workingCopy(type()));
+}
+
 IVDBNetlist &Design::top()
 {
     return *m_database->getTopModule(type());
@@ -72,6 +77,11 @@ const analysis::ClockMap &Design::clocks()
     return *m_clocks;
 }
 
+std::size_t Design::clockCount()
+{
+    return m_clocks != nullptr ? m_clocks->clocks().size() : analysis::countClocks(*m_database, type());
+}
+
 namespace {
 
 std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_ptr<DesignDatabase> &database,
@@ -80,7 +90,10 @@ std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_pt
     limitInstances(source, reading.maxInstances);
     reading.progress.begin("importing " + source.name);
     reading.stats.begin("import");
+    const std::string note = noteOnHierarchy(*source.netlist, source.form);
     auto design = std::make_unique<Design>(source.name, source.form, database, *source.netlist, clocks);
+    const bool keepsCopy = clocks == Clocks::Yes;
+    source.netlist->SetDisposable(keepsCopy ? 1 : 0);
     bool whole = false;
     try {
         whole = source.form == Form::PostMap ? database->parsePostMapNetlist(source.netlist)
@@ -93,8 +106,12 @@ std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_pt
     if (!whole) {
         throw refused(source.name, "some instance has no module in the netlist");
     }
-    if (std::string note = noteOnHierarchy(*source.netlist, source.form); !note.empty()) {
-        reading.notes.push_back(std::move(note));
+    if (!note.empty()) {
+        reading.notes.push_back(note);
+    }
+    if (keepsCopy) {
+        design->useWorkingCopy();
+        delete source.netlist;
     }
     reading.progress.clear();
     return design;

@@ -38,11 +38,15 @@ class Design {
     Design(const Design &) = delete;
     Design &operator=(const Design &) = delete;
 
+    /// Asks the database's working copy for what netlist was asked for so far, which may be deleted afterwards. The
+    /// database must keep its source netlists, and have been filled.
+    void useWorkingCopy();
+
     const std::string &name() const { return m_name; }
     Form form() const { return m_form; }
     const DeviceCensus &devices() const { return m_devices; }
     DesignDatabase &database() { return *m_database; }
-    /// The netlist that it was imported from; null when nothing was.
+    /// The netlist behind top(): what it was imported from, or its working copy; null when nothing was imported.
     const Verific::Netlist *source() { return m_sources.of(top()); }
     IVDBNetlist &top();
     IVDBInstance &root();
@@ -50,6 +54,8 @@ class Design {
     bool hasClocks() const { return m_hasClocks; }
     /// Every clock of every net. Built at the first call. Needs Clocks::Yes.
     const analysis::ClockMap &clocks();
+    /// How many clocks there are, without building clocks() for that. Needs Clocks::Yes.
+    std::size_t clockCount();
     /// The domain that the database finds for @p net in @p instance: that of the first register it meets, or null.
     IClockDomain *firstClockOf(IVDBInstance &instance, IVDBNet &net);
     /// True for a cell whose insides are not part of the design; what it has of nets are its pins.

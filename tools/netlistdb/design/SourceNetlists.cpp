@@ -27,6 +27,11 @@ SourceNetlists::SourceNetlists(const Verific::Netlist &top)
     }
 }
 
+void SourceNetlists::replaceTop(const IVDBNetlist &module, const Verific::Netlist &copy)
+{
+    m_netlists[{module.GetLibName(), module.getName()}] = &copy;
+}
+
 const Verific::Netlist *SourceNetlists::of(const IVDBNetlist &module) const
 {
     const auto found = m_netlists.find({module.GetLibName(), module.getName()});

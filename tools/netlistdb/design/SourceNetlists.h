@@ -23,6 +23,9 @@ class SourceNetlists {
     /// @p top and what is below it must outlive the object.
     explicit SourceNetlists(const Verific::Netlist &top);
 
+    /// From now on @p copy stands for the top, which is @p module. Must outlive the object.
+    void replaceTop(const IVDBNetlist &module, const Verific::Netlist &copy);
+
     /// The netlist behind @p module, or null. Operators and primitives share names: any of those with this one.
     const Verific::Netlist *of(const IVDBNetlist &module) const;
     /// The instance behind @p instance; null at the top.
