@@ -15,7 +15,7 @@ build_preset asan
 ctest --preset asan -j "$jobs"
 
 step "GCC, thread sanitizer: the tests with threads"
-build_preset tsan search_cancel_test
+build_preset tsan search_cancel_test memory_test
 ctest --preset tsan -j "$jobs" -L threads
 
 step "GCC, optimised: every test, packages, and the build against a commercial layout"

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <netlistdb/IVDBInstance.h>
+#include <netlistdb/PooledItem.h>
 
 #include <cstddef>
+#include <memory>
 
 namespace Verific {
 class Instance;
@@ -10,8 +12,11 @@ class Instance;
 
 namespace kvr::netlistdb {
 
+class InstanceTraits;
+struct SharedString;
+
 /// An instance of the unfolded tree.
-class NETLISTDB_EXPORT VDBInstance : public IVDBInstance {
+class NETLISTDB_EXPORT VDBInstance : public IVDBInstance, public PooledItem {
   public:
     /// A root: no name, depth 0 even under an owner, no parameters. Nothing is checked; neither argument is owned, and
     /// @p owner is null for the top of a tree.
@@ -39,13 +44,19 @@ class NETLISTDB_EXPORT VDBInstance : public IVDBInstance {
     void reserveSubInstances(std::size_t count);
 
   private:
+    friend class InstanceBuilder;
+
+    /// An occurrence below @p owner of an instance with these traits.
+    __attribute__((visibility("hidden")))
+    VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const InstanceTraits &traits);
+    std::vector<IVDBInstance *> &subInstances();
     void deleteSubInstances();
 
     unsigned long long m_depth = 0;
-    std::string m_name;
+    SharedString *m_name = nullptr; ///< shared with the other occurrences of the instance; null: empty
     IVDBInstance *m_owner;
     IVDBNetlist *m_module;
-    std::vector<IVDBInstance *> m_subInstances;
+    std::unique_ptr<std::vector<IVDBInstance *>> m_subInstances; ///< made with the first
     std::uint32_t m_parameterCount = 0;
     bool m_depthIsChainLength = false; ///< false also below an owner of a foreign class, whose chain may change
 };

@@ -1,14 +1,19 @@
 #pragma once
 
 #include <netlistdb/IVDBLineInfo.h>
+#include <netlistdb/PooledItem.h>
+
+#include <memory>
 
 namespace kvr::netlistdb {
 
 /// A place in a source file, fixed at construction.
-class NETLISTDB_EXPORT VDBLineInfo : public IVDBLineInfo {
+class NETLISTDB_EXPORT VDBLineInfo : public IVDBLineInfo, public PooledItem {
   public:
     /// Copies @p filePath (an absolute path) and keeps @p lineNumber.
     VDBLineInfo(const std::string &filePath, unsigned long long lineNumber);
+    /// Shares @p filePath, which is not null.
+    VDBLineInfo(std::shared_ptr<const std::string> filePath, unsigned long long lineNumber);
     ~VDBLineInfo() override;
     VDBLineInfo(const VDBLineInfo &) = delete;
     VDBLineInfo &operator=(const VDBLineInfo &) = delete;
@@ -18,7 +23,7 @@ class NETLISTDB_EXPORT VDBLineInfo : public IVDBLineInfo {
 
   private:
     unsigned long long m_lineNumber;
-    std::string m_filePath;
+    std::shared_ptr<const std::string> m_filePath;
 };
 
 } // namespace kvr::netlistdb

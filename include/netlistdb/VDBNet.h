@@ -1,6 +1,7 @@
 #pragma once
 
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/PooledItem.h>
 
 #include <memory>
 
@@ -10,8 +11,10 @@ class Net;
 
 namespace kvr::netlistdb {
 
+class SourcePaths;
+
 /// A net made from a net of the netlist database.
-class NETLISTDB_EXPORT VDBNet : public IVDBNet {
+class NETLISTDB_EXPORT VDBNet : public IVDBNet, public PooledItem {
   public:
     /// A net without owner bus.
     /// @throws std::invalid_argument "net is nullptr"
@@ -38,12 +41,17 @@ class NETLISTDB_EXPORT VDBNet : public IVDBNet {
     bool isMultipleDriven() const override;
 
   private:
+    friend class ModuleBuilder;
+
+    /// Shares the path of its source position with other items made with the same @p paths; null: shares with none.
+    __attribute__((visibility("hidden"))) VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net, SourcePaths *paths);
+
     std::string m_name;
     unsigned long long m_width = 0;
     std::unique_ptr<IVDBLineInfo> m_lineInfo;
+    IVDBNetBus *m_ownerBus;
     bool m_excluded = false;
     bool m_protected = false;
-    IVDBNetBus *m_ownerBus;
     bool m_power = false;
     bool m_ground = false;
     bool m_multipleDriven = false;

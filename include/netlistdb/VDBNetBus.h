@@ -1,6 +1,7 @@
 #pragma once
 
 #include <netlistdb/IVDBNetBus.h>
+#include <netlistdb/PooledItem.h>
 
 #include <cstddef>
 #include <memory>
@@ -12,7 +13,7 @@ class NetBus;
 namespace kvr::netlistdb {
 
 /// A net bus, either declared in the netlist database or made up by the import from bit nets.
-class NETLISTDB_EXPORT VDBNetBus : public IVDBNetBus {
+class NETLISTDB_EXPORT VDBNetBus : public IVDBNetBus, public PooledItem {
   public:
     /// A bus with the name, bounds, position and protection of @p netBus, without members yet.
     /// @throws std::invalid_argument "netbus is nullptr"

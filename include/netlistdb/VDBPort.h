@@ -1,6 +1,7 @@
 #pragma once
 
 #include <netlistdb/IVDBPort.h>
+#include <netlistdb/PooledItem.h>
 
 namespace Verific {
 class Port;
@@ -10,7 +11,7 @@ class PortBus;
 namespace kvr::netlistdb {
 
 /// A port made from a port or port bus of the netlist database.
-class NETLISTDB_EXPORT VDBPort : public IVDBPort {
+class NETLISTDB_EXPORT VDBPort : public IVDBPort, public PooledItem {
   public:
     /// A port of one bit.
     /// @throws std::invalid_argument "port is nullptr"

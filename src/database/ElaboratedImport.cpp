@@ -1,6 +1,6 @@
 #include "database/DatabaseState.h"
 #include "database/ImportGuard.h"
-#include "database/ImportSteps.h"
+#include "database/InstanceBuilder.h"
 
 #include <netlistdb/VDBInstance.h>
 
@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <deque>
+#include <optional>
 #include <stdexcept>
 
 namespace kvr::netlistdb {
@@ -19,12 +20,6 @@ struct Pending {
     VDBInstance *item;
     const Verific::Netlist *netlist; ///< what it is an instance of
 };
-
-/// Nothing comes of queueing what has no instances; in most designs that is nearly everything.
-bool hasInstances(const Verific::Netlist *netlist)
-{
-    return netlist->GetInsts()->Size() != 0;
-}
 
 } // namespace
 
@@ -67,37 +62,35 @@ bool DesignDatabase::parseHier(Verific::Netlist *top, IVDBNetlist *topModule)
 
     VDBInstance &root = source.makeRoot(topModule);
     m_state->clocks.itemMade(&root);
+    InstanceBuilder builder(m_state->clocks, source.pool, modules);
     bool complete = true;
     std::deque<Pending> queue;
     root.reserveSubInstances(top->GetInsts()->Size());
     Verific::MapIter instances;
     const Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (top, instances, instance) {
-        const auto module = modules.find(instance->View());
-        if (module == modules.end()) {
+        const std::optional<InstanceBuilder::Child> child = builder.child(instance);
+        if (!child) {
             complete = false;
             break;
         }
-        VDBInstance *const item = addInstance(m_state->clocks, source.pool, root, module->second, instance);
+        VDBInstance *const item = builder.add(root, *child);
         // Here alone a black box is unfolded too, should it have contents.
-        if (hasInstances(module->first)) {
-            queue.push_back({item, module->first});
+        if (child->hasInstances) {
+            queue.push_back({item, child->netlist});
         }
     }
     for (; !queue.empty(); queue.pop_front()) {
         const Pending &parent = queue.front();
-        parent.item->reserveSubInstances(parent.netlist->GetInsts()->Size());
-        FOREACH_INSTANCE_OF_NETLIST (parent.netlist, instances, instance) {
-            const auto module = modules.find(instance->View());
-            if (module == modules.end()) {
-                complete = false;
-                break;
-            }
-            VDBInstance *const item = addInstance(m_state->clocks, source.pool, *parent.item, module->second, instance);
-            if (!module->first->IsBlackBox() && hasInstances(module->first)) {
-                queue.push_back({item, module->first});
+        const InstanceBuilder::Children &children = builder.childrenOf(*parent.netlist);
+        parent.item->reserveSubInstances(children.all.size());
+        for (const InstanceBuilder::Child &child : children.all) {
+            VDBInstance *const item = builder.add(*parent.item, child);
+            if (child.hasInstances && !child.isBlackBox) {
+                queue.push_back({item, child.netlist});
             }
         }
+        complete = complete && children.complete;
     }
     [[maybe_unused]] const auto end = std::chrono::steady_clock::now();
     return complete;

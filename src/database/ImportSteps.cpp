@@ -1,16 +1,11 @@
 #include "database/ImportSteps.h"
 
-#include "clock/ClockAnalysis.h"
-#include "netlist/VDBObjectPool.h"
 #include "netlist/verific_queries.h"
 
 #include <netlistdb/DesignDatabase.h>
-#include <netlistdb/VDBInstance.h>
 
 #include <DataBase.h>
 #include <Set.h>
-
-#include <memory>
 
 namespace kvr::netlistdb {
 
@@ -38,18 +33,6 @@ void buildModulesBelow(DesignDatabase &database, const Verific::Netlist *top, bo
             modules.try_emplace(netlist, module);
         }
     }
-}
-
-VDBInstance *addInstance(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
-                         const Verific::Instance *instance)
-{
-    auto item = std::make_unique<VDBInstance>(module, &owner, instance);
-    owner.addSubInstance(item.get());
-    // From here on the tree owns it, so that a failing registration leaves no entry of a deleted item.
-    VDBInstance *const added = item.release();
-    clocks.itemMade(added);
-    pool.registerInstance(added, instance);
-    return added;
 }
 
 } // namespace kvr::netlistdb

@@ -4,17 +4,13 @@
 #include <unordered_map>
 
 namespace Verific {
-class Instance;
 class Netlist;
 } // namespace Verific
 
 namespace kvr::netlistdb {
 
-class ClockAnalysis;
 class DesignDatabase;
 class IVDBNetlist;
-class VDBInstance;
-class VDBObjectPool;
 
 // What the two imports share.
 
@@ -31,9 +27,5 @@ struct CellNames {
 /// Builds the module of every netlist below @p top, leaves included, in the order of the hierarchy, and adds it to
 /// @p modules.
 void buildModulesBelow(DesignDatabase &database, const Verific::Netlist *top, bool elaborated, ModuleMap &modules);
-
-/// Makes the item of @p instance below @p owner, which takes it, and registers it.
-VDBInstance *addInstance(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &owner, IVDBNetlist *module,
-                         const Verific::Instance *instance);
 
 } // namespace kvr::netlistdb

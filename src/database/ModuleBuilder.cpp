@@ -2,6 +2,7 @@
 #include "database/DatabaseState.h"
 #include "database/ImportGuard.h"
 #include "model/NetWalk.h"
+#include "model/SourcePosition.h"
 
 #include <netlistdb/VDBNet.h>
 #include <netlistdb/VDBNetBus.h>
@@ -15,8 +16,6 @@
 #include <utility>
 
 namespace kvr::netlistdb {
-
-namespace {
 
 /// Builds one module. What is not released at the end is deleted and leaves no entry in the pool.
 class ModuleBuilder {
@@ -115,14 +114,14 @@ class ModuleBuilder {
 
     void addMember(const Verific::Net *net)
     {
-        auto item = std::make_unique<VDBNet>(m_bus.get(), net);
+        std::unique_ptr<VDBNet> item(new VDBNet(m_bus.get(), net, &m_paths));
         m_bus->addNet(item.get());
         m_pool.registerNet(net, item.release());
     }
 
     void addPlain(const Verific::Net *net)
     {
-        auto item = std::make_unique<VDBNet>(net);
+        std::unique_ptr<VDBNet> item(new VDBNet(nullptr, net, &m_paths));
         m_module->addNet(item.get());
         m_pool.registerNet(net, item.release());
     }
@@ -156,10 +155,9 @@ class ModuleBuilder {
     VDBObjectPool &m_pool;
     const Verific::Netlist *m_netlist;
     std::unique_ptr<VDBNetlist> m_module;
+    SourcePaths m_paths;
     std::unique_ptr<VDBNetBus> m_bus; ///< the one being filled
 };
-
-} // namespace
 
 IVDBNetlist *DesignDatabase::buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,
                                           const std::string &libraryName)

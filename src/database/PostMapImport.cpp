@@ -1,9 +1,10 @@
 #include "database/DatabaseState.h"
 #include "database/ImportGuard.h"
-#include "database/ImportSteps.h"
+#include "database/InstanceBuilder.h"
 
 #include <netlistdb/VDBInstance.h>
 
+#include <optional>
 #include <stdexcept>
 
 namespace kvr::netlistdb {
@@ -11,18 +12,17 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Makes the instances of @p top below @p root; false when one names a view outside the hierarchy, which ends it there.
-bool addTopLevel(ClockAnalysis &clocks, VDBObjectPool &pool, VDBInstance &root, const Verific::Netlist &top,
-                 const ModuleMap &modules)
+bool addTopLevel(InstanceBuilder &builder, VDBInstance &root, const Verific::Netlist &top)
 {
     root.reserveSubInstances(top.GetInsts()->Size());
     Verific::MapIter instances;
     const Verific::Instance *instance = nullptr;
     FOREACH_INSTANCE_OF_NETLIST (&top, instances, instance) {
-        const auto module = modules.find(instance->View());
-        if (module == modules.end()) {
+        const std::optional<InstanceBuilder::Child> child = builder.child(instance);
+        if (!child) {
             return false;
         }
-        addInstance(clocks, pool, root, module->second, instance);
+        builder.add(root, *child);
     }
     return true;
 }
@@ -46,7 +46,8 @@ bool DesignDatabase::parsePostMapNetlist(Verific::Netlist *netlist)
         m_state->clocks.itemMade(&root);
         ModuleMap modules;
         buildModulesBelow(*this, top, false, modules);
-        complete = addTopLevel(m_state->clocks, source.pool, root, *top, modules);
+        InstanceBuilder builder(m_state->clocks, source.pool, modules);
+        complete = addTopLevel(builder, root, *top);
     }
     if (m_state->keepSourceNetlists) {
         parseClkDomainPostMap(source.workingCopy.get());

@@ -1,5 +1,6 @@
 #include <netlistdb/VDBInstance.h>
 
+#include "model/InstanceTraits.h"
 #include "model/LiveItems.h"
 #include "netlist/verific_queries.h"
 
@@ -12,11 +13,23 @@ namespace kvr::netlistdb {
 
 namespace {
 
+// Never destroyed: instances may be used and deleted at any time while the process ends.
+const std::string &NO_NAME = *new std::string;
+const std::vector<IVDBInstance *> &NO_SUB_INSTANCES = *new std::vector<IVDBInstance *>;
+
 /// The instance as a VDBInstance when it is exactly that, whose behaviour is known; null for a class derived from it.
 VDBInstance *asPlainInstance(IVDBInstance *instance)
 {
     return instance != nullptr && typeid(*instance) == typeid(VDBInstance) ? static_cast<VDBInstance *>(instance)
                                                                            : nullptr;
+}
+
+InstanceTraits traitsOf(const Verific::Instance *inst)
+{
+    if (inst == nullptr) {
+        throw std::invalid_argument("inst is nullptr");
+    }
+    return {inst->Name(), verific_queries::parameterCount(*inst)};
 }
 
 } // namespace
@@ -28,15 +41,13 @@ VDBInstance::VDBInstance(IVDBNetlist *module, IVDBInstance *owner)
 }
 
 VDBInstance::VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const Verific::Instance *inst)
-    : m_owner(owner), m_module(module)
+    : VDBInstance(module, owner, traitsOf(inst))
 {
-    if (inst == nullptr) {
-        throw std::invalid_argument("inst is nullptr");
-    }
-    if (const char *name = inst->Name()) {
-        m_name = name;
-    }
-    m_parameterCount = verific_queries::parameterCount(*inst);
+}
+
+VDBInstance::VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const InstanceTraits &traits)
+    : m_name(traits.shareName()), m_owner(owner), m_module(module), m_parameterCount(traits.parameterCount())
+{
     // An owner whose depth is known to be the length of its owner chain spares the walk, which would make deep trees
     // quadratic to build.
     const VDBInstance *plainOwner = asPlainInstance(owner);
@@ -56,6 +67,7 @@ VDBInstance::VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const Verific
 VDBInstance::~VDBInstance()
 {
     deleteSubInstances();
+    release(m_name);
     uncountItem(LiveItem::Instance);
 }
 
@@ -72,8 +84,8 @@ void VDBInstance::deleteSubInstances()
     VDBInstance *instance = this;
     std::size_t place = 0;
     for (;;) {
-        if (place == instance->m_subInstances.size()) {
-            instance->m_subInstances.clear();
+        if (place == instance->getSubInstances().size()) {
+            instance->m_subInstances.reset();
             if (instance == this) {
                 return;
             }
@@ -86,9 +98,9 @@ void VDBInstance::deleteSubInstances()
             delete done;
             continue;
         }
-        IVDBInstance *const child = instance->m_subInstances[place++];
+        IVDBInstance *const child = (*instance->m_subInstances)[place++];
         VDBInstance *const plain = asPlainInstance(child);
-        if (plain == nullptr || plain->m_subInstances.empty()) {
+        if (plain == nullptr || plain->m_subInstances == nullptr) {
             delete child; // one of another class runs a destructor of its own
             continue;
         }
@@ -104,7 +116,7 @@ void VDBInstance::deleteSubInstances()
 
 const std::string &VDBInstance::getName() const
 {
-    return m_name;
+    return m_name != nullptr ? m_name->text : NO_NAME;
 }
 
 std::uint32_t VDBInstance::getItemType() const
@@ -130,7 +142,7 @@ IVDBNetlist *VDBInstance::getModule() const
 std::string VDBInstance::getPath() const
 {
     std::vector<const std::string *> names;
-    std::size_t length = m_name.size();
+    std::size_t length = getName().size();
     for (const IVDBInstance *ancestor = m_owner; ancestor != nullptr; ancestor = ancestor->getOwnerInstance()) {
         const std::string &name = ancestor->getName();
         if (!name.empty()) {
@@ -144,18 +156,18 @@ std::string VDBInstance::getPath() const
         path += **name;
         path += '/';
     }
-    path += m_name;
+    path += getName();
     return path;
 }
 
 const std::vector<IVDBInstance *> &VDBInstance::getSubInstances() const
 {
-    return m_subInstances;
+    return m_subInstances != nullptr ? *m_subInstances : NO_SUB_INSTANCES;
 }
 
 bool VDBInstance::addSubInstance(IVDBInstance *child)
 {
-    m_subInstances.push_back(child);
+    subInstances().push_back(child);
     return true;
 }
 
@@ -166,7 +178,17 @@ std::uint32_t VDBInstance::getParameterCount() const
 
 void VDBInstance::reserveSubInstances(std::size_t count)
 {
-    m_subInstances.reserve(count);
+    if (count != 0) {
+        subInstances().reserve(count);
+    }
+}
+
+std::vector<IVDBInstance *> &VDBInstance::subInstances()
+{
+    if (m_subInstances == nullptr) {
+        m_subInstances = std::make_unique<std::vector<IVDBInstance *>>();
+    }
+    return *m_subInstances;
 }
 
 } // namespace kvr::netlistdb

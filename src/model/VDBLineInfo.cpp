@@ -2,10 +2,17 @@
 
 #include "model/LiveItems.h"
 
+#include <utility>
+
 namespace kvr::netlistdb {
 
 VDBLineInfo::VDBLineInfo(const std::string &filePath, unsigned long long lineNumber)
-    : m_lineNumber(lineNumber), m_filePath(filePath)
+    : VDBLineInfo(std::make_shared<const std::string>(filePath), lineNumber)
+{
+}
+
+VDBLineInfo::VDBLineInfo(std::shared_ptr<const std::string> filePath, unsigned long long lineNumber)
+    : m_lineNumber(lineNumber), m_filePath(std::move(filePath))
 {
     countItem(LiveItem::LineInfo);
 }
@@ -17,7 +24,7 @@ VDBLineInfo::~VDBLineInfo()
 
 const std::string &VDBLineInfo::getFilePath() const
 {
-    return m_filePath;
+    return *m_filePath;
 }
 
 unsigned long long VDBLineInfo::getLineNumber() const

@@ -14,7 +14,9 @@ namespace kvr::netlistdb {
 
 VDBNet::VDBNet(const Verific::Net *net) : VDBNet(nullptr, net) {}
 
-VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net) : m_ownerBus(ownerBus)
+VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net) : VDBNet(ownerBus, net, nullptr) {}
+
+VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net, SourcePaths *paths) : m_ownerBus(ownerBus)
 {
     if (net == nullptr) {
         throw std::invalid_argument("net is nullptr");
@@ -26,7 +28,7 @@ VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net) : m_ownerBus(owner
     m_power = net->IsPwr() != 0;
     m_ground = net->IsGnd() != 0;
     m_multipleDriven = net->IsMultipleDriven() != 0;
-    m_lineInfo = sourcePosition(*net);
+    m_lineInfo = sourcePosition(*net, paths);
     m_excluded = verific_queries::mustNotBeProbed(*net);
     m_protected = net->IsProtected() != 0;
     countItem(LiveItem::Net);

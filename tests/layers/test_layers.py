@@ -11,10 +11,11 @@ ROOT = Path(os.environ["SOURCE_ROOT"])
 # From each folder to the folders that it may include from besides itself and besides the public interfaces.
 LAYERS = {
     "platform/names": set(),
-    "platform/verific": set(),
+    "memory": set(),
+    "platform/verific": {"memory"},
     "include": set(),
     "src/netlist": {"platform/verific"},
-    "src/model": {"platform/verific", "src/netlist"},
+    "src/model": {"memory", "platform/verific", "src/netlist"},
     "src/clock": {"platform/verific", "src/netlist", "src/model"},
     "src/search": {"src/model"},
     "src/database": {"platform/verific", "src/netlist", "src/model", "src/clock", "src/search"},

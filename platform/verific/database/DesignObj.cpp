@@ -1,6 +1,7 @@
 #include "DesignObj.h"
 
 #include "AttTable.h"
+#include "memory/SmallObjects.h"
 
 #include <cstring>
 #include <memory>
@@ -70,6 +71,16 @@ bool DesignObj::nextAttribute(MapIter &iter, Att *&att) const
 unsigned DesignObj::attributeCount() const
 {
     return m_atts != nullptr ? static_cast<unsigned>(m_atts->atts.size()) : 0;
+}
+
+void *DesignObj::operator new(std::size_t size)
+{
+    return kvr::memory::allocateObject(size);
+}
+
+void DesignObj::operator delete(void *object, std::size_t size) noexcept
+{
+    kvr::memory::freeObject(object, size);
 }
 
 void DesignObj::copyTraits(const DesignObj &other)

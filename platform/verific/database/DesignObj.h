@@ -4,7 +4,9 @@
 #include "LineFile.h"
 #include "Map.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 namespace Verific {
 
@@ -20,6 +22,19 @@ class VERIFIC_EXPORT DesignObj {
     virtual ~DesignObj();
     DesignObj(const DesignObj &) = delete;
     DesignObj &operator=(const DesignObj &) = delete;
+
+    // Objects lie side by side in slabs. Embedded database only.
+
+    /// @throws std::bad_alloc
+    static void *operator new(std::size_t size);
+    static void *operator new(std::size_t /*size*/, void *place) noexcept { return place; }
+    static void *operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+    static void operator delete(void *object, std::size_t size) noexcept;
+    static void operator delete(void * /*object*/, void * /*place*/) noexcept {}
+    static void operator delete(void *object, std::size_t /*size*/, std::align_val_t alignment) noexcept
+    {
+        ::operator delete(object, alignment);
+    }
 
     /// The name, or null when the object was made without one. Lives as long as the object.
     const char *Name() const { return m_name.get(); }

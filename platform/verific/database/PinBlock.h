@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PortRef.h"
+#include "memory/SmallObjects.h"
 
 #include <functional>
 #include <new>
@@ -14,9 +15,14 @@ class PinBlock {
     /// Throws std::bad_alloc.
     static PinBlock *make(unsigned capacity)
     {
-        return new (::operator new(sizeof(PinBlock) + sizeof(PortRef) * capacity)) PinBlock(capacity);
+        return new (kvr::memory::allocateObject(sizeOf(capacity))) PinBlock(capacity);
     }
-    static void free(PinBlock *block) { ::operator delete(block); }
+    static void free(PinBlock *block)
+    {
+        if (block != nullptr) {
+            kvr::memory::freeObject(block, sizeOf(block->capacity));
+        }
+    }
 
     PortRef *pins() { return reinterpret_cast<PortRef *>(this + 1); }
     /// Makes the place after the pins in use a disconnected pin, without counting it.
@@ -42,6 +48,8 @@ class PinBlock {
     unsigned used = 0; ///< connected and disconnected places; the last one of an instance is a connected one
 
   private:
+    static std::size_t sizeOf(unsigned capacity) { return sizeof(PinBlock) + sizeof(PortRef) * capacity; }
+
     explicit PinBlock(unsigned size) : capacity(size) {}
 };
 

@@ -1,5 +1,7 @@
 #include "SharedName.h"
 
+#include "memory/SmallObjects.h"
+
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -8,22 +10,29 @@ namespace Verific {
 
 namespace {
 
-using Count = std::uint32_t;
+/// What stands before the characters of a text.
+struct Head {
+    std::size_t size() const { return sizeof(Head) + length + 1; }
+
+    std::uint32_t holders;
+    std::uint32_t length;
+};
+
+Head *headOf(char *text)
+{
+    return reinterpret_cast<Head *>(text) - 1;
+}
 
 char *allocate(const char *text, std::size_t length)
 {
-    char *memory = static_cast<char *>(::operator new(sizeof(Count) + length + 1));
-    const Count one = 1;
-    std::memcpy(memory, &one, sizeof one);
-    char *copy = memory + sizeof(Count);
+    if (length >= UINT32_MAX - sizeof(Head)) {
+        throw std::bad_alloc();
+    }
+    const Head head{1, static_cast<std::uint32_t>(length)};
+    char *const copy = reinterpret_cast<char *>(new (kvr::memory::allocateObject(head.size())) Head(head) + 1);
     std::memcpy(copy, text, length);
     copy[length] = '\0';
     return copy;
-}
-
-Count &countOf(char *text)
-{
-    return *reinterpret_cast<Count *>(text - sizeof(Count));
 }
 
 } // namespace
@@ -38,14 +47,18 @@ SharedName::SharedName(const char *text, std::size_t length)
 SharedName::SharedName(const SharedName &other) : m_text(other.m_text)
 {
     if (m_text != nullptr) {
-        ++countOf(m_text);
+        ++headOf(m_text)->holders;
     }
 }
 
 SharedName::~SharedName()
 {
-    if (m_text != nullptr && --countOf(m_text) == 0) {
-        ::operator delete(m_text - sizeof(Count));
+    if (m_text == nullptr) {
+        return;
+    }
+    Head *const head = headOf(m_text);
+    if (--head->holders == 0) {
+        kvr::memory::freeObject(head, head->size());
     }
 }
 

@@ -144,6 +144,22 @@ TEST(BuildNetlist, GivesMadeUpBusesTheNameAlignmentOfTheirMembers)
     }
 }
 
+TEST(BuildNetlist, HoldsAPathOnceForAllNetsOfTheModule)
+{
+    LibsetGuard guard;
+    DesignDatabase database(true);
+    Verific::Netlist *top = netlistFromText("module top() net a net b end");
+    for (const char *name : {"a", "b"}) {
+        top->GetNet(name)->SetLinefile(Verific::LineFile::EncodeLineFile("/rtl/top.v", name[0] == 'a' ? 1 : 2));
+    }
+    const std::vector<IVDBNet *> nets = database.buildNetlist(top, true, "", "")->getNets(false);
+    ASSERT_EQ(nets.size(), 2U);
+    EXPECT_EQ(nets[0]->getLineInfo()->getLineNumber(), 1U);
+    EXPECT_EQ(nets[1]->getLineInfo()->getLineNumber(), 2U);
+    EXPECT_EQ(nets[0]->getLineInfo()->getFilePath(), "/rtl/top.v");
+    EXPECT_EQ(&nets[0]->getLineInfo()->getFilePath(), &nets[1]->getLineInfo()->getFilePath());
+}
+
 TEST(BuildNetlist, TellsEveryMemberItsBusAndNoPlainNet)
 {
     LibsetGuard guard;

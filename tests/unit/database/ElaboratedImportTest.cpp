@@ -97,6 +97,31 @@ TEST(ElaboratedImport, SharesOneModuleAmongItsInstances)
     }
 }
 
+TEST(ElaboratedImport, HoldsANameOnceForAllOccurrencesOfAnInstance)
+{
+    const Imported design(R"(
+        module leaf() end
+        module mid() l: leaf() end
+        module top() a: mid() b: mid() end)");
+    auto &children = design.root->getSubInstances();
+    const IVDBInstance *ofA = children[0]->getSubInstances()[0];
+    const IVDBInstance *ofB = children[1]->getSubInstances()[0];
+    EXPECT_EQ(ofA->getName(), "l");
+    EXPECT_EQ(&ofA->getName(), &ofB->getName());
+}
+
+TEST(ElaboratedImport, ANameLivesAsLongAsAnyOccurrenceOfItsInstance)
+{
+    Imported design(R"(
+        module leaf() end
+        module mid() an_instance_with_a_long_name: leaf() end
+        module top() a: mid() b: mid() end)");
+    auto &children = const_cast<std::vector<IVDBInstance *> &>(design.root->getSubInstances());
+    delete children[0];
+    children.erase(children.begin());
+    EXPECT_EQ(children[0]->getSubInstances()[0]->getPath(), "b/an_instance_with_a_long_name");
+}
+
 TEST(ElaboratedImport, UnfoldsHierarchiesDeeperThanTheStack)
 {
     constexpr unsigned LEVELS = 20000;

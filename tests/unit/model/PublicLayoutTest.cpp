@@ -38,12 +38,12 @@ TEST(PublicLayout, OfTheInterfacesIsFixed)
 
 TEST(PublicLayout, OfTheItemsIsFixed)
 {
-    EXPECT_LAYOUT(VDBNet, 88);
+    EXPECT_LAYOUT(VDBNet, 80);
     EXPECT_LAYOUT(VDBNetBus, 112);
     EXPECT_LAYOUT(VDBPort, 56);
     EXPECT_LAYOUT(VDBNetlist, 152);
-    EXPECT_LAYOUT(VDBInstance, 96);
-    EXPECT_LAYOUT(VDBLineInfo, 48);
+    EXPECT_LAYOUT(VDBInstance, 56);
+    EXPECT_LAYOUT(VDBLineInfo, 32);
     EXPECT_LAYOUT(VDBClockDomain, 56);
 }
 

@@ -1,3 +1,5 @@
+#include "model/SourcePosition.h"
+
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 
@@ -9,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 namespace kvr::netlistdb {
@@ -24,6 +27,28 @@ TEST(VDBLineInfo, KeepsACopyOfThePathAndAll64BitsOfTheLine)
     const IVDBLineInfo &seen = position;
     EXPECT_EQ(seen.getFilePath(), "/work/top.v");
     EXPECT_EQ(seen.getLineNumber(), 0x1'0000'0001ull);
+}
+
+TEST(SourcePaths, HoldEachPathOnce)
+{
+    SourcePaths paths;
+    const auto first = paths.share("/work/top.v");
+    const std::string same = "/work/top.v";
+    EXPECT_EQ(paths.share(same.c_str()), first);
+    const auto other = paths.share("/work/sub.v");
+    EXPECT_EQ(*other, "/work/sub.v");
+    EXPECT_EQ(paths.share(same.c_str()), first);
+    EXPECT_EQ(*first, "/work/top.v");
+}
+
+TEST(SourcePaths, OutliveTheTableForThePositionsThatShareThem)
+{
+    std::unique_ptr<VDBLineInfo> position;
+    {
+        SourcePaths paths;
+        position = std::make_unique<VDBLineInfo>(paths.share("/work/top.v"), 3);
+    }
+    EXPECT_EQ(position->getFilePath(), "/work/top.v");
 }
 
 TEST(SourcePosition, IsTheAbsoluteFileAndTheLine)
