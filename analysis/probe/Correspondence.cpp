@@ -18,6 +18,17 @@ constexpr std::size_t FEW = 256; ///< of so many classes, one that differs is li
 constexpr int MOST_RUNS = 6;     ///< of large netlists, of full length
 constexpr std::uint64_t MUCH_LEANING = 0x00FF00FF00FF00FFULL;
 
+/// A random value for a class. In half of the runs all bits of an elaborated register lean to the same side, another
+/// one at every step: carries run through counters, and numbers are 0, or as large as can be, far more often than by
+/// chance.
+std::uint64_t valueFor(Random &random, std::uint32_t lean, std::uint64_t step)
+{
+    const std::uint64_t side = mixed(step ^ lean);
+    const std::uint64_t seldom = random.seldom(4);
+    const std::uint64_t leaning = (seldom & side) | (~seldom & ~side);
+    return (leaning & MUCH_LEANING) | (random.next() & ~MUCH_LEANING);
+}
+
 } // namespace
 
 Correspondence::Correspondence(const BitGraph &elaborated, const BitGraph &postMap)
@@ -136,12 +147,11 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
                 m_everywhere[side].sample(simulator(side), m_lanes, registers(side));
             }
         }
-        differing = checkClasses();
+        differing = checkAndForceClasses();
         ++m_spentSteps;
-        forceClasses();
     }
-    for (std::size_t at = 0; at < m_classes.size(); ++at) {
-        m_classes[at].differed = m_lineup.places[at].differed;
+    for (const Lineup::Place &place : m_lineup.places) {
+        m_classes[place.number].differed = place.differed;
     }
     return differing == 0;
 }
@@ -150,11 +160,17 @@ void Correspondence::lineUp()
 {
     m_lineup.members.clear();
     m_lineup.places.clear();
+    std::vector<std::pair<Signal, std::uint32_t>> order;
+    order.reserve(m_classes.size());
     for (const Class &each : m_classes) {
+        order.emplace_back(each.members.front().signal, static_cast<std::uint32_t>(order.size()));
+    }
+    std::sort(order.begin(), order.end());
+    for (const auto &[signal, number] : order) {
+        const Class &each = m_classes[number];
         m_lineup.members.insert(m_lineup.members.end(), each.members.begin(), each.members.end());
-        const Member &first = each.members.front();
-        m_lineup.places.push_back({static_cast<std::uint32_t>(m_lineup.members.size()),
-                                   m_graphs[first.side]->drivers[first.signal], each.isFree, false});
+        m_lineup.places.push_back({number, static_cast<std::uint32_t>(m_lineup.members.size()),
+                                   m_graphs[each.members.front().side]->drivers[signal], each.isFree, false});
     }
 }
 
@@ -174,63 +190,60 @@ void Correspondence::sampleControl(Signatures *signatures)
     }
 }
 
-/// Returns how many classes have differed in this run.
-std::size_t Correspondence::checkClasses()
+void Correspondence::forceClasses()
 {
+    (void)passOverClasses<false>();
+}
+
+/// Returns how many classes have differed in this run.
+std::size_t Correspondence::checkAndForceClasses()
+{
+    return passOverClasses<true>();
+}
+
+/// Looks whether the members of each class are equal, if it CHECKS, and gives them one random value. Every class has
+/// random numbers of its own, whichever place it has in the lineup.
+template <bool CHECKS> std::size_t Correspondence::passOverClasses()
+{
+    constexpr std::uint64_t NUMBERS_OF_CLASS = 10;
+    Simulator *const simulators[] = {&m_bench.elaborated, &m_bench.postMap};
+    const std::uint64_t step = m_bench.random().next();
+    const Random numbers = m_bench.random();
+    m_bench.random().skip(NUMBERS_OF_CLASS * m_lineup.places.size());
     std::size_t differing = 0;
-    const Member *member = m_lineup.members.data();
+    const Member *first = m_lineup.members.data();
     for (Lineup::Place &place : m_lineup.places) {
+        const Member *const end = m_lineup.members.data() + place.end;
+        std::uint64_t known = ALL_LANES;
         std::uint64_t ones = 0;
         std::uint64_t zeros = 0;
-        for (const Member *const end = m_lineup.members.data() + place.end; member != end; ++member) {
-            const Lanes value = simulator(member->side)[member->signal];
+        for (const Member *member = first; member != end; ++member) {
+            const Lanes value = (*simulators[member->side])[member->signal];
             const Lanes own = member->inverted ? ~value : value;
+            known &= own.known();
             ones |= own.one & ~own.zero;
             zeros |= own.zero & ~own.one;
         }
-        place.differed = place.differed || (ones & zeros) != 0;
-        differing += place.differed ? 1 : 0;
-    }
-    return differing;
-}
-
-/// A random value for a class. In half of the runs all bits of an elaborated register lean to the same side, another
-/// one at every step: carries run through counters, and numbers are 0, or as large as can be, far more often than by
-/// chance.
-std::uint64_t Correspondence::valueFor(std::uint32_t lean, std::uint64_t step)
-{
-    Random &random = m_bench.random();
-    const std::uint64_t side = mixed(step ^ lean);
-    const std::uint64_t seldom = random.seldom(4);
-    const std::uint64_t leaning = (seldom & side) | (~seldom & ~side);
-    return (leaning & MUCH_LEANING) | (random.next() & ~MUCH_LEANING);
-}
-
-void Correspondence::forceClasses()
-{
-    constexpr std::uint64_t NUMBERS_OF_CLASS = 10;
-    Random &random = m_bench.random();
-    const std::uint64_t step = random.next();
-    const Member *first = m_lineup.members.data();
-    for (const Lineup::Place &place : m_lineup.places) {
-        const Member *const end = m_lineup.members.data() + place.end;
+        if (CHECKS) {
+            place.differed = place.differed || (ones & zeros) != 0;
+            differing += place.differed ? 1 : 0;
+        }
         if (place.isFree) {
-            random.skip(NUMBERS_OF_CLASS);
             first = end;
             continue;
         }
-        const std::uint64_t value = valueFor(place.lean, step);
+        Random random = numbers;
+        random.skip(NUMBERS_OF_CLASS * place.number);
+        const std::uint64_t value = valueFor(random, place.lean, step);
         // Half of the runs are mostly left to themselves: what takes several steps would hardly ever come about.
         const std::uint64_t much = random.next();
-        std::uint64_t lanes = (much & MUCH_CHOSEN) | (random.seldom(4) & ~MUCH_CHOSEN);
-        for (const Member *member = first; member != end; ++member) {
-            lanes |= ~simulator(member->side)[member->signal].known();
-        }
+        const std::uint64_t lanes = (much & MUCH_CHOSEN) | (random.seldom(4) & ~MUCH_CHOSEN) | ~known;
         for (; first != end; ++first) {
-            Simulator &own = first->side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
+            Simulator &own = *simulators[first->side];
             own.set(first->signal, inLanes(lanes, lanesOf(first->inverted ? ~value : value), own[first->signal]));
         }
     }
+    return differing;
 }
 
 Correspondence::NameVerdict Correspondence::verdictOf(const WirePair &pair) const
