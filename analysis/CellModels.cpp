@@ -1,6 +1,7 @@
 #include "analysis/CellModels.h"
 
 #include "analysis/DeviceCells.h"
+#include "analysis/Texts.h"
 #include "analysis/WordCells.h"
 
 #include <DataBase.h>
@@ -12,15 +13,9 @@ namespace kvr::netlistdb::analysis {
 
 namespace {
 
-std::string_view typeOf(const Verific::Netlist &view)
-{
-    const char *const name = view.CellBaseName();
-    return name != nullptr ? std::string_view(name) : std::string_view();
-}
-
 std::vector<std::string> parametersOf(const Verific::Netlist &view)
 {
-    const std::string_view type = typeOf(view);
+    const std::string_view type = typeOf(&view);
     return !type.empty() && type.front() == '$' ? wordParameters() : deviceParameters(view);
 }
 
@@ -49,7 +44,7 @@ ConstantShift constantShift(const Verific::Instance &instance)
             value |= std::int64_t{1} << at;
         }
     }
-    const std::string_view type = typeOf(view);
+    const std::string_view type = typeOf(&view);
     const bool isSigned =
         (type == "$shift" || type == "$shiftx") && isNonZero(parameterOf(instance, "B_SIGNED")) && highest;
     if (isSigned) {
@@ -61,7 +56,7 @@ ConstantShift constantShift(const Verific::Instance &instance)
 bool isMemory(const Verific::Netlist &view)
 {
     const char *const kind = view.GetAttValue("NETLISTDB_CELL_KIND");
-    return startsWith(typeOf(view), "$mem") || (kind != nullptr && std::string_view(kind) == "memory");
+    return startsWith(typeOf(&view), "$mem") || (kind != nullptr && std::string_view(kind) == "memory");
 }
 
 CellModel build(const Verific::Instance &instance, const Verific::Instance *first, const ConstantShift &shift)
@@ -126,7 +121,7 @@ std::uint32_t CellModels::modelOf(const Verific::Instance &instance)
     View &known = found->second;
     if (isNew && view != nullptr) {
         known.parameters = parametersOf(*view);
-        known.shifts = isShift(typeOf(*view));
+        known.shifts = isShift(typeOf(view));
         known.mayBorrow = isMemory(*view);
     }
     const std::string_view cellName = deviceCellName(instance);

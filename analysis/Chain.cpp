@@ -1,6 +1,7 @@
 #include "analysis/Chain.h"
 
 #include "analysis/SourcePlaces.h"
+#include "analysis/Texts.h"
 
 #include <DataBase.h>
 
@@ -17,13 +18,13 @@ ChainStep ChainWriter::step(const Place &place, const FanIn::Way &way) const
     const ModuleGraph &module = m_design.module(place);
     ChainStep step{
         way.kind, m_design.itemOf(place.context), m_design.itemOf(place), m_design.nameOf(place), {}, {}, {}, {}, {}};
-    const auto nameOfPort = [&](const Verific::Port *port) { return textOf(port->Name()); };
+    const auto nameOfPort = [](const Verific::Port *port) { return std::string(textOf(port->Name())); };
     if (way.cell != NONE) {
         const Verific::Instance *const cell = m_design.instanceOf(place.context, way.cell);
         step.cell = m_design.pathOf(place.context);
         if (cell != nullptr) {
             step.cell.append(step.cell.empty() ? "" : "/").append(textOf(cell->Name()));
-            step.cellType = textOf(cell->View() != nullptr ? cell->View()->CellBaseName() : nullptr);
+            step.cellType = typeOf(cell->View());
             step.place = placeOf(*cell);
         }
         const bool isSub = module.isSub(way.cell);

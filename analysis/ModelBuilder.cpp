@@ -1,5 +1,7 @@
 #include "analysis/ModelBuilder.h"
 
+#include "analysis/Texts.h"
+
 #include <DataBase.h>
 
 #include <algorithm>
@@ -8,11 +10,6 @@
 namespace kvr::netlistdb::analysis {
 
 namespace {
-
-std::string_view textOf(const char *text)
-{
-    return text != nullptr ? std::string_view(text) : std::string_view();
-}
 
 /// The bits of a bus from the rightmost one on.
 template <typename Visit> void forEachBit(const Verific::PortBus &bus, Visit visit)
@@ -44,7 +41,7 @@ ModelBuilder::ModelBuilder(const Verific::Instance &instance, const Verific::Ins
     : m_named(named)
 {
     m_model.view = instance.View();
-    m_type = textOf(m_model.view->CellBaseName());
+    m_type = typeOf(m_model.view);
     addPorts(*m_model.view, false);
     if (borrows) {
         addPorts(*named.View(), true);

@@ -15,9 +15,4 @@ SourcePlace placeOf(const Verific::DesignObj &object)
     return file != nullptr ? SourcePlace{file, Verific::LineFile::GetLineNo(position)} : SourcePlace();
 }
 
-std::string textOf(const char *text)
-{
-    return text != nullptr ? std::string(text) : std::string();
-}
-
 } // namespace kvr::netlistdb::analysis

@@ -2,8 +2,6 @@
 
 #include <netlistdb/analysis/Clocks.h>
 
-#include <string>
-
 namespace Verific {
 class DesignObj;
 }
@@ -12,8 +10,5 @@ namespace kvr::netlistdb::analysis {
 
 /// Where @p object stands in the source text.
 SourcePlace placeOf(const Verific::DesignObj &object);
-
-/// @p text, empty for null.
-std::string textOf(const char *text);
 
 } // namespace kvr::netlistdb::analysis

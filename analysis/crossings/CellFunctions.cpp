@@ -1,6 +1,7 @@
 #include "analysis/crossings/CellFunctions.h"
 
 #include "analysis/ModelBuilder.h"
+#include "analysis/Texts.h"
 
 #include <DataBase.h>
 
@@ -13,11 +14,6 @@ namespace kvr::netlistdb::analysis {
 namespace {
 
 constexpr std::size_t MOST_INPUTS = 6;
-
-std::string_view textOf(const char *text)
-{
-    return text != nullptr ? std::string_view(text) : std::string_view();
-}
 
 /// The output of a gate; its inputs are given in the order of its pins.
 using Gate = bool (*)(const std::vector<bool> &in);
@@ -108,8 +104,7 @@ template <typename Function> TruthTable tabulate(std::vector<std::uint32_t> inpu
 
 std::string_view typeOf(Unfolding &design, std::uint32_t context, std::uint32_t cell)
 {
-    const Verific::Netlist *const view = design.model(context, cell).view;
-    return view != nullptr ? textOf(view->CellBaseName()) : std::string_view();
+    return typeOf(design.model(context, cell).view);
 }
 
 std::uint64_t TruthTable::evaluate(const std::vector<std::uint64_t> &values) const

@@ -2,6 +2,7 @@
 
 #include "analysis/ModelBuilder.h"
 #include "analysis/SourcePlaces.h"
+#include "analysis/Texts.h"
 
 #include <DataBase.h>
 
@@ -31,9 +32,9 @@ bool splitSubscript(const std::string &name, std::string &vector, int &bit)
     return true;
 }
 
-std::string below(const std::string &path, const std::string &name)
+std::string below(const std::string &path, std::string_view name)
 {
-    return path.empty() ? name : path + "/" + name;
+    return std::string(path).append(path.empty() ? "" : "/").append(name);
 }
 
 } // namespace
@@ -52,7 +53,8 @@ std::string CrossingEnds::nameOf(Node node)
 {
     const std::uint32_t context = m_design.contextOf(node);
     const IVDBNet *const item = m_design.itemOf(node);
-    return below(pathOf(context), item != nullptr ? item->getName() : textOf(m_design.netAt(node).Name()));
+    return below(pathOf(context),
+                 item != nullptr ? std::string_view(item->getName()) : textOf(m_design.netAt(node).Name()));
 }
 
 void CrossingEnds::nameAfter(CrossingEnd &end, Node node)
@@ -72,8 +74,8 @@ CrossingEnd CrossingEnds::cellEnd(const PinPlace &pin)
     const std::string &path = pathOf(pin.context);
     end.instance = m_instances[pin.context];
     end.cell = below(path, textOf(m_design.instanceAt(pin.context, pin.cell).Name()));
-    end.cellType = model.view != nullptr ? textOf(model.view->CellBaseName()) : std::string();
-    end.pin = pin.pin != NONE ? textOf(model.pins[pin.pin].port->Name()) : std::string();
+    end.cellType = typeOf(model.view);
+    end.pin = pin.pin != NONE ? textOf(model.pins[pin.pin].port->Name()) : std::string_view();
     return end;
 }
 
@@ -82,8 +84,7 @@ std::string CrossingEnds::memoryName(const PinPlace &pin, const std::string &cel
 {
     std::string_view name = parameterOf(m_design.instanceAt(pin.context, pin.cell), "MEMID");
     name.remove_prefix(startsWith(name, "\\") ? 1 : 0);
-    return m_design.graphOf(pin.context).writesOf(pin.cell).empty() ? cell
-                                                                    : below(pathOf(pin.context), std::string(name));
+    return m_design.graphOf(pin.context).writesOf(pin.cell).empty() ? cell : below(pathOf(pin.context), name);
 }
 
 CrossingEnd CrossingEnds::source(const PinPlace &pin, Node node)

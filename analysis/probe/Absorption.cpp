@@ -1,7 +1,5 @@
 #include "analysis/probe/Absorption.h"
 
-#include <unordered_set>
-
 namespace kvr::netlistdb::analysis::probe {
 
 namespace {
@@ -11,7 +9,8 @@ constexpr std::size_t LONGEST_WAY = 400; ///< wires that are looked at for one c
 } // namespace
 
 Absorption::Absorption(const BitGraph &elaborated, const BitGraph &postMap, const std::vector<Signal> &target)
-    : m_elaborated(elaborated), m_postMap(postMap), m_target(target), m_users(elaborated)
+    : m_elaborated(elaborated), m_postMap(postMap), m_target(target), m_users(elaborated),
+      m_seen(elaborated.signalCount, 0)
 {
 }
 
@@ -42,24 +41,26 @@ GoneReason Absorption::reasonOf(std::uint32_t node, bool wasRegister) const
     }
 }
 
-Absorption::Cell Absorption::cellWith(Signal elaborated) const
+Absorption::Cell Absorption::cellWith(Signal elaborated)
 {
     const bool wasRegister = m_elaborated.isRegister(elaborated);
-    std::vector<Signal> open{elaborated};
-    std::unordered_set<Signal> seen{elaborated};
-    for (std::size_t at = 0; at < open.size() && at < LONGEST_WAY; ++at) {
-        for (const std::uint32_t user : m_users[open[at]]) {
+    ++m_turn;
+    m_seen[elaborated] = m_turn;
+    m_open.assign(1, elaborated);
+    for (std::size_t at = 0; at < m_open.size() && at < LONGEST_WAY; ++at) {
+        for (const std::uint32_t user : m_users[m_open[at]]) {
             const Node &node = m_elaborated.nodes[user];
             if (m_elaborated.partOf(node).op == Op::MemoryWrite) {
                 continue;
             }
             for (const Signal output : m_elaborated.outputsOf(node)) {
-                if (!seen.insert(output).second) {
+                if (m_seen[output] == m_turn) {
                     continue;
                 }
+                m_seen[output] = m_turn;
                 const Signal target = m_target[output];
                 if (target == NONE) {
-                    open.push_back(output);
+                    m_open.push_back(output);
                     continue;
                 }
                 const std::uint32_t absorber = wasRegister ? m_postMap.drivers[target] : logicInFrontOf(target);

@@ -21,7 +21,7 @@ class Absorption {
     };
     /// Goes forward from an elaborated wire to the first ones that have a match: what computes these in the post-map
     /// netlist has taken it in. Returns no node when there is none, or when nothing tells what it is.
-    Cell cellWith(Signal elaborated) const;
+    Cell cellWith(Signal elaborated);
 
   private:
     std::uint32_t logicInFrontOf(Signal postMap) const;
@@ -30,7 +30,10 @@ class Absorption {
     const BitGraph &m_elaborated;
     const BitGraph &m_postMap;
     const std::vector<Signal> &m_target;
-    Users m_users; ///< of the elaborated wires
+    Users m_users;                     ///< of the elaborated wires
+    std::vector<std::uint32_t> m_seen; ///< by elaborated wire: the last turn that came to it
+    std::uint32_t m_turn = 0;
+    std::vector<Signal> m_open;
 };
 
 } // namespace kvr::netlistdb::analysis::probe

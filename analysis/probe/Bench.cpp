@@ -185,11 +185,9 @@ void Bench::tryResets(Span<Input *> tried)
                 elaborated.settleStates();
             }
         }
-        Simulator::State after = elaborated.save();
-        if (after == before) {
+        if (elaborated.saveTo(before)) {
             break;
         }
-        before = std::move(after);
     }
     const std::array<std::uint32_t, 64> counts = countKnown(elaborated, elaborated.registers());
     for (std::size_t at = 0; at < tried.size(); ++at) {

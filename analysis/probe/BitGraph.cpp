@@ -34,20 +34,6 @@ BitGraph::BitGraph(const DesignDatabase &from, IDesignDatabase::SOURCE_TYPE type
     Flattener(*this).run();
 }
 
-Span<Signal> BitGraph::inputsOf(const Node &node) const
-{
-    const Part &part = partOf(node);
-    const Signal *const first = pins.data() + node.firstPin;
-    return {first, first + part.slots.size() - part.outputs()};
-}
-
-Span<Signal> BitGraph::outputsOf(const Node &node) const
-{
-    const Part &part = partOf(node);
-    const Signal *const end = pins.data() + node.firstPin + part.slots.size();
-    return {end - part.outputs(), end};
-}
-
 const Verific::Instance &BitGraph::instanceOf(std::uint32_t occurrence) const
 {
     const Occurrence &own = occurrences[occurrence];

@@ -37,8 +37,18 @@ struct Node {
     std::uint32_t part;
     std::uint32_t occurrence;
     std::uint32_t cell;
-    std::uint32_t firstPin; ///< in BitGraph::pins
-    std::uint32_t state;    ///< of shift registers: first word of the state; of memory parts: number of the memory
+    std::uint32_t firstPin; ///< in BitGraph::pins: its inputs, then its outputs
+    std::uint32_t firstOutput;
+    std::uint32_t endPin;
+    std::uint32_t state; ///< of shift registers: first word of the state; of memory parts: number of the memory
+};
+
+/// A node with what is looked up for it all the time.
+struct Step {
+    const Node *node;
+    const Part *part;
+    Span<Signal> in;
+    Span<Signal> out;
 };
 
 struct Memory {
@@ -97,8 +107,19 @@ class BitGraph {
     }
     const Recipe &recipeOf(const Node &node) const { return recipes[node.recipe]; }
     const Part &partOf(const Node &node) const { return recipes[node.recipe].parts[node.part]; }
-    Span<Signal> inputsOf(const Node &node) const;
-    Span<Signal> outputsOf(const Node &node) const;
+    Span<Signal> inputsOf(const Node &node) const
+    {
+        return {pins.data() + node.firstPin, pins.data() + node.firstOutput};
+    }
+    Span<Signal> outputsOf(const Node &node) const
+    {
+        return {pins.data() + node.firstOutput, pins.data() + node.endPin};
+    }
+    Step stepOf(std::uint32_t node) const
+    {
+        const Node &own = nodes[node];
+        return {&own, &partOf(own), inputsOf(own), outputsOf(own)};
+    }
     /// Whether a clock changes the wire.
     bool isRegister(Signal signal) const
     {

@@ -34,43 +34,42 @@ std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &si
     for (const auto &[signal, value] : graph.starts) {
         given[signal] = value ? ONE : ZERO;
     }
-    for (const Node &node : graph.nodes) {
-        const Part &part = graph.partOf(node);
-        if (part.op == Op::FlipFlop) {
-            const Span<Signal> outputs = graph.outputsOf(node);
-            for (std::size_t bit = 0; bit < outputs.size(); ++bit) {
-                const Lanes start = startOf(part, graph.inputsOf(node), bit);
-                const Lanes own = given.empty() ? UNKNOWN : given[outputs[bit]];
-                values[outputs[bit]] = own == UNKNOWN ? start : start == UNKNOWN || start == own ? own : UNKNOWN;
-            }
+    std::vector<Step> flipFlops;
+    for (std::uint32_t node = 0; node < graph.nodes.size(); ++node) {
+        if (graph.partOf(graph.nodes[node]).op == Op::FlipFlop) {
+            flipFlops.push_back(graph.stepOf(node));
+        }
+    }
+    for (const Step &step : flipFlops) {
+        for (std::size_t bit = 0; bit < step.out.size(); ++bit) {
+            const Lanes start = startOf(*step.part, step.in, bit);
+            const Lanes own = given.empty() ? UNKNOWN : given[step.out[bit]];
+            values[step.out[bit]] = own == UNKNOWN ? start : start == UNKNOWN || start == own ? own : UNKNOWN;
         }
     }
     const auto settle = [&] {
-        for (const std::uint32_t number : simulator.order()) {
-            const Node &node = graph.nodes[number];
-            const Part &part = graph.partOf(node);
-            if (part.op != Op::Latch && part.op != Op::MemoryRead && part.op != Op::ShiftOutput) {
-                evaluate(part, graph.inputsOf(node), graph.outputsOf(node), values);
+        simulator.evaluateOnce(values, [&](const Step &step) {
+            const Op op = step.part->op;
+            if (op != Op::Latch && op != Op::MemoryRead && op != Op::ShiftOutput) {
+                evaluate(*step.part, step.in, step.out, values);
             }
-        }
+        });
     };
     bool changed = true;
     for (int pass = 0; changed; ++pass) {
         changed = false;
         settle();
-        for (const Node &node : graph.nodes) {
-            const Part &part = graph.partOf(node);
-            if (part.op != Op::FlipFlop) {
-                continue;
-            }
-            const Span<Signal> in = graph.inputsOf(node);
-            const Span<Signal> out = graph.outputsOf(node);
+        for (const Step &step : flipFlops) {
+            const Part &part = *step.part;
             for (std::size_t bit = 0; bit < part.width; ++bit) {
-                const Lanes q = values[out[bit]];
+                const Lanes q = values[step.out[bit]];
+                if (q == UNKNOWN) {
+                    continue;
+                }
                 const bool keeps = pass < MOST_PASSES && !part.has(PART_LOADS) && !part.has(PART_SETS_CLEARS) &&
-                                   choose(values[in[1]], q, values[in[4 + bit]]) == q;
-                if (q != UNKNOWN && !keeps) {
-                    values[out[bit]] = UNKNOWN;
+                                   choose(values[step.in[1]], q, values[step.in[4 + bit]]) == q;
+                if (!keeps) {
+                    values[step.out[bit]] = UNKNOWN;
                     changed = true;
                 }
             }
@@ -80,14 +79,13 @@ std::vector<std::uint8_t> constantsOf(const BitGraph &graph, const Simulator &si
     changed = true;
     for (int pass = 0; changed && pass < MOST_PASSES; ++pass) {
         changed = false;
-        for (const Node &node : graph.nodes) {
-            const Part &part = graph.partOf(node);
-            const Span<Signal> in = graph.inputsOf(node);
-            if (part.op != Op::FlipFlop || in[2] != SIGNAL_ZERO || in[3] != SIGNAL_ZERO || !part.start.empty() ||
-                part.has(PART_SETS_CLEARS)) {
+        for (const Step &step : flipFlops) {
+            const Part &part = *step.part;
+            const Span<Signal> &in = step.in;
+            const Span<Signal> &out = step.out;
+            if (in[2] != SIGNAL_ZERO || in[3] != SIGNAL_ZERO || !part.start.empty() || part.has(PART_SETS_CLEARS)) {
                 continue;
             }
-            const Span<Signal> out = graph.outputsOf(node);
             for (std::size_t bit = 0; bit < part.width; ++bit) {
                 const bool hasStart = !given.empty() && given[out[bit]] != UNKNOWN;
                 if (!hasStart && values[out[bit]] == UNKNOWN && values[in[4 + bit]] != UNKNOWN) {

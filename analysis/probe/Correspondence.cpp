@@ -9,14 +9,12 @@ namespace {
 
 constexpr int MANY = 1'000'000; ///< wires
 constexpr int WARM_UP = 8;
-constexpr int FROM_RESET = 56; ///< at least; more in small designs
-constexpr int EVERYWHERE = 32; ///< the same
-constexpr int LONG_RUN = 64;   ///< to see registers that hardly ever change
-constexpr std::uint64_t MUCH_CHOSEN = 0x5555555555555555ULL;
+constexpr int FROM_RESET = 56;   ///< at least; more in small designs
+constexpr int EVERYWHERE = 32;   ///< the same
+constexpr int LONG_RUN = 64;     ///< to see registers that hardly ever change
 constexpr int SHORT_RUN = 2;     ///< when much differs, what comes behind hardly tells more
 constexpr std::size_t FEW = 256; ///< of so many classes, one that differs is little
 constexpr int MOST_RUNS = 6;     ///< of large netlists, of full length
-constexpr std::uint64_t MUCH_LEANING = 0x00FF00FF00FF00FFULL;
 
 } // namespace
 
@@ -136,26 +134,13 @@ bool Correspondence::runEverywhere(bool forGood, int steps)
                 m_everywhere[side].sample(simulator(side), m_lanes, registers(side));
             }
         }
-        differing = checkClasses();
+        differing = checkAndForceClasses();
         ++m_spentSteps;
-        forceClasses();
     }
-    for (std::size_t at = 0; at < m_classes.size(); ++at) {
-        m_classes[at].differed = m_lineup.places[at].differed;
+    for (const Lineup::Place &place : m_lineup.places) {
+        m_classes[place.number].differed = place.differed;
     }
     return differing == 0;
-}
-
-void Correspondence::lineUp()
-{
-    m_lineup.members.clear();
-    m_lineup.places.clear();
-    for (const Class &each : m_classes) {
-        m_lineup.members.insert(m_lineup.members.end(), each.members.begin(), each.members.end());
-        const Member &first = each.members.front();
-        m_lineup.places.push_back({static_cast<std::uint32_t>(m_lineup.members.size()),
-                                   m_graphs[first.side]->drivers[first.signal], each.isFree, false});
-    }
 }
 
 void Correspondence::sampleAll(Signatures *signatures, bool fromReset)
@@ -171,65 +156,6 @@ void Correspondence::sampleControl(Signatures *signatures)
 {
     for (const Side side : {ELABORATED, POST_MAP}) {
         signatures[side].sample(simulator(side), m_lanes, m_control[side]);
-    }
-}
-
-/// Returns how many classes have differed in this run.
-std::size_t Correspondence::checkClasses()
-{
-    std::size_t differing = 0;
-    const Member *member = m_lineup.members.data();
-    for (Lineup::Place &place : m_lineup.places) {
-        std::uint64_t ones = 0;
-        std::uint64_t zeros = 0;
-        for (const Member *const end = m_lineup.members.data() + place.end; member != end; ++member) {
-            const Lanes value = simulator(member->side)[member->signal];
-            const Lanes own = member->inverted ? ~value : value;
-            ones |= own.one & ~own.zero;
-            zeros |= own.zero & ~own.one;
-        }
-        place.differed = place.differed || (ones & zeros) != 0;
-        differing += place.differed ? 1 : 0;
-    }
-    return differing;
-}
-
-/// A random value for a class. In half of the runs all bits of an elaborated register lean to the same side, another
-/// one at every step: carries run through counters, and numbers are 0, or as large as can be, far more often than by
-/// chance.
-std::uint64_t Correspondence::valueFor(std::uint32_t lean, std::uint64_t step)
-{
-    Random &random = m_bench.random();
-    const std::uint64_t side = mixed(step ^ lean);
-    const std::uint64_t seldom = random.seldom(4);
-    const std::uint64_t leaning = (seldom & side) | (~seldom & ~side);
-    return (leaning & MUCH_LEANING) | (random.next() & ~MUCH_LEANING);
-}
-
-void Correspondence::forceClasses()
-{
-    constexpr std::uint64_t NUMBERS_OF_CLASS = 10;
-    Random &random = m_bench.random();
-    const std::uint64_t step = random.next();
-    const Member *first = m_lineup.members.data();
-    for (const Lineup::Place &place : m_lineup.places) {
-        const Member *const end = m_lineup.members.data() + place.end;
-        if (place.isFree) {
-            random.skip(NUMBERS_OF_CLASS);
-            first = end;
-            continue;
-        }
-        const std::uint64_t value = valueFor(place.lean, step);
-        // Half of the runs are mostly left to themselves: what takes several steps would hardly ever come about.
-        const std::uint64_t much = random.next();
-        std::uint64_t lanes = (much & MUCH_CHOSEN) | (random.seldom(4) & ~MUCH_CHOSEN);
-        for (const Member *member = first; member != end; ++member) {
-            lanes |= ~simulator(member->side)[member->signal].known();
-        }
-        for (; first != end; ++first) {
-            Simulator &own = first->side == ELABORATED ? m_bench.elaborated : m_bench.postMap;
-            own.set(first->signal, inLanes(lanes, lanesOf(first->inverted ? ~value : value), own[first->signal]));
-        }
     }
 }
 

@@ -52,11 +52,13 @@ class Correspondence {
         bool isFree = false;      ///< its value is not chosen
         bool differed = false;    ///< in the last run
     };
-    /// The classes, laid out for a run.
+    /// The classes, laid out for a run: in the order of their wires, so that a pass over them goes through the values
+    /// from one end to the other.
     struct Lineup {
         struct Place {
-            std::uint32_t end;  ///< of its members; they begin where those of the class before end
-            std::uint32_t lean; ///< the same for all bits of an elaborated register
+            std::uint32_t number; ///< of the class
+            std::uint32_t end;    ///< of its members; they begin where those of the class before end
+            std::uint32_t lean;   ///< the same for all bits of an elaborated register
             bool isFree;
             bool differed;
         };
@@ -79,9 +81,9 @@ class Correspondence {
     void addByNames(Members &members, const Class &like);
     void lineUp();
     void forceClasses();
-    std::uint64_t valueFor(std::uint32_t lean, std::uint64_t step);
+    std::size_t checkAndForceClasses();
+    template <bool CHECKS> std::size_t passOverClasses();
     void dropWhatDiffered();
-    std::size_t checkClasses();
     void checkNames(bool fromReset);
     void sampleAll(Signatures *signatures, bool fromReset);
     void sampleControl(Signatures *signatures);

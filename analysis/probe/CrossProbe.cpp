@@ -44,17 +44,25 @@ const char *sentenceOf(GoneReason reason)
     return "";
 }
 
-/// The hash of the full name of a net.
-std::uint64_t nameHashOf(const IVDBInstance &inst, const IVDBNet &net)
-{
-    const std::string path = inst.getPath();
-    return hashOfPath(path + (path.empty() ? "" : "/") + net.getName());
-}
+/// The net that was asked about, whose name is looked at where several nets are on a wire.
+class Wanted {
+  public:
+    Wanted(const IVDBInstance &inst, const IVDBNet &net) : m_inst(inst), m_net(net) {}
+    /// The hash of its full name.
+    std::uint64_t name()
+    {
+        if (!m_name) {
+            const std::string path = m_inst.getPath();
+            m_name = hashOfPath(path + (path.empty() ? "" : "/") + m_net.getName());
+        }
+        return *m_name;
+    }
 
-bool isMadeUp(const std::string &name)
-{
-    return name.empty() || name.front() == '$';
-}
+  private:
+    const IVDBInstance &m_inst;
+    const IVDBNet &m_net;
+    std::optional<std::uint64_t> m_name;
+};
 
 } // namespace
 
@@ -111,39 +119,31 @@ struct CrossProbe::State {
         }
     }
 
-    std::string nameOfNet(const BitGraph &graph, const Locator &locator, std::uint32_t net) const
+    /// The nets on a wire: one of the name of @p wanted first, then declared ones.
+    static void addTargets(const Locator &locator, Signal signal, bool inverted, Wanted &wanted,
+                           std::vector<ProbeTarget> &targets)
     {
-        const NetPlace place = locator.placeOf(net);
-        const std::string path = graph.pathOf(place.occurrence);
-        const IVDBNet *const item = locator.netItem(place);
-        return path + (path.empty() ? "" : "/") + (item != nullptr ? item->getName() : std::string());
-    }
-
-    /// The nets on a wire: one called @p wanted first, then declared ones.
-    void addTargets(const BitGraph &graph, const Locator &locator, Signal signal, bool inverted, std::uint64_t wanted,
-                    std::vector<ProbeTarget> &targets) const
-    {
-        struct Choice {
-            int rank;
-            std::uint32_t net;
-        };
-        std::vector<Choice> choices;
         const auto nets = locator.netsOn(signal);
-        for (const std::uint32_t net : nets) {
+        const auto add = [&](std::uint32_t net) {
             const NetPlace place = locator.placeOf(net);
-            const IVDBNet *const item = locator.netItem(place);
-            if (item != nullptr) {
-                const bool isWanted = nets.size() > 1 && hashOfPath(nameOfNet(graph, locator, net)) == wanted;
-                choices.push_back({isWanted ? 0 : isMadeUp(item->getName()) ? 2 : 1, net});
-            }
-        }
-        std::stable_sort(choices.begin(), choices.end(),
-                         [](const Choice &a, const Choice &b) { return a.rank < b.rank; });
-        for (const Choice &choice : choices) {
-            const NetPlace place = locator.placeOf(choice.net);
+            IVDBNet *const item = locator.netItem(place);
             IVDBInstance *const instance = locator.instanceItem(place.occurrence);
-            if (instance != nullptr) {
-                targets.push_back({instance, locator.netItem(place), inverted});
+            if (item != nullptr && instance != nullptr) {
+                targets.push_back({instance, item, inverted});
+            }
+        };
+        if (nets.size() < 2) {
+            std::for_each(nets.begin(), nets.end(), add);
+            return;
+        }
+        const std::uint64_t *const names = locator.nameHashesOn(signal);
+        const std::uint64_t name = wanted.name();
+        targets.reserve(targets.size() + nets.size());
+        for (const bool isFirst : {true, false}) {
+            for (std::size_t at = 0; at < nets.size(); ++at) {
+                if ((names[at] == name) == isFirst) {
+                    add(nets[at]);
+                }
             }
         }
     }
@@ -201,13 +201,12 @@ ProbeMatch CrossProbe::find(const IVDBInstance *inst, const IVDBNet *net) const
     const Verdict &verdict = m_state->verdicts[signal];
     result.grade = verdict.grade;
     result.reason = verdict.reason;
-    const std::uint64_t wanted = nameHashOf(*inst, *net);
+    Wanted wanted(*inst, *net);
     auto match =
         std::lower_bound(m_state->matches.begin(), m_state->matches.end(), signal,
                          [](const Match &each, Signal elaborated) { return each.wires.elaborated < elaborated; });
     for (; match != m_state->matches.end() && match->wires.elaborated == signal; ++match) {
-        m_state->addTargets(m_state->postMap, *m_state->locators[1], match->wires.postMap, match->inverted, wanted,
-                            result.targets);
+        State::addTargets(*m_state->locators[1], match->wires.postMap, match->inverted, wanted, result.targets);
     }
     if (verdict.node != NONE) {
         const Node &node = m_state->postMap.nodes[verdict.node];
@@ -222,7 +221,7 @@ ProbeMatch CrossProbe::findBack(const IVDBInstance *inst, const IVDBNet *net) co
     m_state->check();
     const Signal signal = m_state->locators[1]->find(inst, net);
     ProbeMatch result;
-    const std::uint64_t wanted = nameHashOf(*inst, *net);
+    Wanted wanted(*inst, *net);
     auto place =
         std::lower_bound(m_state->back.begin(), m_state->back.end(), signal, [&](std::uint32_t each, Signal postMap) {
             return m_state->matches[each].wires.postMap < postMap;
@@ -233,8 +232,7 @@ ProbeMatch CrossProbe::findBack(const IVDBInstance *inst, const IVDBNet *net) co
             result.grade = m_state->verdicts[match.wires.elaborated].grade;
             result.evidence = m_state->evidenceOf(match.wires.elaborated, result.grade);
         }
-        m_state->addTargets(m_state->elaborated, *m_state->locators[0], match.wires.elaborated, match.inverted, wanted,
-                            result.targets);
+        State::addTargets(*m_state->locators[0], match.wires.elaborated, match.inverted, wanted, result.targets);
     }
     if (result.targets.empty()) {
         result.evidence = "no net of the elaborated form was found that equals it";

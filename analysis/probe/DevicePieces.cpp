@@ -87,21 +87,25 @@ void addWritePort(RecipeBuilder &cell, std::uint16_t memory, Slot clock, bool fa
     part.flags = falls ? PART_FALLING : 0;
 }
 
-void addReadPort(RecipeBuilder &cell, std::uint16_t memory, const Slots &address, const Slots &data)
+Part &addReadPort(RecipeBuilder &cell, Op op, std::uint16_t memory, const Slots &control, const Slots &address,
+                  const Slots &data)
 {
-    Part &part = cell.add(Op::MemoryRead, {{SLOT_ZERO, SLOT_ONE, SLOT_ZERO}, address, data});
+    Part &part = cell.add(op, {control, address, data});
     part.memory = memory;
     part.width = static_cast<std::uint32_t>(data.size());
     part.inputs = static_cast<std::uint32_t>(address.size());
+    return part;
+}
+
+void addReadPort(RecipeBuilder &cell, std::uint16_t memory, const Slots &address, const Slots &data)
+{
+    addReadPort(cell, Op::MemoryRead, memory, {SLOT_ZERO, SLOT_ONE, SLOT_ZERO}, address, data);
 }
 
 void addClockedReadPort(RecipeBuilder &cell, std::uint16_t memory, Slot clock, Slot enable, Slot block,
                         const Slots &address, const Slots &data)
 {
-    Part &part = cell.add(Op::ClockedRead, {{clock, enable, block}, address, data});
-    part.memory = memory;
-    part.width = static_cast<std::uint32_t>(data.size());
-    part.inputs = static_cast<std::uint32_t>(address.size());
+    addReadPort(cell, Op::ClockedRead, memory, {clock, enable, block}, address, data);
 }
 
 bool addConstant(RecipeBuilder &cell, bool value)

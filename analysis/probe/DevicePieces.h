@@ -41,6 +41,9 @@ void addShiftRegister(RecipeBuilder &cell, const Slots &address, const ShiftRegi
 std::uint16_t addMemory(RecipeBuilder &cell, std::uint32_t width, std::uint32_t addressBits, std::string_view start);
 void addWritePort(RecipeBuilder &cell, std::uint16_t memory, Slot clock, bool falls, const Slots &address,
                   const Slots &data, const Slots &enables);
+/// A read port without or with a clock, as @p op says; @p control are its clock, enable and block.
+Part &addReadPort(RecipeBuilder &cell, Op op, std::uint16_t memory, const Slots &control, const Slots &address,
+                  const Slots &data);
 void addReadPort(RecipeBuilder &cell, std::uint16_t memory, const Slots &address, const Slots &data);
 /// Reads while @p enable is 1 and @p block is 0.
 void addClockedReadPort(RecipeBuilder &cell, std::uint16_t memory, Slot clock, Slot enable, Slot block,

@@ -238,10 +238,9 @@ void Flattener::sinkOutputs()
 {
     const Signal sink = m_graph.signalCount++;
     for (const Node &node : m_graph.nodes) {
-        const Part &part = m_graph.partOf(node);
-        const auto end = m_graph.pins.begin() + static_cast<std::ptrdiff_t>(node.firstPin + part.slots.size());
         std::replace_if(
-            end - part.outputs(), end, [](Signal signal) { return signal < FIRST_SIGNAL; }, sink);
+            m_graph.pins.begin() + node.firstOutput, m_graph.pins.begin() + node.endPin,
+            [](Signal signal) { return signal < FIRST_SIGNAL; }, sink);
     }
 }
 
@@ -250,7 +249,9 @@ void Flattener::addNode(std::uint32_t occurrence, std::uint32_t cell, std::uint3
     const std::uint32_t number = m_graph.m_cellRecipes[m_graph.occurrences[occurrence].module][cell];
     const Recipe &recipe = m_graph.recipes[number];
     const Part &built = recipe.parts[part];
-    Node node{number, part, occurrence, cell, static_cast<std::uint32_t>(m_graph.pins.size()), NONE};
+    const auto firstPin = static_cast<std::uint32_t>(m_graph.pins.size());
+    const auto endPin = static_cast<std::uint32_t>(firstPin + built.slots.size());
+    Node node{number, part, occurrence, cell, firstPin, endPin - built.outputs(), endPin, NONE};
     const Span<std::uint32_t> nets = m_graph.moduleOf(occurrence).netsOf(cell);
     for (const Slot slot : built.slots) {
         if (slot <= innerSlot(0)) {

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace kvr::netlistdb::analysis::probe {
+
+/// How many elements ahead of the one at hand scattered values are asked for, so that they are there in time.
+constexpr std::size_t FETCHED_AHEAD = 16;
 
 /// A value in 64 independent runs of a simulation, one bit each. A run whose value is not known has both bits set.
 struct Lanes {

@@ -1,5 +1,7 @@
 #include "analysis/probe/Locator.h"
 
+#include "analysis/probe/NetNames.h"
+
 #include <DataBase.h>
 
 #include <netlistdb/DesignDatabase.h>
@@ -32,6 +34,52 @@ Locator::Locator(const BitGraph &graph, IVDBInstance *root) : m_graph(graph), m_
     std::vector<std::uint32_t> next(m_firstNet.begin(), m_firstNet.end() - 1);
     for (std::uint32_t net = 0; net < graph.signals.size(); ++net) {
         m_nets[next[graph.signals[net]]++] = net;
+    }
+    orderNets();
+    findInstances();
+}
+
+/// Puts declared nets first, and hashes the names of those that share a wire.
+void Locator::orderNets()
+{
+    const std::vector<std::uint64_t> prefixes = prefixesOf(m_graph);
+    m_firstHash.reserve(m_graph.signalCount);
+    for (Signal signal = 0; signal < m_graph.signalCount; ++signal) {
+        m_firstHash.push_back(static_cast<std::uint32_t>(m_nameHashes.size()));
+        const auto first = m_nets.begin() + m_firstNet[signal];
+        const auto last = m_nets.begin() + m_firstNet[signal + 1];
+        if (last - first < 2) {
+            continue;
+        }
+        std::stable_partition(first, last, [&](std::uint32_t net) {
+            const IVDBNet *const item = netItem(placeOf(net));
+            return item != nullptr && !item->getName().empty() && item->getName().front() != '$';
+        });
+        for (auto net = first; net != last; ++net) {
+            const NetPlace place = placeOf(*net);
+            const IVDBNet *const item = netItem(place);
+            m_nameHashes.push_back(hashOfPath(item != nullptr ? item->getName() : "", prefixes[place.occurrence]));
+        }
+    }
+}
+
+/// The items of all occurrences, those above first.
+void Locator::findInstances()
+{
+    m_instanceItems.assign(m_graph.occurrences.size(), nullptr);
+    m_instanceItems[0] = m_root;
+    for (std::uint32_t at = 1; at < m_graph.occurrences.size(); ++at) {
+        const Occurrence &own = m_graph.occurrences[at];
+        IVDBInstance *const above = m_instanceItems[own.parent];
+        if (above == nullptr) {
+            continue;
+        }
+        const ModuleGraph::SubInstance &sub = m_graph.moduleOf(own.parent).subs[own.sub];
+        const std::vector<IVDBInstance *> &children = above->getSubInstances();
+        IVDBInstance *const item = sub.cell < children.size() ? children[sub.cell] : nullptr;
+        if (item != nullptr && m_graph.database.sourceInstance(item, m_graph.source) == sub.instance) {
+            m_instanceItems[at] = item;
+        }
     }
 }
 
@@ -81,25 +129,6 @@ NetPlace Locator::placeOf(std::uint32_t net) const
         [](std::uint32_t number, const Occurrence &occurrence) { return number < occurrence.firstNet; });
     const auto occurrence = static_cast<std::uint32_t>(next - m_graph.occurrences.begin()) - 1;
     return {occurrence, net - m_graph.occurrences[occurrence].firstNet};
-}
-
-IVDBInstance *Locator::instanceItem(std::uint32_t occurrence) const
-{
-    std::vector<std::uint32_t> way;
-    for (; m_graph.occurrences[occurrence].parent != NONE; occurrence = m_graph.occurrences[occurrence].parent) {
-        way.push_back(occurrence);
-    }
-    IVDBInstance *item = m_root;
-    for (auto at = way.rbegin(); at != way.rend() && item != nullptr; ++at) {
-        const Occurrence &own = m_graph.occurrences[*at];
-        const ModuleGraph::SubInstance &sub = m_graph.moduleOf(own.parent).subs[own.sub];
-        const std::vector<IVDBInstance *> &children = item->getSubInstances();
-        item = sub.cell < children.size() ? children[sub.cell] : nullptr;
-        if (item != nullptr && m_graph.database.sourceInstance(item, m_graph.source) != sub.instance) {
-            item = nullptr;
-        }
-    }
-    return item;
 }
 
 } // namespace kvr::netlistdb::analysis::probe

@@ -1,30 +1,27 @@
 #include "analysis/probe/Logic.h"
 
+#include "analysis/probe/Numbers.h"
+
+#include <utility>
+
 namespace kvr::netlistdb::analysis::probe {
 
 namespace {
 
-/// Hacker's Delight: bit i of word j becomes bit j of word i.
-template <unsigned WIDTH> void transposeBlocks(std::uint64_t *words, std::uint64_t mask)
-{
-    for (unsigned block = 0; block < 64; block += 2 * WIDTH) {
-        for (unsigned at = block; at < block + WIDTH; ++at) {
-            const std::uint64_t swapped = ((words[at] >> WIDTH) ^ words[at + WIDTH]) & mask;
-            words[at] ^= swapped << WIDTH;
-            words[at + WIDTH] ^= swapped;
-        }
-    }
-}
+/// Room for lanes, on the stack unless there are many.
+class Room {
+  public:
+    explicit Room(std::size_t size) : m_large(size > FEW ? size : 0), m_data(size > FEW ? m_large.data() : m_small) {}
+    Room(const Room &) = delete;
+    Room &operator=(const Room &) = delete;
+    Lanes &operator[](std::size_t at) { return m_data[at]; }
 
-void transpose(std::array<std::uint64_t, 64> &words)
-{
-    transposeBlocks<32>(words.data(), 0x00000000FFFFFFFFULL);
-    transposeBlocks<16>(words.data(), 0x0000FFFF0000FFFFULL);
-    transposeBlocks<8>(words.data(), 0x00FF00FF00FF00FFULL);
-    transposeBlocks<4>(words.data(), 0x0F0F0F0F0F0F0F0FULL);
-    transposeBlocks<2>(words.data(), 0x3333333333333333ULL);
-    transposeBlocks<1>(words.data(), 0x5555555555555555ULL);
-}
+  private:
+    static constexpr std::size_t FEW = 64;
+    Lanes m_small[FEW];
+    std::vector<Lanes> m_large;
+    Lanes *m_data;
+};
 
 /// A table of six inputs at most. Pairs of its bits are 0, 1, the first input or its inverse; the other inputs choose
 /// among them.
@@ -147,7 +144,7 @@ void shift(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lane
 {
     const std::size_t width = part.inputs;
     const Lanes fill = values[in[width + part.selects]];
-    std::vector<Lanes> bits(width);
+    Room bits(width);
     for (std::size_t at = 0; at < width; ++at) {
         bits[at] = values[in[at]];
     }
@@ -196,7 +193,7 @@ void oneHot(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lan
 void select(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lanes> &values)
 {
     const std::size_t words = std::size_t{1} << part.inputs;
-    std::vector<Lanes> level(words);
+    Room level(words);
     for (std::size_t at = 0; at < part.width; ++at) {
         for (std::size_t word = 0; word < words; ++word) {
             level[word] = values[in[word * part.width + at]];
@@ -206,7 +203,7 @@ void select(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lan
                 level[word] = choose(values[in[words * part.width + bit]], level[2 * word], level[2 * word + 1]);
             }
         }
-        values[out[at]] = level.front();
+        values[out[at]] = level[0];
     }
 }
 
@@ -251,11 +248,10 @@ std::uint64_t quotient(const Part &part, std::uint64_t left, std::uint64_t right
 
 void calculate(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lanes> &values)
 {
-    std::array<std::uint64_t, 64> a;
-    std::array<std::uint64_t, 64> b;
+    Numbers a;
+    Numbers b;
     const auto second = in.begin() + part.width;
-    std::uint64_t known = numbersOf(values, {in.begin(), second}, a);
-    known &= numbersOf(values, {second, second + part.width}, b);
+    std::uint64_t known = numbersOf(values, {in.begin(), second}, {second, second + part.width}, a, b);
     for (std::size_t lane = 0; lane < 64; ++lane) {
         if (part.op == Op::Multiply) {
             a[lane] *= b[lane];
@@ -269,27 +265,6 @@ void calculate(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<
 }
 
 } // namespace
-
-std::uint64_t numbersOf(const std::vector<Lanes> &values, Span<Signal> bits, std::array<std::uint64_t, 64> &numbers)
-{
-    numbers.fill(0);
-    std::uint64_t known = ALL_LANES;
-    for (std::size_t bit = 0; bit < bits.size() && bit < 64; ++bit) {
-        const Lanes value = values[bits[bit]];
-        known &= value.known();
-        numbers[bit] = value.one & value.known();
-    }
-    transpose(numbers);
-    return known;
-}
-
-void spread(std::array<std::uint64_t, 64> &numbers, std::uint64_t known, Span<Signal> bits, std::vector<Lanes> &values)
-{
-    transpose(numbers);
-    for (std::size_t bit = 0; bit < bits.size(); ++bit) {
-        values[bits[bit]] = inLanes(known, lanesOf(numbers[bit]), UNKNOWN);
-    }
-}
 
 void evaluate(const Part &part, Span<Signal> in, Span<Signal> out, std::vector<Lanes> &values)
 {

@@ -3,6 +3,7 @@
 #include "analysis/probe/LaneVector.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kvr::netlistdb::analysis::probe {
 
@@ -36,16 +37,17 @@ std::uint64_t tableOf(const Part &part, std::size_t inputs)
     return table;
 }
 
-/// The tree of choices over the inputs but the first one: pairs of bits of the table are 0, 1, the first input or its
-/// inverse.
-template <unsigned LEVELS>
+/// The tree of choices over the inputs behind the first OF_LEAVES ones: @p leaves are the functions of these, by their
+/// table.
+template <unsigned OF_LEAVES, unsigned LEVELS>
 inline LaneVector chosen(const LaneVector *leaves, const Choice *choices, std::uint64_t table)
 {
     if constexpr (LEVELS == 0) {
-        return leaves[table & 3];
+        return leaves[table & ((1U << (1U << OF_LEAVES)) - 1)];
     } else {
-        return choices[LEVELS - 1].of(chosen<LEVELS - 1>(leaves, choices, table),
-                                      chosen<LEVELS - 1>(leaves, choices, table >> (1U << LEVELS)));
+        return choices[LEVELS - 1].of(
+            chosen<OF_LEAVES, LEVELS - 1>(leaves, choices, table),
+            chosen<OF_LEAVES, LEVELS - 1>(leaves, choices, table >> (1U << (OF_LEAVES + LEVELS - 1))));
     }
 }
 
@@ -54,26 +56,33 @@ void lookUpEach(std::uint32_t count, const std::uint64_t *table, const Signal *p
 {
     for (const std::uint64_t *const end = table + count; table != end; ++table, pins += INPUTS + 1) {
         const LaneVector first = vectorOf(values[pins[1]]);
-        const LaneVector leaves[4] = {VECTOR_ZERO, inverse(first), first, VECTOR_ONE};
+        const LaneVector ofFirst[4] = {VECTOR_ZERO, inverse(first), first, VECTOR_ONE};
         if constexpr (INPUTS == 1) {
-            values[pins[0]] = lanesOf(leaves[*table & 3]);
+            values[pins[0]] = lanesOf(ofFirst[*table & 3]);
         } else if constexpr (INPUTS == 2) {
             const Choice choices[] = {Choice(values[pins[2]])};
-            values[pins[0]] = lanesOf(chosen<1>(leaves, choices, *table));
+            values[pins[0]] = lanesOf(chosen<1, 1>(ofFirst, choices, *table));
         } else if constexpr (INPUTS == 3) {
             const Choice choices[] = {Choice(values[pins[2]]), Choice(values[pins[3]])};
-            values[pins[0]] = lanesOf(chosen<2>(leaves, choices, *table));
+            values[pins[0]] = lanesOf(chosen<1, 2>(ofFirst, choices, *table));
         } else if constexpr (INPUTS == 4) {
             const Choice choices[] = {Choice(values[pins[2]]), Choice(values[pins[3]]), Choice(values[pins[4]])};
-            values[pins[0]] = lanesOf(chosen<3>(leaves, choices, *table));
-        } else if constexpr (INPUTS == 5) {
-            const Choice choices[] = {Choice(values[pins[2]]), Choice(values[pins[3]]), Choice(values[pins[4]]),
-                                      Choice(values[pins[5]])};
-            values[pins[0]] = lanesOf(chosen<4>(leaves, choices, *table));
+            values[pins[0]] = lanesOf(chosen<1, 3>(ofFirst, choices, *table));
         } else {
-            const Choice choices[] = {Choice(values[pins[2]]), Choice(values[pins[3]]), Choice(values[pins[4]]),
-                                      Choice(values[pins[5]]), Choice(values[pins[6]])};
-            values[pins[0]] = lanesOf(chosen<5>(leaves, choices, *table));
+            // With many leaves it pays to have all functions of two inputs at hand.
+            const Choice second(values[pins[2]]);
+            LaneVector ofBoth[16];
+            for (unsigned function = 0; function < 16; ++function) {
+                ofBoth[function] = second.of(ofFirst[function & 3], ofFirst[function >> 2]);
+            }
+            if constexpr (INPUTS == 5) {
+                const Choice choices[] = {Choice(values[pins[3]]), Choice(values[pins[4]]), Choice(values[pins[5]])};
+                values[pins[0]] = lanesOf(chosen<2, 3>(ofBoth, choices, *table));
+            } else {
+                const Choice choices[] = {Choice(values[pins[3]]), Choice(values[pins[4]]), Choice(values[pins[5]]),
+                                          Choice(values[pins[6]])};
+                values[pins[0]] = lanesOf(chosen<2, 4>(ofBoth, choices, *table));
+            }
         }
     }
 }
@@ -117,13 +126,15 @@ LogicProgram::LogicProgram(const BitGraph &graph, const std::vector<std::uint32_
     }
     m_tables.shrink_to_fit();
     m_pins.shrink_to_fit();
+    m_others.shrink_to_fit();
 }
 
 void LogicProgram::addBatch(const BitGraph &graph, const std::vector<std::uint32_t> &nodes, std::uint32_t inputs)
 {
     m_batches.push_back({inputs, static_cast<std::uint32_t>(nodes.size())});
     if (inputs == OTHERS) {
-        m_others.insert(m_others.end(), nodes.begin(), nodes.end());
+        std::transform(nodes.begin(), nodes.end(), std::back_inserter(m_others),
+                       [&](std::uint32_t number) { return graph.stepOf(number); });
         return;
     }
     for (const std::uint32_t number : nodes) {

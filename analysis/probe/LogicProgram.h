@@ -18,12 +18,12 @@ class LogicProgram {
     /// (by signal; may be empty) are left to the caller.
     LogicProgram(const BitGraph &graph, const std::vector<std::uint32_t> &order, const std::vector<bool> &special);
 
-    /// Evaluates all nodes; calls @p other with the numbers of those that are no tables when their inputs are there.
+    /// Evaluates all nodes; calls @p other with those that are no tables when their inputs are there.
     template <typename Other> void run(std::vector<Lanes> &values, Other other) const
     {
         const std::uint64_t *table = m_tables.data();
         const Signal *pins = m_pins.data();
-        const std::uint32_t *node = m_others.data();
+        const Step *step = m_others.data();
         for (const Batch &batch : m_batches) {
             if (batch.inputs != OTHERS) {
                 lookUp(batch, table, pins, values.data());
@@ -31,8 +31,8 @@ class LogicProgram {
                 pins += std::size_t{batch.count} * (batch.inputs + 1);
                 continue;
             }
-            for (const std::uint32_t *const end = node + batch.count; node != end; ++node) {
-                other(*node);
+            for (const Step *const end = step + batch.count; step != end; ++step) {
+                other(*step);
             }
         }
     }
@@ -50,7 +50,7 @@ class LogicProgram {
     std::vector<Batch> m_batches;
     std::vector<std::uint64_t> m_tables;
     std::vector<Signal> m_pins; ///< of each table its output, then its inputs
-    std::vector<std::uint32_t> m_others;
+    std::vector<Step> m_others;
 };
 
 } // namespace kvr::netlistdb::analysis::probe

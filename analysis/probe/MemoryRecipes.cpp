@@ -40,11 +40,8 @@ struct ReadPort {
 
 void addRead(RecipeBuilder &cell, std::uint16_t memory, const ReadPort &port)
 {
-    Part &part = cell.add(port.clocked ? Op::ClockedRead : Op::MemoryRead,
-                          {{port.clock, port.enable, SLOT_ZERO}, port.address, port.data});
-    part.memory = memory;
-    part.width = static_cast<std::uint32_t>(port.data.size());
-    part.inputs = static_cast<std::uint32_t>(port.address.size());
+    Part &part = addReadPort(cell, port.clocked ? Op::ClockedRead : Op::MemoryRead, memory,
+                             {port.clock, port.enable, SLOT_ZERO}, port.address, port.data);
     part.flags =
         static_cast<std::uint16_t>((port.falling ? PART_FALLING : 0) | (port.writeFirst ? PART_WRITE_FIRST : 0));
 }

@@ -1,5 +1,6 @@
 #include "analysis/probe/NamePairs.h"
 
+#include "analysis/Texts.h"
 #include "analysis/probe/NetNames.h"
 
 #include <DataBase.h>
@@ -50,12 +51,6 @@ class WiresByName {
     std::vector<Named> m_names;
 };
 
-std::string typeOf(const Verific::Instance &instance)
-{
-    const char *const name = instance.View() != nullptr ? instance.View()->CellBaseName() : nullptr;
-    return name != nullptr ? name : "";
-}
-
 /// Wires on the outputs of an opaque cell, by the name of the pin.
 std::map<std::string, Signal> outputsOf(const BitGraph &graph, const OpaqueCell &cell)
 {
@@ -80,7 +75,7 @@ CellsByKey cellsBy(const BitGraph &graph, bool byPath)
 {
     CellsByKey cells;
     for (const OpaqueCell &cell : graph.opaque) {
-        std::string key = typeOf(graph.instanceOf(cell.occurrence, cell.cell));
+        std::string key(typeOf(graph.instanceOf(cell.occurrence, cell.cell).View()));
         if (!key.empty() && key.front() != '$') {
             if (byPath) {
                 key += ' ' + std::to_string(hashOfPath(graph.pathOf(cell.occurrence, cell.cell)));

@@ -1,6 +1,6 @@
 #include "analysis/probe/NetNames.h"
 
-#include "analysis/probe/Hash.h"
+#include "analysis/Texts.h"
 #include "platform/names/OtherNames.h"
 
 #include <DataBase.h>
@@ -44,11 +44,6 @@ std::uint64_t hashOfLevels(std::string_view name, std::uint64_t before)
         }
     }
     return before;
-}
-
-const char *textOf(const char *text)
-{
-    return text != nullptr ? text : "";
 }
 
 /// The names that the reader of the netlist kept beside those of the nets.
@@ -113,23 +108,31 @@ ModuleNames namesOf(const ModuleGraph &module)
 
 } // namespace
 
-std::uint64_t hashOfPath(std::string_view path)
+std::uint64_t hashOfPath(std::string_view path, std::uint64_t prefix)
 {
-    return hashOfLevels(path, EMPTY_TEXT);
+    return hashOfLevels(path, prefix);
+}
+
+std::vector<std::uint64_t> prefixesOf(const BitGraph &graph)
+{
+    std::vector<std::uint64_t> prefixes(graph.occurrences.size(), EMPTY_TEXT);
+    for (std::uint32_t at = 0; at < graph.occurrences.size(); ++at) {
+        const Occurrence &occurrence = graph.occurrences[at];
+        if (occurrence.parent != NONE) {
+            const std::uint64_t own = hashOfLevels(textOf(graph.instanceOf(at).Name()), prefixes[occurrence.parent]);
+            prefixes[at] = hashOf(".", own);
+        }
+    }
+    return prefixes;
 }
 
 void forEachName(const BitGraph &graph,
                  const std::function<void(std::uint32_t occurrence, std::uint32_t net, std::uint64_t name)> &visit)
 {
-    std::vector<std::uint64_t> prefixes(graph.occurrences.size(), EMPTY_TEXT);
+    const std::vector<std::uint64_t> prefixes = prefixesOf(graph);
     std::vector<std::vector<std::uint32_t>> occurrencesOf(graph.hierarchy.modules.size());
     for (std::uint32_t at = 0; at < graph.occurrences.size(); ++at) {
-        const Occurrence &occurrence = graph.occurrences[at];
-        occurrencesOf[occurrence.module].push_back(at);
-        if (occurrence.parent != NONE) {
-            const std::uint64_t own = hashOfLevels(textOf(graph.instanceOf(at).Name()), prefixes[occurrence.parent]);
-            prefixes[at] = hashOf(".", own);
-        }
+        occurrencesOf[graph.occurrences[at].module].push_back(at);
     }
     for (std::size_t module = 0; module < occurrencesOf.size(); ++module) {
         if (occurrencesOf[module].empty()) {

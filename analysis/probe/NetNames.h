@@ -1,10 +1,12 @@
 #pragma once
 
 #include "analysis/probe/BitGraph.h"
+#include "analysis/probe/Hash.h"
 
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 namespace kvr::netlistdb::analysis::probe {
 
@@ -14,7 +16,10 @@ namespace kvr::netlistdb::analysis::probe {
 void forEachName(const BitGraph &graph,
                  const std::function<void(std::uint32_t occurrence, std::uint32_t net, std::uint64_t name)> &visit);
 
-/// The hash of one such name.
-std::uint64_t hashOfPath(std::string_view path);
+/// By occurrence: the hash of what stands in front of the names of its nets.
+std::vector<std::uint64_t> prefixesOf(const BitGraph &graph);
+
+/// The hash of one such name, behind a prefix where it has one.
+std::uint64_t hashOfPath(std::string_view path, std::uint64_t prefix = EMPTY_TEXT);
 
 } // namespace kvr::netlistdb::analysis::probe

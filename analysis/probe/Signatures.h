@@ -20,15 +20,25 @@ class Signatures {
     /// Adds the values in @p lanes of one moment.
     void sample(const Simulator &simulator, std::uint64_t lanes)
     {
-        for (Signal signal = 0; signal < m_seen.size(); ++signal) {
-            add(signal, simulator[signal], lanes);
+        const Lanes *const values = simulator.values().data();
+        Seen *const seen = m_seen.data();
+        std::uint8_t *const flags = m_flags.data();
+        for (std::size_t signal = 0, count = m_seen.size(); signal < count; ++signal) {
+            flags[signal] = added(seen[signal], flags[signal], values[signal], lanes);
         }
     }
     /// The same for some wires alone.
     void sample(const Simulator &simulator, std::uint64_t lanes, const std::vector<Signal> &signals)
     {
-        for (const Signal signal : signals) {
-            add(signal, simulator[signal], lanes);
+        const Lanes *const values = simulator.values().data();
+        Seen *const seen = m_seen.data();
+        std::uint8_t *const flags = m_flags.data();
+        for (const Signal *signal = signals.data(), *const end = signal + signals.size(); signal != end; ++signal) {
+            if (signal + FETCHED_AHEAD < end) {
+                __builtin_prefetch(values + signal[FETCHED_AHEAD]);
+                __builtin_prefetch(seen + signal[FETCHED_AHEAD], 1);
+            }
+            flags[*signal] = added(seen[*signal], flags[*signal], values[*signal], lanes);
         }
     }
 
@@ -43,29 +53,30 @@ class Signatures {
   private:
     enum Flag : std::uint8_t { UNKNOWN_ONCE = 1, STARTED = 2, INVERTED = 4 };
 
-    void add(Signal signal, const Lanes &value, std::uint64_t lanes)
-    {
-        std::uint8_t &flags = m_flags[signal];
-        if ((~value.known() & lanes) != 0) {
-            flags |= UNKNOWN_ONCE;
-            return;
-        }
-        if ((flags & STARTED) == 0) {
-            flags |= STARTED | ((value.one & (lanes & (~lanes + 1))) != 0 ? INVERTED : 0);
-        }
-        Seen &own = m_seen[signal];
-        own.ones |= value.one & lanes;
-        own.zeros |= value.zero & lanes;
-        const std::uint64_t seen = ((flags & INVERTED) != 0 ? value.zero : value.one) & lanes;
-        own.hash = (own.hash ^ seen) * 0x9E3779B97F4A7C15ULL;
-        own.hash ^= own.hash >> 29;
-    }
-
     struct Seen {
         std::uint64_t hash;
         std::uint64_t ones;  ///< runs in which it was 1 at some time
         std::uint64_t zeros; ///< the same for 0
     };
+
+    /// Adds a value to what was seen; returns the new flags.
+    static std::uint8_t added(Seen &own, std::uint8_t flags, const Lanes &value, std::uint64_t lanes)
+    {
+        if ((~value.known() & lanes) != 0) {
+            return flags | UNKNOWN_ONCE;
+        }
+        if ((flags & STARTED) == 0) {
+            flags |= STARTED | ((value.one & (lanes & (~lanes + 1))) != 0 ? INVERTED : 0);
+        }
+        const std::uint64_t ones = value.one & lanes;
+        const std::uint64_t zeros = value.zero & lanes;
+        own.ones |= ones;
+        own.zeros |= zeros;
+        own.hash = (own.hash ^ ((flags & INVERTED) != 0 ? zeros : ones)) * 0x9E3779B97F4A7C15ULL;
+        own.hash ^= own.hash >> 29;
+        return flags;
+    }
+
     std::vector<Seen> m_seen;
     std::vector<std::uint8_t> m_flags;
 };

@@ -1,6 +1,5 @@
 #include "analysis/probe/Simulator.h"
 
-#include "analysis/probe/Addresses.h"
 #include "analysis/probe/Logic.h"
 
 #include <algorithm>
@@ -47,6 +46,19 @@ void Simulator::restart()
     unsettle();
 }
 
+bool Simulator::saveTo(State &state) const
+{
+    if (state.values == m_values && state.stages == m_stages && state.contents == m_contents &&
+        state.clocks == m_clocks) {
+        return true;
+    }
+    state.values = m_values;
+    state.stages = m_stages;
+    state.contents = m_contents;
+    state.clocks = m_clocks;
+    return false;
+}
+
 void Simulator::load(const State &state)
 {
     m_values = state.values;
@@ -56,39 +68,9 @@ void Simulator::load(const State &state)
     unsettle();
 }
 
-void Simulator::startMemories()
-{
-    std::fill(m_contents.begin(), m_contents.end(), ZERO);
-    for (std::size_t number = 0; number < m_graph.memories.size(); ++number) {
-        const std::string &start = m_graph.memories[number].shape->start;
-        const std::size_t size = m_graph.memories[number].words() * m_graph.memories[number].width;
-        for (std::size_t bit = 0; bit < start.size() && bit < size; ++bit) {
-            m_contents[m_firstContent[number] + bit] = start[bit] == '1' ? ONE : ZERO;
-        }
-    }
-    for (const Node &node : m_graph.nodes) {
-        const Part &part = m_graph.partOf(node);
-        if (part.op != Op::MemoryStart) {
-            continue;
-        }
-        const Span<Signal> in = m_graph.inputsOf(node);
-        std::array<std::uint64_t, 64> first;
-        const Span<Signal> address(in.begin(), in.begin() + part.inputs);
-        if (numbersOf(m_values, address, first) != ALL_LANES) {
-            continue;
-        }
-        const Memory &memory = m_graph.memories[node.state];
-        const std::size_t size = memory.words() * memory.width;
-        for (std::size_t bit = 0; bit < part.width && first[0] * memory.width + bit < size; ++bit) {
-            const Lanes value = m_values[in[part.inputs + bit]];
-            m_contents[m_firstContent[node.state] + first[0] * memory.width + bit] = value == ONE ? ONE : ZERO;
-        }
-    }
-}
-
 void Simulator::run(const LogicProgram &program)
 {
-    program.run(m_values, [this](std::uint32_t node) { run(stepOf(node)); });
+    program.run(m_values, [this](const Step &step) { run(step); });
 }
 
 void Simulator::run(const Step &step)
@@ -102,7 +84,10 @@ void Simulator::run(const Step &step)
         runLatch(part, in, out);
         break;
     case Op::MemoryRead:
-        readMemory(node, {in.begin() + 3, in.end()}, out);
+        readMemory(node, {in.begin() + 3, in.end()}, out.size());
+        for (std::size_t bit = 0; bit < out.size(); ++bit) {
+            m_values[out[bit]] = m_read[bit];
+        }
         break;
     case Op::ShiftOutput:
         m_values[out[0]] = stageOf(node, part, in);
@@ -150,27 +135,6 @@ Lanes Simulator::stageOf(const Node &node, const Part &part, Span<Signal> addres
     return level[0];
 }
 
-void Simulator::readMemory(const Node &node, Span<Signal> address, Span<Signal> out)
-{
-    const Memory &memory = m_graph.memories[node.state];
-    const std::size_t width = std::min<std::size_t>(out.size(), memory.width);
-    const Lanes *const contents = m_contents.data() + m_firstContent[node.state];
-    for (std::size_t bit = width; bit < out.size(); ++bit) {
-        m_values[out[bit]] = UNKNOWN;
-    }
-    m_read.assign(width, UNKNOWN);
-    forEachAddress(m_values, address, memory.words(), ALL_LANES, [&](std::size_t place, std::uint64_t lanes) {
-        const Lanes *const word = contents + place * memory.width;
-        for (std::size_t bit = 0; bit < width; ++bit) {
-            m_read[bit].zero &= word[bit].zero | ~lanes;
-            m_read[bit].one &= word[bit].one | ~lanes;
-        }
-    });
-    for (std::size_t bit = 0; bit < width; ++bit) {
-        m_values[out[bit]] = m_read[bit];
-    }
-}
-
 void Simulator::settle()
 {
     settleStates();
@@ -188,22 +152,29 @@ void Simulator::settleStates()
     }
 }
 
+/// Resets that are what they were have done their work already, unless registers have been given other values.
 bool Simulator::applyAsynchronous()
 {
     static constexpr Lanes STARTS[] = {ZERO, ONE, UNKNOWN};
+    static constexpr Lanes NO_RUN{0, 0}; // a value that no wire has
     bool changed = false;
-    for (const AsynchronousBit &bit : m_asynchronousBits) {
-        if (bit.step != NONE) {
-            changed = applyAsynchronous(m_asynchronous[bit.step]) || changed;
+    for (ResetGroup &group : m_resetGroups) {
+        if (group.step != NONE) {
+            changed = applyAsynchronous(m_asynchronous[group.step]) || changed;
             continue;
         }
-        const Lanes reset = m_values[bit.reset];
-        if (reset.one != 0) {
-            const Lanes q = choose(reset, m_values[bit.q], STARTS[bit.start]);
+        const Lanes before = m_values[group.reset];
+        const bool isDone = m_areResetsApplied && before == group.applied;
+        for (std::uint32_t at = isDone || before.one == 0 ? group.end : group.first; at < group.end; ++at) {
+            const AsynchronousBit &bit = m_asynchronousBits[at];
+            // Read again for each: a register may reset others.
+            const Lanes q = choose(m_values[group.reset], m_values[bit.q], STARTS[bit.start]);
             changed = changed || q != m_values[bit.q];
             m_values[bit.q] = q;
         }
+        group.applied = m_values[group.reset] == before ? before : NO_RUN;
     }
+    m_areResetsApplied = true;
     return changed;
 }
 
@@ -234,12 +205,13 @@ void Simulator::react()
         run(m_control);
         const bool wasReset = applyAsynchronous();
         if (wasReset) {
-            unsettle();
+            unsettleLogic();
         }
-        if (!clockRegisters() && !wasReset) {
+        if (clockRegisters()) {
+            unsettle();
+        } else if (!wasReset) {
             return;
         }
-        unsettle();
     }
 }
 

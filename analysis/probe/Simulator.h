@@ -21,6 +21,14 @@ class Simulator {
     /// Back to the state before the first clock.
     void restart();
     const Lanes &operator[](Signal signal) const { return m_values[signal]; }
+    /// By wire.
+    const std::vector<Lanes> &values() const { return m_values; }
+    /// The same, for setting many at once as set() does.
+    Lanes *change()
+    {
+        unsettle();
+        return m_values.data();
+    }
     /// Gives a wire that nothing drives, or a register, a value. react() or settle() must follow.
     void set(Signal signal, const Lanes &value)
     {
@@ -51,13 +59,10 @@ class Simulator {
         std::vector<Lanes> stages;
         std::vector<Lanes> contents;
         std::vector<Lanes> clocks;
-
-        friend bool operator==(const State &a, const State &b)
-        {
-            return a.values == b.values && a.stages == b.stages && a.contents == b.contents && a.clocks == b.clocks;
-        }
     };
     State save() const { return {m_values, m_stages, m_contents, m_clocks}; }
+    /// Puts the state into @p state, and returns whether it was there already.
+    bool saveTo(State &state) const;
     void load(const State &state);
 
     /// Wires in the fan-in of clocks and asynchronous resets, and these themselves.
@@ -65,23 +70,16 @@ class Simulator {
     const std::vector<Signal> &clockSignals() const { return m_clockSignals; }
     /// The outputs of registers, bit by bit, in the order of the nodes.
     const std::vector<Signal> &registers() const { return m_registers; }
+    /// Evaluates all of order() once, on values of the caller's; calls @p other with what no table describes.
+    template <typename Other> void evaluateOnce(std::vector<Lanes> &values, Other other) const
+    {
+        m_states.run(values, other);
+        m_rest.run(values, other);
+    }
     /// All logic but what is in loops, each node behind those that it depends on.
     const std::vector<std::uint32_t> &order() const { return m_order; }
 
   private:
-    /// A node, with what is looked up for it all the time.
-    struct Step {
-        const Node *node;
-        const Part *part;
-        Span<Signal> in;
-        Span<Signal> out;
-    };
-    Step stepOf(std::uint32_t node) const
-    {
-        const Node &own = m_graph.nodes[node];
-        return {&own, &m_graph.partOf(own), m_graph.inputsOf(own), m_graph.outputsOf(own)};
-    }
-
     /// A bit of a flip-flop.
     struct FlipFlopBit {
         Signal q;
@@ -114,15 +112,36 @@ class Simulator {
         std::uint64_t sure;
         std::uint64_t maybe;
     };
-    /// A bit of a flip-flop with an asynchronous reset, or a step where it is more than that.
+    /// What a register takes over when all have been looked at.
+    struct Later {
+        Signal signal;
+        Lanes value;
+    };
+    /// What is written to a bit of a word, and the runs in which it is.
+    struct WrittenBit {
+        Lanes value;
+        std::uint64_t lanes;
+    };
+    /// A bit of a flip-flop with an asynchronous reset.
     struct AsynchronousBit {
         Signal q;
-        Signal reset;
         std::uint8_t start;
-        std::uint32_t step; ///< in m_asynchronous; NONE for a bit
+    };
+    /// Bits that stand side by side and have one reset, or a step where it is more than a reset.
+    struct ResetGroup {
+        Signal reset;
+        std::uint32_t step;  ///< in m_asynchronous; NONE for bits
+        std::uint32_t first; ///< in m_asynchronousBits
+        std::uint32_t end;
+        Lanes applied; ///< the value of the reset that its bits have followed
     };
 
     void unsettle()
+    {
+        m_areResetsApplied = false;
+        unsettleLogic();
+    }
+    void unsettleLogic()
     {
         m_areStatesSettled = false;
         m_isRestSettled = false;
@@ -137,7 +156,7 @@ class Simulator {
     void run(const LogicProgram &program);
     void run(const Step &step);
     void runLatch(const Part &part, Span<Signal> in, Span<Signal> out);
-    void readMemory(const Node &node, Span<Signal> address, Span<Signal> out);
+    void readMemory(const Node &node, Span<Signal> address, std::size_t width);
     void writeMemory(const Step &step, std::uint64_t edge);
     Lanes stageOf(const Node &node, const Part &part, Span<Signal> address) const;
     bool applyAsynchronous();
@@ -147,9 +166,9 @@ class Simulator {
     void settleFor(std::uint32_t group);
     template <bool ENABLE_FIRST> void clockBits(const std::vector<FlipFlopBit> &bits, const Edge &edge);
     void clockNode(const Step &step, std::uint64_t edge);
-    void shiftStages(const Node &node, const Part &part, std::uint64_t edge);
-    void multiplyAdd(const Node &node, const Part &part, std::uint64_t edge);
-    void readClocked(const Node &node, const Part &part, std::uint64_t edge);
+    void shiftStages(const Step &step, std::uint64_t edge);
+    void multiplyAdd(const Step &step, std::uint64_t edge);
+    void readClocked(const Step &step, std::uint64_t edge);
     void setLater(Signal signal, const Lanes &next, std::uint64_t edge);
 
     const BitGraph &m_graph;
@@ -164,15 +183,19 @@ class Simulator {
     LogicProgram m_rest;
     LogicProgram m_control;
     std::vector<bool> m_isControl;
-    std::vector<AsynchronousBit> m_asynchronousBits; ///< in the order of the nodes
+    std::vector<ResetGroup> m_resetGroups; ///< in the order of the nodes
+    std::vector<AsynchronousBit> m_asynchronousBits;
     std::vector<Step> m_asynchronous;
     std::vector<ClockGroup> m_groups;
     std::vector<Signal> m_clockSignals;
     std::vector<Lanes> m_clocks; ///< by group: the value that was seen last
     std::vector<Signal> m_registers;
     std::vector<Edge> m_edges;
-    std::vector<std::pair<Signal, Lanes>> m_later;
-    std::vector<Lanes> m_read; ///< of a memory
+    std::vector<Later> m_later; ///< has room for all registers: each takes over a value once
+    std::size_t m_laterCount = 0;
+    std::vector<Lanes> m_read;         ///< of a memory
+    std::vector<WrittenBit> m_written; ///< to a memory
+    bool m_areResetsApplied = false;   ///< to the registers as they are, with the values that they had
     bool m_areStatesSettled = false;
     bool m_isRestSettled = false;
 };

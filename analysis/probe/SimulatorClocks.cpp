@@ -1,8 +1,7 @@
 // What clock edges do.
 
-#include "analysis/probe/Addresses.h"
 #include "analysis/probe/LaneVector.h"
-#include "analysis/probe/Logic.h"
+#include "analysis/probe/Numbers.h"
 #include "analysis/probe/Simulator.h"
 
 #include <algorithm>
@@ -46,7 +45,7 @@ bool Simulator::clockRegisters()
         }
         last = edge.group;
     }
-    m_later.clear();
+    m_laterCount = 0;
     for (const Edge &edge : m_edges) {
         clockBits<false>(edge.clocked->resetFirst, edge);
         clockBits<true>(edge.clocked->enableFirst, edge);
@@ -64,9 +63,8 @@ bool Simulator::clockRegisters()
             clockNode(step, edge.sure);
         }
     }
-    for (const auto &[signal, value] : m_later) {
-        m_values[signal] = value;
-    }
+    std::for_each(m_later.begin(), m_later.begin() + static_cast<std::ptrdiff_t>(m_laterCount),
+                  [this](const Later &later) { m_values[later.signal] = later.value; });
     return true;
 }
 
@@ -89,26 +87,33 @@ void Simulator::settleFor(std::uint32_t number)
 
 void Simulator::setLater(Signal signal, const Lanes &next, std::uint64_t edge)
 {
-    m_later.emplace_back(signal, inLanes(edge, next, m_values[signal]));
+    m_later[m_laterCount++] = {signal, inLanes(edge, next, m_values[signal])};
 }
 
 template <bool ENABLE_FIRST> void Simulator::clockBits(const std::vector<FlipFlopBit> &bits, const Edge &edge)
 {
     static constexpr LaneVector STARTS[] = {VECTOR_ZERO, VECTOR_ONE, VECTOR_UNKNOWN};
-    for (const FlipFlopBit &bit : bits) {
-        const Lanes &before = m_values[bit.q];
-        const LaneVector q = vectorOf(before);
-        const LaneVector d = vectorOf(m_values[bit.d]);
-        const Choice enable(m_values[bit.enable]);
-        const Choice reset(m_values[bit.reset]);
-        const LaneVector start = STARTS[bit.start];
-        const Lanes next = lanesOf(ENABLE_FIRST ? enable.of(q, reset.of(d, start)) : reset.of(enable.of(q, d), start));
-        if (edge.sure == ALL_LANES) {
-            m_later.emplace_back(bit.q, next);
-            continue;
+    Later *later = m_later.data() + m_laterCount;
+    m_laterCount += bits.size();
+    const Lanes *const values = m_values.data();
+    for (std::size_t at = 0; at < bits.size(); ++at) {
+        const FlipFlopBit &bit = bits[at];
+        if (at + FETCHED_AHEAD < bits.size()) {
+            __builtin_prefetch(values + bits[at + FETCHED_AHEAD].q);
+            __builtin_prefetch(values + bits[at + FETCHED_AHEAD].d);
         }
-        const Lanes either{before.zero | next.zero, before.one | next.one};
-        m_later.emplace_back(bit.q, inLanes(edge.sure, next, inLanes(edge.maybe, either, before)));
+        const Lanes &before = values[bit.q];
+        const LaneVector q = vectorOf(before);
+        const LaneVector d = vectorOf(values[bit.d]);
+        const Choice enable(values[bit.enable]);
+        const Choice reset(values[bit.reset]);
+        const LaneVector start = STARTS[bit.start];
+        Lanes next = lanesOf(ENABLE_FIRST ? enable.of(q, reset.of(d, start)) : reset.of(enable.of(q, d), start));
+        if (edge.sure != ALL_LANES) {
+            const Lanes either{before.zero | next.zero, before.one | next.one};
+            next = inLanes(edge.sure, next, inLanes(edge.maybe, either, before));
+        }
+        *later++ = {bit.q, next};
     }
 }
 
@@ -117,91 +122,53 @@ void Simulator::clockNode(const Step &step, std::uint64_t edge)
 {
     switch (step.part->op) {
     case Op::ShiftRegister:
-        return shiftStages(*step.node, *step.part, edge);
+        return shiftStages(step, edge);
     case Op::MultiplyAdd:
-        return multiplyAdd(*step.node, *step.part, edge);
+        return multiplyAdd(step, edge);
     default:
-        return readClocked(*step.node, *step.part, edge);
+        return readClocked(step, edge);
     }
 }
 
-void Simulator::shiftStages(const Node &node, const Part &part, std::uint64_t edge)
+void Simulator::shiftStages(const Step &step, std::uint64_t edge)
 {
-    const Span<Signal> in = m_graph.inputsOf(node);
-    const Lanes enable = m_values[in[1]];
-    Lanes *const stages = m_stages.data() + node.state;
-    for (std::size_t at = part.width; at-- > 0;) {
-        const Lanes next = choose(enable, stages[at], at > 0 ? stages[at - 1] : m_values[in[2]]);
+    const Lanes enable = m_values[step.in[1]];
+    Lanes *const stages = m_stages.data() + step.node->state;
+    for (std::size_t at = step.part->width; at-- > 0;) {
+        const Lanes next = choose(enable, stages[at], at > 0 ? stages[at - 1] : m_values[step.in[2]]);
         stages[at] = inLanes(edge, next, stages[at]);
     }
 }
 
-void Simulator::multiplyAdd(const Node &node, const Part &part, std::uint64_t edge)
+void Simulator::multiplyAdd(const Step &step, std::uint64_t edge)
 {
-    const Span<Signal> in = m_graph.inputsOf(node);
-    const Span<Signal> out = m_graph.outputsOf(node);
-    const Lanes enable = m_values[in[1]];
-    std::array<std::uint64_t, 64> numbers[3];
-    std::uint64_t known = ALL_LANES;
-    for (std::size_t operand = 0; operand < 3; ++operand) {
-        const Signal *const first = in.begin() + 2 + operand * part.width;
-        known &= numbersOf(m_values, {first, first + part.width}, numbers[operand]);
-    }
+    const Lanes enable = m_values[step.in[1]];
+    const std::size_t width = step.part->width;
+    const auto operand = [&](std::size_t number) {
+        const Signal *const first = step.in.begin() + 2 + number * width;
+        return Span<Signal>(first, first + width);
+    };
+    Numbers numbers[3];
+    std::uint64_t known = numbersOf(m_values, operand(0), operand(1), numbers[0], numbers[1]);
+    known &= numbersOf(m_values, operand(2), numbers[2]);
     for (std::size_t lane = 0; lane < 64; ++lane) {
         numbers[0][lane] = numbers[0][lane] * numbers[1][lane] + numbers[2][lane];
     }
-    std::vector<Lanes> before;
-    for (const Signal output : out) {
-        before.push_back(m_values[output]);
-    }
-    spread(numbers[0], known, out, m_values);
-    for (std::size_t bit = 0; bit < out.size(); ++bit) {
-        const Lanes next = choose(enable, before[bit], m_values[out[bit]]);
-        m_values[out[bit]] = before[bit];
-        setLater(out[bit], next, edge);
+    intoBits(numbers[0], step.out.size());
+    for (std::size_t bit = 0; bit < step.out.size(); ++bit) {
+        const Lanes result = inLanes(known, lanesOf(numbers[0][bit]), UNKNOWN);
+        setLater(step.out[bit], choose(enable, m_values[step.out[bit]], result), edge);
     }
 }
 
-void Simulator::readClocked(const Node &node, const Part &part, std::uint64_t edge)
+void Simulator::readClocked(const Step &step, std::uint64_t edge)
 {
-    const Span<Signal> in = m_graph.inputsOf(node);
-    const Span<Signal> out = m_graph.outputsOf(node);
-    const Lanes enable = m_values[in[1]] & ~m_values[in[2]];
-    std::vector<Lanes> before;
-    for (const Signal output : out) {
-        before.push_back(m_values[output]);
+    const Signal *const address = step.in.begin() + 3;
+    const Lanes enable = m_values[step.in[1]] & ~m_values[step.in[2]];
+    readMemory(*step.node, {address, address + step.part->inputs}, step.out.size());
+    for (std::size_t bit = 0; bit < step.out.size(); ++bit) {
+        setLater(step.out[bit], choose(enable, m_values[step.out[bit]], m_read[bit]), edge);
     }
-    readMemory(node, {in.begin() + 3, in.begin() + 3 + part.inputs}, out);
-    for (std::size_t bit = 0; bit < out.size(); ++bit) {
-        const Lanes next = choose(enable, before[bit], m_values[out[bit]]);
-        m_values[out[bit]] = before[bit];
-        setLater(out[bit], next, edge);
-    }
-}
-
-/// Runs in which it is not known whether or where is written keep what they have: both netlists are looked at the same
-/// way, and contents that are not known would spread over the whole memory.
-void Simulator::writeMemory(const Step &step, std::uint64_t edge)
-{
-    const Node &node = *step.node;
-    const Part &part = *step.part;
-    const Span<Signal> in = step.in;
-    const Memory &memory = m_graph.memories[node.state];
-    const Span<Signal> address(in.begin() + 1, in.begin() + 1 + part.inputs);
-    const Signal *const data = address.end();
-    const Signal *const enables = data + part.width;
-    std::uint64_t written = 0;
-    for (std::size_t bit = 0; bit < part.width; ++bit) {
-        written |= m_values[enables[bit]].one & ~m_values[enables[bit]].zero;
-    }
-    Lanes *const contents = m_contents.data() + m_firstContent[node.state];
-    forEachAddress(m_values, address, memory.words(), written & edge, [&](std::size_t place, std::uint64_t lanes) {
-        Lanes *const word = contents + place * memory.width;
-        for (std::size_t bit = 0; bit < part.width && bit < memory.width; ++bit) {
-            const Lanes enable = m_values[enables[bit]];
-            word[bit] = inLanes(lanes & enable.one & ~enable.zero, m_values[data[bit]], word[bit]);
-        }
-    });
 }
 
 } // namespace kvr::netlistdb::analysis::probe

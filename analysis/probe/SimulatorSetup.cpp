@@ -41,6 +41,7 @@ Simulator::Simulator(const BitGraph &graph) : m_graph(graph)
             m_external.push_back(UNKNOWN);
         }
     }
+    m_later.resize(m_registers.size());
     m_order = logicOrderOf(graph);
     findClocks();
     findControl();
@@ -74,7 +75,7 @@ void Simulator::findClocks()
 
 void Simulator::addClocked(std::uint32_t node, Clocked &clocked) const
 {
-    const Step step = stepOf(node);
+    const Step step = m_graph.stepOf(node);
     const Part &part = *step.part;
     clocked.isEmpty = false;
     if (part.op == Op::FlipFlop) {
@@ -93,14 +94,21 @@ void Simulator::addClocked(std::uint32_t node, Clocked &clocked) const
 
 void Simulator::addAsynchronous(std::uint32_t node)
 {
-    const Step step = stepOf(node);
+    const Step step = m_graph.stepOf(node);
     if (step.part->has(PART_SETS_CLEARS) || step.part->has(PART_LOADS)) {
-        m_asynchronousBits.push_back({0, 0, 0, static_cast<std::uint32_t>(m_asynchronous.size())});
+        m_resetGroups.push_back({0, static_cast<std::uint32_t>(m_asynchronous.size()), 0, 0, UNKNOWN});
         m_asynchronous.push_back(step);
         return;
     }
+    const auto first = static_cast<std::uint32_t>(m_asynchronousBits.size());
     for (std::size_t bit = 0; bit < step.part->width; ++bit) {
-        m_asynchronousBits.push_back({step.out[bit], step.in[3], startOf(*step.part, bit), NONE});
+        m_asynchronousBits.push_back({step.out[bit], startOf(*step.part, bit)});
+    }
+    const auto end = static_cast<std::uint32_t>(m_asynchronousBits.size());
+    if (!m_resetGroups.empty() && m_resetGroups.back().step == NONE && m_resetGroups.back().reset == step.in[3]) {
+        m_resetGroups.back().end = end;
+    } else {
+        m_resetGroups.push_back({step.in[3], NONE, first, end, UNKNOWN});
     }
 }
 
@@ -148,9 +156,9 @@ std::vector<std::uint32_t> Simulator::coneOf(const std::vector<Signal> &signals)
 void Simulator::findControl()
 {
     std::vector<Signal> signals = m_clockSignals;
-    for (const AsynchronousBit &bit : m_asynchronousBits) {
-        if (bit.step == NONE) {
-            signals.push_back(bit.reset);
+    for (const ResetGroup &group : m_resetGroups) {
+        if (group.step == NONE) {
+            signals.push_back(group.reset);
         }
     }
     for (const Step &step : m_asynchronous) {

@@ -192,7 +192,7 @@ void Verdicts::grade()
 void Verdicts::explain()
 {
     const std::vector<bool> isUsed = usedWires(m_elaborated);
-    const Absorption absorption(m_elaborated, m_postMap, m_target);
+    Absorption absorption(m_elaborated, m_postMap, m_target);
     for (Signal signal = 0; signal < m_elaborated.signalCount; ++signal) {
         Verdict &verdict = m_verdicts[signal];
         verdict.wasSeen = signal >= FIRST_SIGNAL && wasSeen(Correspondence::ELABORATED, signal);

@@ -1,7 +1,7 @@
 #include "analysis/report/DevicePins.h"
 
 #include "analysis/DeviceCells.h"
-#include "analysis/SourcePlaces.h"
+#include "analysis/Texts.h"
 #include "analysis/crossings/Unfolding.h"
 
 #include <DataBase.h>
@@ -136,9 +136,8 @@ class DevicePinFinder {
 
     static std::string typeOf(const Verific::Instance &cell)
     {
-        const std::string_view device = deviceCellName(cell);
-        return cell.View() != nullptr && cell.View()->CellBaseName() != nullptr ? cell.View()->CellBaseName()
-                                                                                : std::string(device);
+        const std::string_view type = analysis::typeOf(cell.View());
+        return std::string(!type.empty() ? type : deviceCellName(cell));
     }
 
     /// The net on the pin of the I/O cell that is electrically @p outside, or else that it reads or drives.

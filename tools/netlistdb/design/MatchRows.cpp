@@ -102,7 +102,8 @@ void MatchRows::write(const Run &run)
     std::string target =
         run.targetVector.empty() ? run.target : rangeOf(run.targetVector, run.targetFirst, run.targetLast);
     std::vector<std::string> also;
-    for (std::size_t at = 1; at < match.targets.size(); ++at) {
+    // Tables do not show them, and a clock may have thousands.
+    for (std::size_t at = 1; at < match.targets.size() && !m_writer.isTable(); ++at) {
         also.push_back((match.targets[at].inverted ? "~" : "") + nameOf(match.targets[at]));
     }
     std::string grade = analysis::nameOf(match.grade);

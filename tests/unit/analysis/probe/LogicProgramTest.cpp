@@ -90,17 +90,14 @@ TEST_F(LogicProgramTest, ComputesWhatEachCellComputesByItself)
             values[port.signal] = {~value | unknown, value | unknown};
         }
         std::vector<Lanes> wanted = values;
-        const auto evaluateNode = [&](std::uint32_t number, std::vector<Lanes> &all) {
-            const Node &node = graph.nodes[number];
-            evaluate(graph.partOf(node), graph.inputsOf(node), graph.outputsOf(node), all);
-        };
         for (const std::uint32_t node : order) {
-            evaluateNode(node, wanted);
+            const Step step = graph.stepOf(node);
+            evaluate(*step.part, step.in, step.out, wanted);
         }
         std::size_t others = 0;
-        LogicProgram(graph, order, special).run(values, [&](std::uint32_t node) {
+        LogicProgram(graph, order, special).run(values, [&](const Step &step) {
             ++others;
-            evaluateNode(node, values);
+            evaluate(*step.part, step.in, step.out, values);
         });
         EXPECT_TRUE(values == wanted) << "unknown one time in 2 to the " << unknownPower;
         EXPECT_EQ(others, 1U) << "only the special one is left to the caller";
