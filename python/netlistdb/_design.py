@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import warnings
-from collections.abc import Callable, Iterable, Iterator
+from collections.abc import Callable, Iterable, Iterator, Sequence
 from types import TracebackType
 from typing import Optional, Union
 
@@ -162,8 +162,12 @@ class Design:
         return _native.probes(self._instance(below), all, progress)
 
     def map(self, signal: Union[str, Net, Bus], progress: Optional[Progress] = None) -> Union[Match, list[Match]]:
-        """What a net is in the other form; of a bus, what each of its bits is, from the left."""
+        """What a net is in the other form; of a bus, what each of its bits is, from the left.
+
+        :param signal: a net or bus of either form, or the full name of one in this form
+        """
         found = self[signal] if isinstance(signal, str) else signal
+        self._check_own(found, either_form=True)
         if isinstance(found, Net):
             return _native.match(found, progress)
         if isinstance(found, Instance):
@@ -176,7 +180,14 @@ class Design:
         found = self[below] if isinstance(below, str) else below
         if not isinstance(found, Instance):
             raise TypeError(f"{below!r} is no instance")
+        self._check_own(found)
         return found
+
+    def _check_own(self, found: Union[Item, list[Net]], either_form: bool = False) -> None:
+        handles: Sequence[Item] = found if isinstance(found, list) else (found,)
+        for handle in handles:
+            if not self._loaded.holds(handle, None if either_form else self._is_device):
+                raise ValueError(f"{handle!r} is not part of {self!r}")
 
 
 def load(*sources: StrPath, elaborated: Union[None, StrPath, Iterable[StrPath]] = None,

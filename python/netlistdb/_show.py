@@ -7,10 +7,12 @@ from typing import Any, Union
 
 from ._errors import ClosedError
 from ._native import Bus, Clock, Instance, Module, Net, Search
-from ._table import Table, cell
+from ._table import LEFT, Table, cell
 
 #: Children of one instance that a tree shows, and its levels.
 MOST_CHILDREN = 50
+#: Children of one instance among which a tree looks for those with something in them.
+MOST_LOOKED_AT = 5000
 MOST_LEVELS = 3
 
 Handle = Union[Instance, Net, Bus, Clock, Module]
@@ -35,7 +37,8 @@ def represent(handle: Handle) -> str:
 def facts(handle: Handle, names: tuple[str, ...]) -> str:
     """A table of a handle's properties, one a row."""
     try:
-        rows = "".join(f"<tr><th>{cell(name)}</th><td>{cell(getattr(handle, name))}</td></tr>" for name in names)
+        rows = "".join(f"<tr><th {LEFT}>{cell(name)}</th><td {LEFT}>{cell(getattr(handle, name))}</td></tr>"
+                       for name in names)
     except ClosedError:
         return f"<p>{html.escape(represent(handle))}</p>"
     return f"<table>{rows}</table>"
@@ -51,13 +54,28 @@ def tree(instance: Instance) -> str:
 
 def _level(instance: Instance, level: int) -> str:
     name = f"{cell(instance.name or '(top)')} <i>{cell(instance.module.name)}</i>"
-    children = instance.children
-    if len(children) == 0 or level == MOST_LEVELS:
-        return f"<div>{name}{' …' if len(children) > 0 else ''}</div>"
-    shown = "".join(_level(child, level + 1) for child in children[:MOST_CHILDREN])
-    more = f"<div>{len(children) - MOST_CHILDREN} more</div>" if len(children) > MOST_CHILDREN else ""
-    state = " open" if level == 0 else ""
-    return f"<details{state} style='margin-left:1em'><summary>{name}</summary>{shown}{more}</details>"
+    count = len(instance.children)
+    if count == 0 or level == MOST_LEVELS:
+        return f"<div style='margin-left:2em'>{name}{' …' if count > 0 else ''}</div>"
+    # What has something in it comes first: that is the hierarchy, and most of the rest are cells without a name.
+    children = instance.children[:MOST_LOOKED_AT]
+    cells = [child for child in children if len(child.children) == 0]
+    inner = [child for child in children if len(child.children) > 0]
+    shown = "".join(_level(child, level + 1) for child in inner[:MOST_CHILDREN])
+    hidden = count - len(cells) - min(len(inner), MOST_CHILDREN)
+    more = f"<div style='margin-left:2em'>{hidden} more</div>" if hidden > 0 else ""
+    return _opening(name, shown + more + _cells(cells, level + 1), level == 0)
+
+
+def _cells(cells: list[Instance], level: int) -> str:
+    shown = "".join(_level(child, level) for child in cells[:MOST_CHILDREN])
+    more = f"<div style='margin-left:2em'>{len(cells) - MOST_CHILDREN} more</div>" if len(cells) > MOST_CHILDREN else ""
+    return _opening(f"{len(cells)} cell{'' if len(cells) == 1 else 's'}", shown + more, False) if cells else ""
+
+
+def _opening(title: str, content: str, is_open: bool) -> str:
+    state = " open" if is_open else ""
+    return f"<details{state} style='margin-left:1em'><summary>{title}</summary>{content}</details>"
 
 
 def names_in(instance: Instance) -> list[str]:

@@ -16,6 +16,8 @@ Row = TypeVar("Row")
 CLOCK_COLUMNS = ("name", "root", "edges", "registers", "parents", "aliases")
 #: Rows that a notebook shows; a table says how many there are besides.
 MOST_ROWS = 100
+#: Notebooks have texts at the right of their columns otherwise.
+LEFT = "style='text-align:left'"
 
 
 class Table(list[Row]):
@@ -62,10 +64,15 @@ def cell(value: object) -> str:
     return html.escape(shown.encode("utf-8", "replace").decode("utf-8"))
 
 
+def _field(value: object) -> str:
+    is_number = isinstance(value, (int, float)) and not isinstance(value, bool)
+    return f"<td{'' if is_number else ' ' + LEFT}>{cell(value)}</td>"
+
+
 def to_html(rows: Sequence[Any], columns: Sequence[str]) -> str:
     """The first rows as an HTML table."""
-    head = "".join(f"<th>{cell(column)}</th>" for column in columns)
-    body = "".join("<tr>" + "".join(f"<td>{cell(getattr(row, column))}</td>" for column in columns) + "</tr>"
+    head = "".join(f"<th {LEFT}>{cell(column)}</th>" for column in columns)
+    body = "".join("<tr>" + "".join(_field(getattr(row, column)) for column in columns) + "</tr>"
                    for row in rows[:MOST_ROWS])
     more = f"<p>{len(rows) - MOST_ROWS} more</p>" if len(rows) > MOST_ROWS else ""
     return f"<table><thead><tr>{head}</tr></thead><tbody>{body}</tbody></table>{more}"

@@ -92,7 +92,10 @@ def add(plan: StrPath, design: Design, signals: Union[str, Net, Bus, Iterable[Un
 
     With a design that has its device, the plan has the nets of the device that carry them.
     """
-    several = [signals] if isinstance(signals, (str, Net, Bus)) else signals
+    several = [signals] if isinstance(signals, (str, Net, Bus)) else list(signals)
+    for signal in several:
+        if not isinstance(signal, str):
+            design._check_own(signal)
     paths = [signal if isinstance(signal, str) else signal.path for signal in several]
     added, known = _native.plan_add(design.top, _file(plan), paths, progress)
     for path in known:

@@ -2,6 +2,7 @@
 #include "Facts.h"
 #include "design/CrossingRows.h"
 
+#include <optional>
 #include <utility>
 
 namespace kvr::netlistdb::python {
@@ -12,11 +13,9 @@ namespace {
 
 /// What a search for crossings finds; the rows refer to the crossings and the rules.
 struct Found {
-    explicit Found(bool byBit) : rows(byBit) {}
-
     tool::CrossingRules rules;
     std::vector<analysis::Crossing> crossings;
-    tool::CrossingRows rows;
+    std::optional<tool::CrossingRows> rows;
 };
 
 py::object netOf(const Origin &origin, const analysis::CrossingEnd &end)
@@ -30,7 +29,8 @@ py::object textOrNone(const std::string &value)
     return value.empty() ? py::object(py::none()) : text(value);
 }
 
-py::object recordOf(const Origin &origin, const tool::CrossingRow &row, const py::object &record)
+py::object recordOf(const Origin &origin, const tool::CrossingRows &rows, const tool::CrossingRow &row,
+                    const py::object &record)
 {
     const analysis::Crossing &crossing = *row.first;
     py::dict fields;
@@ -38,8 +38,8 @@ py::object recordOf(const Origin &origin, const tool::CrossingRow &row, const py
     fields["kind"] = nameOf(row.kind);
     fields["launch"] = crossing.launch ? py::cast(ClockHandle{origin, *crossing.launch}) : py::none();
     fields["capture"] = ClockHandle{origin, crossing.capture};
-    fields["launched"] = text(row.from());
-    fields["captured"] = text(row.to());
+    fields["launched"] = text(rows.from(row));
+    fields["captured"] = text(rows.to(row));
     fields["launched_net"] = netOf(origin, crossing.from);
     fields["captured_net"] = netOf(origin, crossing.to);
     fields["launched_cell"] = textOrNone(crossing.from.cell);
@@ -62,26 +62,26 @@ py::object recordOf(const Origin &origin, const tool::CrossingRow &row, const py
 py::tuple crossingsOf(const InstanceHandle &top, const py::str &rules, bool byBit, const py::object &progress)
 {
     needClocks(top.origin, progress);
-    const auto found = std::make_shared<Found>(byBit);
+    const auto found = std::make_shared<Found>();
     Job::run(
-        [origin = top.origin, found, file = bytesOf(rules)](Job &job) {
+        [origin = top.origin, found, byBit, file = bytesOf(rules)](Job &job) {
             if (!file.empty()) {
                 found->rules = tool::CrossingRules(file);
             }
             const analysis::ClockMap &clocks = origin.loaded->clocks(origin.isDevice);
             job.progress.begin("looking for crossings");
             found->crossings = analysis::Crossings(clocks, found->rules.groups(clocks)).all();
-            for (const analysis::Crossing &crossing : found->crossings) {
-                found->rows.add(crossing, crossing.kind, found->rules.waiverOf(crossing, clocks));
-            }
+            tool::CrossingRows::Options options;
+            options.bits = byBit;
+            found->rows.emplace(found->crossings, clocks, found->rules, options);
         },
         progress);
     const py::object record = fromPackage("netlistdb._records", "Crossing");
     py::list list;
-    for (const tool::CrossingRow &row : found->rows.rows()) {
-        list.append(recordOf(top.origin, row, record));
+    for (const tool::CrossingRow &row : found->rows->all()) {
+        list.append(recordOf(top.origin, *found->rows, row, record));
     }
-    return py::make_tuple(list, texts(found->rules.unused()));
+    return py::make_tuple(list, texts(found->rules.unused(found->rows->usedWaivers())));
 }
 
 } // namespace

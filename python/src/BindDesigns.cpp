@@ -3,6 +3,7 @@
 #include "Turn.h"
 #include "base/Failure.h"
 
+#include <optional>
 #include <pybind11/stl.h>
 #include <utility>
 
@@ -87,6 +88,18 @@ Origin originOf(Loaded &self, bool isDevice)
     return origin;
 }
 
+/// Adds the question whether a handle is one of a design; @p is_device None: of either form.
+template <class Handle> void addHoldsTo(py::class_<Loaded, std::shared_ptr<Loaded>> &type)
+{
+    type.def(
+        "holds",
+        [](const Loaded &self, const Handle &handle, std::optional<bool> isDevice) {
+            const Origin &origin = handle.origin;
+            return origin.loaded.get() == &self && origin.isDevice == isDevice.value_or(origin.isDevice);
+        },
+        py::arg("handle"), py::arg("is_device"));
+}
+
 } // namespace
 
 void bindDesigns(py::module_ &module)
@@ -104,6 +117,9 @@ void bindDesigns(py::module_ &module)
         const Origin origin = originOf(self, isDevice);
         return InstanceHandle{origin, &origin.design().root()};
     });
+    addHoldsTo<InstanceHandle>(type);
+    addHoldsTo<NetHandle>(type);
+    addHoldsTo<BusHandle>(type);
     module.def("load", &load, py::arg("files"), py::arg("post_map"), py::arg("form"), py::arg("top"), py::arg("cells"),
                py::arg("source_root"), py::arg("include_dirs"), py::arg("defines"), py::arg("file_lists"),
                py::arg("max_instances"), py::arg("progress"));

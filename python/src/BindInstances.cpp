@@ -1,3 +1,4 @@
+#include "Direct.h"
 #include "Facts.h"
 #include "Items.h"
 #include "Turn.h"
@@ -19,6 +20,22 @@ struct Walk {
     tool::InstanceWalk walk;
     bool hasBegun = false;
 };
+
+py::object nextOfWalk(Walk &self)
+{
+    self.origin.check();
+    if (std::exchange(self.hasBegun, true)) {
+        self.walk.next();
+    }
+    IVDBInstance *const instance = self.walk.instance();
+    return instance != nullptr ? py::cast(InstanceHandle{self.origin, instance}) : py::object();
+}
+
+py::str nameOf(const InstanceHandle &self)
+{
+    self.origin.check();
+    return text(self.instance->getName());
+}
 
 /// An instance or module as the netlist has it.
 tool::ItemFacts factsOf(const InstanceHandle &self)
@@ -107,17 +124,7 @@ void bindModules(py::module_ &module)
 void bindWalks(py::module_ &module)
 {
     auto type = makeClass<Walk>(module, "Walk", "Walks an instance and all below it, from the top down.");
-    type.def("__iter__", [](const py::object &self) { return self; });
-    type.def("__next__", [](Walk &self) {
-        self.origin.check();
-        if (std::exchange(self.hasBegun, true)) {
-            self.walk.next();
-        }
-        if (self.walk.instance() == nullptr) {
-            throw py::stop_iteration();
-        }
-        return InstanceHandle{self.origin, self.walk.instance()};
-    });
+    addNext<&nextOfWalk>(type);
 }
 
 void addItems(py::class_<InstanceHandle> &type)
@@ -162,13 +169,7 @@ void bindInstances(py::module_ &module)
     bindModules(module);
     bindWalks(module);
     auto type = makeHandleClass<InstanceHandle>(module, "Instance", "One occurrence of a module in the design.");
-    type.def_property_readonly(
-        "name",
-        [](const InstanceHandle &self) {
-            self.origin.check();
-            return text(self.instance->getName());
-        },
-        "Its own name; empty at the top.");
+    addName<&nameOf>(type, "Its own name; empty at the top.");
     type.def_property_readonly(
         "path",
         [](const InstanceHandle &self) {

@@ -1,4 +1,5 @@
 #include "Bits.h"
+#include "Direct.h"
 #include "Facts.h"
 #include "Items.h"
 #include "Turn.h"
@@ -84,11 +85,15 @@ std::size_t widthOf(const BusHandle &self)
     return self.bus != nullptr ? self.bus->getWidth() : self.signal->bits.size();
 }
 
+template <class Handle> py::str nameTextOf(const Handle &self)
+{
+    return text(nameOf(self));
+}
+
 /// What nets and buses have in common.
 template <class Handle> void addFacts(py::class_<Handle> &type)
 {
-    type.def_property_readonly(
-        "name", [](const Handle &self) { return text(nameOf(self)); }, "Its own name.");
+    addName<&nameTextOf<Handle>>(type, "Its own name.");
     type.def_property_readonly(
         "path", [](const Handle &self) { return text(fullName(*self.instance, nameOf(self))); },
         "Its full name: the path of its instance, '/' and its name.");

@@ -2,6 +2,7 @@
 
 #include "Handles.h"
 
+#include <exception>
 #include <optional>
 #include <pybind11/pybind11.h>
 #include <string>
@@ -18,6 +19,9 @@ void bindClocks(pybind11::module_ &module);
 void bindCrossings(pybind11::module_ &module);
 void bindProbes(pybind11::module_ &module);
 void bindPlans(pybind11::module_ &module);
+
+/// Sets the Python exception that the module raises for @p fault.
+void raiseFor(const std::exception_ptr &fault);
 
 /// Builds the clock map of a form unless it is there.
 void needClocks(const Origin &origin, const pybind11::object &progress = pybind11::none());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Bindings.h"
+#include "Direct.h"
 
 #include <cstddef>
 #include <memory>
@@ -43,6 +44,13 @@ template <class Item> Items<Item> itemsOf(const Origin &origin, IVDBInstance &ow
     return {origin, &owner, {std::shared_ptr<const void>(), &items}};
 }
 
+/// The next handle; null at the end.
+template <class Item> pybind11::object nextOf(ItemsIterator<Item> &self)
+{
+    self.items.origin.check();
+    return self.next < self.items.items->size() ? pybind11::cast(self.items.at(self.next++)) : pybind11::object();
+}
+
 /// Adds the classes of a sequence.
 template <class Item> void bindItems(pybind11::module_ &module, const char *name, const char *iteratorName)
 {
@@ -83,14 +91,7 @@ template <class Item> void bindItems(pybind11::module_ &module, const char *name
         return list;
     });
     auto iterator = makeClass<Iterator>(module, iteratorName, "Goes through a sequence of items.");
-    iterator.def("__iter__", [](const py::object &self) { return self; });
-    iterator.def("__next__", [](Iterator &self) {
-        self.items.origin.check();
-        if (self.next >= self.items.items->size()) {
-            throw py::stop_iteration();
-        }
-        return self.items.at(self.next++);
-    });
+    addNext<&nextOf<Item>>(iterator);
     iterator.def("__length_hint__", [](const Iterator &self) {
         self.items.origin.check();
         return self.items.items->size() - self.next;

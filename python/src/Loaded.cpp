@@ -31,7 +31,7 @@ struct Loaded::Content {
 
 std::shared_ptr<Loaded> Loaded::load(const LoadRequest &request, Job &job)
 {
-    const std::shared_ptr<Loaded> loaded(new Loaded);
+    std::shared_ptr<Loaded> loaded(new Loaded);
     loaded->m_content = std::make_unique<Content>();
     Content &content = *loaded->m_content;
     tool::Stats stats;

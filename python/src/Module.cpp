@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <netlistdb/analysis/ProbePlan.h>
+#include <new>
 
 namespace kvr::netlistdb::python {
 
@@ -36,6 +37,17 @@ void translate(std::exception_ptr fault)
 }
 
 } // namespace
+
+void raiseFor(const std::exception_ptr &fault)
+{
+    try {
+        translate(fault);
+    } catch (const std::bad_alloc &) {
+        PyErr_NoMemory();
+    } catch (const std::exception &error) {
+        PyErr_SetString(PyExc_RuntimeError, error.what());
+    }
+}
 
 } // namespace kvr::netlistdb::python
 

@@ -46,6 +46,7 @@ Found signalOf(const Origin &origin, const std::string &path, const std::vector<
         return BusHandle{origin, &instance, bus->second};
     }
     std::vector<NetHandle> nets;
+    nets.reserve(bits.size());
     for (const tool::PathResolver::Bit &bit : bits) {
         nets.push_back(bit.net != nullptr ? NetHandle{origin, &instance, bit.net}
                                           : constantCalled(origin, instance, names, bit.name.substr(prefix.size())));

@@ -85,8 +85,8 @@ class Clocks(unittest.TestCase):
                 self.design.crossings(rules)
 
     def test_tables_show_names(self):
-        self.assertIn("<td>clk_sys_i</td>", self.design.clocks._repr_html_())
-        self.assertIn("<td>unsafe</td>", self.design.crossings()._repr_html_())
+        self.assertIn(">clk_sys_i</td>", self.design.clocks._repr_html_())
+        self.assertIn(">unsafe</td>", self.design.crossings()._repr_html_())
 
 
 if __name__ == "__main__":

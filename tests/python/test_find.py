@@ -38,6 +38,13 @@ class Find(unittest.TestCase):
         self.assertTrue(below and all(path.startswith("u_cpu") for _, path in below))
         self.assertEqual(below, self.found("**", below=self.design["u_cpu"]))
 
+    def test_instances_of_another_design_are_refused(self):
+        with netlistdb.load(ELABORATED) as other:
+            with self.assertRaisesRegex(ValueError, "^<Instance u_cpu.*> is not part of <Design .*soc_elaborated.json: "):
+                self.design.find("**", below=other["u_cpu"])
+            self.assertEqual(self.found("**", below="u_cpu")[:3],
+                             [(type(item).__name__.lower(), item.path) for item in other.find("**", below="u_cpu")][:3])
+
     def test_it_ends_at_the_limit(self):
         everything = self.found("**")
         for limit in (0, 1, 7, len(everything), len(everything) + 1):
@@ -67,7 +74,7 @@ class Find(unittest.TestCase):
     def test_a_table_of_the_results_goes_to_pandas(self):
         table = self.design.find("**clk*", limit=4).table()
         self.assertEqual(len(table), 4)
-        self.assertIn("<td>clk_sys_i</td>", table._repr_html_())
+        self.assertIn(">clk_sys_i</td>", table._repr_html_())
         try:
             import pandas
         except ImportError:

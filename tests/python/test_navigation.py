@@ -106,6 +106,8 @@ class Navigation(unittest.TestCase):
         self.assertEqual(repr(self.design["adc_data_i"]), "<Bus adc_data_i[11:0]>")
         self.assertEqual(repr(self.design["adc_data_i[3]"]), "<Net adc_data_i[3]>")
         self.assertIn("<details", self.design["u_cpu"]._repr_html_())
+        tree = self.design._repr_html_()
+        self.assertLess(tree.index("u_trng"), tree.index("$add$designs/rtl/soc_top.v"), "nameless cells come last")
         self.assertIn("adc_data_i", self.design["adc_data_i"]._repr_html_())
         self.assertIn("u_cpu", self.design._ipython_key_completions_())
 

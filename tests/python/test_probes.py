@@ -63,6 +63,15 @@ class Probes(unittest.TestCase):
         with self.assertRaisesRegex(ValueError, "elaborated form"):
             self.design.device.top.nets[0].probe
 
+    def test_nets_of_another_design_are_refused(self):
+        with netlistdb.load(ELABORATED) as other:
+            for item in (other["clk_sys_i"], other["u_cpu/pc_o"], other["u_cpu/pc_o[1:0]"]):
+                with self.assertRaisesRegex(ValueError, "is not part of <Design"):
+                    self.design.map(item)
+            for below in (other["u_cpu"], self.design.device.top):
+                with self.assertRaisesRegex(ValueError, "is not part of <Design"):
+                    self.design.probes(below=below)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -20,7 +20,11 @@ async function open(file, hash = "") {
   url = pathToFileURL(file).href;
   await page.goto(url + hash);
   await page.waitForSelector("article, [role=alert]");
+  await whole();
 }
+
+/** Waits until what the view shows has been read. */
+const whole = () => page.waitForFunction(() => !/Reading (details|the modules)/.test(document.getElementById("app").textContent));
 
 async function go(hash) {
   await page.evaluate((to) => {
@@ -28,7 +32,7 @@ async function go(hash) {
   }, hash);
   await page.waitForFunction((to) => location.hash === to, {}, hash);
   await new Promise((done) => setTimeout(done, 50));
-  await page.waitForFunction(() => !document.querySelector("main")?.textContent.includes("Reading details…"));
+  await whole();
 }
 
 const text = (selector = "main") => page.$eval(selector, (element) => element.textContent);
@@ -284,6 +288,29 @@ describe("the page of a design in both forms", () => {
       [],
     );
     assert.deepEqual(faults, []);
+  });
+});
+
+describe("a page that breaks off", () => {
+  test("shows the top before anything else, and then what is wrong", async () => {
+    const file = join(temporary(), "broken.html");
+    const original = readFileSync(writePage("whole", "designs/soc_elaborated.json"), "utf8");
+    writeFileSync(file, original.replace(/(id="modules">)[^<]*/, "$1"));
+    const script = await page.evaluateOnNewDocument(() => {
+      new MutationObserver(() => {
+        window.wasShown ||= document.querySelector(".icicle") !== null;
+      }).observe(document, { childList: true, subtree: true });
+    });
+    await page.goto(pathToFileURL(file).href);
+    await page.waitForSelector("[role=alert]");
+    assert.match(await text("[role=alert]"), /holds no data \(modules\)/);
+    assert.equal(await page.evaluate(() => window.wasShown), true);
+    await page.removeScriptToEvaluateOnNewDocument(script.identifier);
+  });
+
+  test("shows a net that it is opened with once the modules are there", async () => {
+    await open(writePage("soc", "designs/soc_elaborated.json"), "#/net/u_spi/select_q");
+    assert.match(await heading(), /select_q/);
   });
 });
 

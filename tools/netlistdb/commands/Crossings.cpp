@@ -73,7 +73,8 @@ class CrossingsCommand : public DesignCommand {
         session.stats.begin("crossings");
         const UntilExit crossings(std::make_unique<const analysis::Crossings>(clocks, m_rules.groups(clocks)));
         session.progress.clear();
-        CrossingList list(*crossings, clocks, m_rules, m_choice);
+        const CrossingRows rows(crossings->all(), clocks, m_rules, m_choice.rows());
+        CrossingList list(rows, clocks, m_choice);
         const auto writer = session.makeWriter();
         ResultHead head;
         head.command = "crossings";
@@ -82,19 +83,20 @@ class CrossingsCommand : public DesignCommand {
         writer->begin(head);
         while (list.step(*writer)) {
         }
-        const Json summary = list.summary();
+        const CrossingTotals totals = list.totals();
+        const Json summary = totals.summary(clocks);
         session.stats.end();
-        const bool found = !list.empty();
-        writer->end(Ending::Complete, {{"summary", &summary}, {"waived", list.waived()}});
+        const bool found = !totals.isEmpty;
+        writer->end(Ending::Complete, {{"summary", &summary}, {"waived", totals.waived}});
         if (writer->isTable() && found) {
             writeSummary(summary, session);
         }
-        const int exitCode = session.finish(m_choice.failures.given() ? !list.hasFailed() : found);
-        for (const std::string &line : m_rules.unused()) {
+        const int exitCode = session.finish(m_choice.failures.given() ? !totals.hasFailed : found);
+        for (const std::string &line : m_rules.unused(totals.usedWaivers)) {
             session.note(line);
         }
-        if (list.waived() > 0 && !m_choice.waived) {
-            session.note(fmt::format("{} crossing{} waived", list.waived(), list.waived() == 1 ? " is" : "s are"));
+        if (totals.waived > 0 && !m_choice.waived) {
+            session.note(fmt::format("{} crossing{} waived", totals.waived, totals.waived == 1 ? " is" : "s are"));
         }
         return exitCode;
     }

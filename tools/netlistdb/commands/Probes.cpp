@@ -122,7 +122,8 @@ class ProbesCommand : public DesignCommand {
         const auto writer = session.makeWriter();
         // What is piped into other programs is to be probed.
         m_choice.verdicts.finish(m_ok || session.options.paths);
-        ProbeWalk probes(probed.design(), probed.report(), start, m_choice);
+        ProbeLists lists(probed.design());
+        ProbeWalk probes(lists, probed.report(), start, m_choice);
         ProbeRows rows(probed.design(), probed.device() != nullptr, *writer);
         writer->begin({"probes", factsOf(probed), ProbeRows::columns(probed.device() != nullptr)});
         const Interrupt::Action stop(session.interrupt);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "design/CrossingRows.h"
+
 #include <cstdint>
 #include <netlistdb/analysis/Crossings.h>
 #include <optional>
@@ -60,6 +62,8 @@ struct CrossingChoice {
     bool waived = false;     ///< those, too
     bool allClasses = false; ///< every class that a crossing has, not only the most telling one
     bool bits = false;       ///< each bit of a vector by itself
+
+    CrossingRows::Options rows() const { return {allClasses, bits}; }
 };
 
 } // namespace kvr::netlistdb::tool

@@ -1,15 +1,14 @@
 #include "design/CrossingList.h"
 
-#include "design/ClockFilter.h"
 #include "design/CrossingWords.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <netlistdb/netlistdb.h>
 
 namespace kvr::netlistdb::tool {
 
 using analysis::Crossing;
-using analysis::CrossingClass;
 
 namespace {
 
@@ -36,25 +35,9 @@ std::string noteOf(const CrossingRow &row)
 
 } // namespace
 
-CrossingList::CrossingList(const analysis::Crossings &crossings, const analysis::ClockMap &clocks, CrossingRules &rules,
-                           const CrossingChoice &choice)
-    : m_clocks(clocks), m_choice(choice), m_rows(choice.bits)
+CrossingList::CrossingList(const CrossingRows &rows, const analysis::ClockMap &clocks, const CrossingChoice &choice)
+    : m_rows(rows), m_clocks(clocks), m_choice(choice), m_from(clocks, choice.from), m_to(clocks, choice.to)
 {
-    const ClockFilter from(clocks, choice.from);
-    const ClockFilter to(clocks, choice.to);
-    for (const Crossing &crossing : crossings.all()) {
-        if (!from.has(crossing.launch) || !to.has(crossing.capture)) {
-            continue;
-        }
-        const CrossingRules::Waiver *const waiver = rules.waiverOf(crossing, clocks);
-        for (std::size_t number = 0; number < analysis::CROSSING_CLASSES; ++number) {
-            const auto kind = static_cast<CrossingClass>(number);
-            const bool isShown = choice.allClasses ? crossing.holds(kind) : crossing.kind == kind;
-            if (isShown && choice.classes.has(kind) && choice.severities.has(severityOf(kind))) {
-                take(crossing, kind, waiver);
-            }
-        }
-    }
 }
 
 std::vector<Column> CrossingList::columns() const
@@ -87,33 +70,69 @@ std::vector<Column> CrossingList::columns() const
 
 bool CrossingList::step(ResultWriter &writer)
 {
-    if (m_next == m_rows.rows().size()) {
+    const std::vector<CrossingRow> &rows = m_rows.all();
+    const auto next = std::find_if(rows.begin() + static_cast<std::ptrdiff_t>(m_next), rows.end(),
+                                   [this](const CrossingRow &row) { return isShown(row); });
+    if (next == rows.end()) {
         return false;
     }
-    write(m_rows.rows()[m_next++], writer);
+    m_next = static_cast<std::size_t>(next - rows.begin()) + 1;
+    write(*next, writer);
     return true;
 }
 
-void CrossingList::take(const Crossing &crossing, CrossingClass kind, const CrossingRules::Waiver *waiver)
+CrossingTotals CrossingList::totals() const
 {
-    if (kind == crossing.kind) {
-        m_counts[{crossing.launch, crossing.capture}].add(crossing, waiver != nullptr);
-        m_waivedCount += waiver != nullptr ? 1 : 0;
+    CrossingTotals totals;
+    auto pair = totals.pairs.end();
+    for (const CrossingRow &row : m_rows.all()) {
+        if (!isBetween(row)) {
+            continue;
+        }
+        if (row.waiver != nullptr) {
+            totals.usedWaivers.insert(row.waiver);
+        }
+        if (!isChosen(row)) {
+            continue;
+        }
+        if (row.deciding > 0) {
+            // Those of one pair stand together.
+            const ClockPair its{row.launch, row.capture};
+            if (pair == totals.pairs.end() || pair->first != its) {
+                pair = totals.pairs.try_emplace(its).first;
+            }
+            pair->second.add(row);
+        }
+        totals.waived += row.waiver != nullptr ? row.deciding : 0;
+        totals.hasFailed = totals.hasFailed || (row.waiver == nullptr && m_choice.failures.has(row.kind));
+        totals.isEmpty = totals.isEmpty && !isShown(row);
     }
-    if (waiver == nullptr) {
-        m_failed = m_failed || m_choice.failures.has(kind);
-    }
-    if (waiver == nullptr || m_choice.waived) {
-        m_rows.add(crossing, kind, waiver);
-    }
+    return totals;
+}
+
+/// Whether a row is from and to clocks that were asked for.
+bool CrossingList::isBetween(const CrossingRow &row) const
+{
+    return m_from.has(row.launch) && m_to.has(row.capture);
+}
+
+/// Whether a row is of a class that was asked for.
+bool CrossingList::isChosen(const CrossingRow &row) const
+{
+    return m_choice.classes.has(row.kind) && m_choice.severities.has(severityOf(row.kind));
+}
+
+bool CrossingList::isShown(const CrossingRow &row) const
+{
+    return isBetween(row) && isChosen(row) && (row.waiver == nullptr || m_choice.waived);
 }
 
 void CrossingList::write(const CrossingRow &row, ResultWriter &writer) const
 {
     const Crossing &crossing = *row.first;
     const std::string launch = launchName(crossing, m_clocks);
-    const std::string from = row.from();
-    const std::string to = row.to();
+    const std::string from = m_rows.from(row);
+    const std::string to = m_rows.to(row);
     const std::string pin = m_choice.bits ? crossing.to.pin : crossing.to.pin.substr(0, crossing.to.pin.find('['));
     const std::string source = sourceText(crossing.place.file, crossing.place.line, m_directory);
     const std::string note = noteOf(row);
@@ -126,7 +145,7 @@ void CrossingList::write(const CrossingRow &row, ResultWriter &writer) const
                 std::string_view(from),
                 std::string_view(to),
                 std::string_view(pin),
-                row.bits,
+                std::uint64_t(row.bits),
                 std::uint64_t(row.cells),
                 std::string_view(source),
                 std::string_view(note),
@@ -143,22 +162,6 @@ void CrossingList::write(const CrossingRow &row, ResultWriter &writer) const
                 row.waiver != nullptr ? Value(std::string_view(row.waiver->reason())) : Value(),
                 textOrNull(crossing.place.file),
                 hasPlace ? Value(std::uint64_t(crossing.place.line)) : Value()});
-}
-
-Json CrossingList::summary() const
-{
-    Json summary = Json::array();
-    for (const auto &[pair, counts] : m_counts) {
-        Json line;
-        line["launch"] = pair.first ? Json(m_clocks.clocks()[*pair.first].name) : Json(nullptr);
-        line["capture"] = m_clocks.clocks()[pair.second].name;
-        line["safe"] = counts.safe;
-        line["warning"] = counts.warning;
-        line["unsafe"] = counts.unsafe;
-        line["waived"] = counts.waived;
-        summary.push_back(line);
-    }
-    return summary;
 }
 
 } // namespace kvr::netlistdb::tool

@@ -1,47 +1,41 @@
 #pragma once
 
+#include "design/ClockFilter.h"
 #include "design/CrossingChoice.h"
 #include "design/CrossingRows.h"
+#include "design/CrossingTotals.h"
 #include "design/SourceText.h"
-#include "output/Json.h"
 #include "output/RowSource.h"
 
-#include <map>
-#include <optional>
+#include <cstddef>
 #include <string>
-#include <utility>
 
 namespace kvr::netlistdb::tool {
 
-/// The crossings of a design that were asked for, bits of one vector together, and how many there are between each two
-/// clocks.
+/// The crossings of a design that were asked for.
 class CrossingList : public RowSource {
   public:
-    /// @p crossings are those of @p clocks; they and @p rules must outlive the object.
+    /// @p rows are of the crossings of @p clocks, made with CrossingChoice::rows() of @p choice; both must outlive the
+    /// object.
     /// @throws Failure when the choice names a clock that there is not.
-    CrossingList(const analysis::Crossings &crossings, const analysis::ClockMap &clocks, CrossingRules &rules,
-                 const CrossingChoice &choice);
+    CrossingList(const CrossingRows &rows, const analysis::ClockMap &clocks, const CrossingChoice &choice);
 
     std::vector<Column> columns() const override;
     bool step(ResultWriter &writer) override;
-    bool empty() { return m_rows.rows().empty(); }
-    /// The pairs of clocks, each with its numbers of crossings.
-    Json summary() const;
-    /// Number of crossings that are waived, shown or not.
-    std::uint64_t waived() const { return m_waivedCount; }
-    /// True when there is a crossing that the choice calls a failure.
-    bool hasFailed() const { return m_failed; }
+    /// What there is to say of all of them. Looks at every row.
+    CrossingTotals totals() const;
 
   private:
-    void take(const analysis::Crossing &crossing, analysis::CrossingClass kind, const CrossingRules::Waiver *waiver);
+    bool isBetween(const CrossingRow &row) const;
+    bool isChosen(const CrossingRow &row) const;
+    bool isShown(const CrossingRow &row) const;
     void write(const CrossingRow &row, ResultWriter &writer) const;
 
+    const CrossingRows &m_rows;
     const analysis::ClockMap &m_clocks;
     CrossingChoice m_choice;
-    CrossingRows m_rows;
-    std::map<std::pair<std::optional<analysis::ClockId>, analysis::ClockId>, CrossingCounts> m_counts;
-    std::uint64_t m_waivedCount = 0;
-    bool m_failed = false;
+    ClockFilter m_from;
+    ClockFilter m_to;
     std::size_t m_next = 0;
     std::string m_directory = workingDirectory();
 };

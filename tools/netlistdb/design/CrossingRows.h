@@ -2,11 +2,11 @@
 
 #include "design/CrossingRules.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <netlistdb/analysis/Crossings.h>
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace kvr::netlistdb::tool {
@@ -14,39 +14,45 @@ namespace kvr::netlistdb::tool {
 /// Crossings of the bits of one vector that are alike.
 struct CrossingRow {
     const analysis::Crossing *first;
+    const CrossingRules::Waiver *waiver;     ///< null: not waived
+    std::optional<analysis::ClockId> launch; ///< of @ref first, at hand
+    analysis::ClockId capture;
     analysis::CrossingClass kind;
-    const CrossingRules::Waiver *waiver; ///< null: not waived
-    std::vector<int> fromBits;
-    std::vector<int> toBits;
-    std::uint64_t bits = 0;   ///< number of crossings
-    std::uint32_t cells = 0;  ///< of the shortest way of all
-    std::uint32_t stages = 0; ///< of the shortest synchronizer of all
-
-    std::string from() const;
-    std::string to() const;
+    std::uint32_t begin;    ///< of its crossings, in the members of all rows
+    std::uint32_t bits;     ///< number of crossings
+    std::uint32_t deciding; ///< number of those whose most telling class is that of the row
+    std::uint32_t cells;    ///< of the shortest way of all
+    std::uint32_t stages;   ///< of the shortest synchronizer of all
 };
 
-/// Puts crossings together, in the order in which they come.
+/// All crossings of a design put together, in the order in which they come. Takes time in proportion to the crossings,
+/// once; never changes.
 class CrossingRows {
   public:
-    /// @p byBit: one row for each.
-    explicit CrossingRows(bool byBit) : m_byBit(byBit) {}
-    void add(const analysis::Crossing &crossing, analysis::CrossingClass kind, const CrossingRules::Waiver *waiver);
-    std::vector<CrossingRow> &rows() { return m_rows; }
+    struct Options {
+        bool allClasses = false; ///< a row for every class that a crossing has, not only for the most telling one
+        bool bits = false;       ///< a row for each crossing
+    };
+
+    /// @p crossings, those of @p clocks, and @p rules must outlive the object.
+    CrossingRows(const std::vector<analysis::Crossing> &crossings, const analysis::ClockMap &clocks,
+                 const CrossingRules &rules, Options options);
+
+    const std::vector<CrossingRow> &all() const { return m_rows; }
+    /// The sources of @p row as a name, of a vector with its bits.
+    std::string from(const CrossingRow &row) const { return textOf(row, &analysis::Crossing::from); }
+    /// The targets of @p row in the same way.
+    std::string to(const CrossingRow &row) const { return textOf(row, &analysis::Crossing::to); }
+    /// The waivers that are given to a row.
+    CrossingRules::Used usedWaivers() const;
 
   private:
-    bool m_byBit;
-    std::vector<CrossingRow> m_rows;
-    std::map<std::vector<std::string>, std::size_t> m_places;
-};
+    void sortMembers(const std::vector<std::uint32_t> &rows, const std::vector<std::uint32_t> &crossings);
+    std::string textOf(const CrossingRow &row, analysis::CrossingEnd analysis::Crossing::*end) const;
 
-/// How many crossings there are between two clocks.
-struct CrossingCounts {
-    std::uint64_t safe = 0;
-    std::uint64_t warning = 0;
-    std::uint64_t unsafe = 0;
-    std::uint64_t waived = 0;
-    void add(const analysis::Crossing &crossing, bool isWaived);
+    const std::vector<analysis::Crossing> &m_crossings;
+    std::vector<CrossingRow> m_rows;
+    std::vector<std::uint32_t> m_members; ///< numbers of crossings, row by row
 };
 
 } // namespace kvr::netlistdb::tool

@@ -88,7 +88,6 @@ CrossingRules::CrossingRules(const std::string &file) : m_file(file)
         }
         begin = end + 1;
     }
-    m_isUsed.resize(m_waivers.size());
 }
 
 std::string CrossingRules::at(unsigned line) const
@@ -194,24 +193,19 @@ std::vector<analysis::ClockGroups> CrossingRules::groups(const analysis::ClockMa
 }
 
 const CrossingRules::Waiver *CrossingRules::waiverOf(const analysis::Crossing &crossing,
-                                                     const analysis::ClockMap &clocks)
+                                                     const analysis::ClockMap &clocks) const
 {
-    for (std::size_t at = 0; at < m_waivers.size(); ++at) {
-        if (m_waivers[at].matches(crossing, clocks)) {
-            m_isUsed[at] = true;
-            return &m_waivers[at];
-        }
-    }
-    return nullptr;
+    const auto found = std::find_if(m_waivers.begin(), m_waivers.end(),
+                                    [&](const Waiver &waiver) { return waiver.matches(crossing, clocks); });
+    return found != m_waivers.end() ? &*found : nullptr;
 }
 
-std::vector<std::string> CrossingRules::unused() const
+std::vector<std::string> CrossingRules::unused(const Used &used) const
 {
     std::vector<std::string> lines = m_unknownClocks;
-    for (std::size_t waiver = 0; waiver < m_waivers.size(); ++waiver) {
-        if (!m_isUsed[waiver]) {
-            lines.push_back(fmt::format("{}: no crossing matches 'waive {}'", at(m_waivers[waiver].line()),
-                                        m_waivers[waiver].text()));
+    for (const Waiver &waiver : m_waivers) {
+        if (used.count(&waiver) == 0) {
+            lines.push_back(fmt::format("{}: no crossing matches 'waive {}'", at(waiver.line()), waiver.text()));
         }
     }
     return lines;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <netlistdb/analysis/Crossings.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -52,9 +53,10 @@ class CrossingRules {
     /// The groups in terms of the clocks of a design.
     std::vector<analysis::ClockGroups> groups(const analysis::ClockMap &clocks);
     /// The first waiver for a crossing, or null.
-    const Waiver *waiverOf(const analysis::Crossing &crossing, const analysis::ClockMap &clocks);
-    /// A line for every waiver that matched nothing and every wildcard that no clock matches.
-    std::vector<std::string> unused() const;
+    const Waiver *waiverOf(const analysis::Crossing &crossing, const analysis::ClockMap &clocks) const;
+    using Used = std::set<const Waiver *>;
+    /// A line for every waiver that is not in @p used and every wildcard of groups() that no clock matches.
+    std::vector<std::string> unused(const Used &used) const;
 
   private:
     struct Groups {
@@ -72,7 +74,6 @@ class CrossingRules {
     std::string m_file;
     std::vector<Groups> m_groups;
     std::vector<Waiver> m_waivers;
-    std::vector<bool> m_isUsed; ///< by waiver
     std::vector<std::string> m_unknownClocks;
 };
 

@@ -64,6 +64,8 @@ class Design {
     ModuleNames &names(IVDBNetlist &module);
     /// What the user calls @p module: with its parameters, when it was derived with any.
     const std::string &nameOf(const IVDBNetlist &module);
+    /// The instance of the netlist behind @p instance; null at the top.
+    const Verific::Instance *sourceOf(const IVDBInstance &instance) const { return m_sources.of(instance); }
     /// What the netlist keeps of @p instance.
     ItemFacts factsOf(const IVDBInstance &instance) const;
 

@@ -50,16 +50,14 @@ NameSearch::Step NameSearch::step()
     if (m_item == nullptr && !m_isOver) {
         m_item = m_results.next() ? m_results.getCurrent() : nullptr;
         m_isOver = m_item == nullptr;
-        if (m_isOver || m_item->getItemType() != ITEM_NET_BUS) {
-            m_waiting = m_others.take();
-            m_next = 0;
-            m_waiting.erase(std::remove_if(m_waiting.begin(), m_waiting.end(),
-                                           [this](const OtherNameHit &hit) { return (kindOf(hit) & m_kinds) == 0; }),
-                            m_waiting.end());
-            if (!m_waiting.empty()) {
-                return takeWaiting();
-            }
-        }
+    }
+    if ((m_isOver || m_item->getItemType() != ITEM_NET_BUS) && !m_others.isTaken()) {
+        m_waiting = m_others.take();
+        m_next = 0;
+        m_waiting.erase(std::remove_if(m_waiting.begin(), m_waiting.end(),
+                                       [this](const OtherNameHit &hit) { return (kindOf(hit) & m_kinds) == 0; }),
+                        m_waiting.end());
+        return m_waiting.empty() ? Step::Passed : takeWaiting();
     }
     if (m_item == nullptr) {
         return Step::End;

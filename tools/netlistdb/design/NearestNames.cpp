@@ -19,14 +19,22 @@ char lower(char c)
 /// What an edit (insert, delete, replace, swap neighbours) costs; a mere change of case costs 1.
 constexpr std::size_t EDIT = 4;
 
+/// Cost of the edits that make @p b of @p a, at least: an edit adds one letter at most, and takes one away at most.
+std::size_t leastCost(const NearestNames::Letters &a, std::size_t size, std::string_view b)
+{
+    NearestNames::Letters left = a;
+    std::size_t common = 0;
+    for (const char c : b) {
+        std::uint16_t &count = left[static_cast<unsigned char>(lower(c))];
+        common += count > 0 ? 1 : 0;
+        count = static_cast<std::uint16_t>(count - (count > 0 ? 1 : 0));
+    }
+    return EDIT * (std::max(size, b.size()) - common);
+}
+
 /// Cost of the edits that make @p b of @p a. Gives up beyond @p limit.
 std::size_t editCost(std::string_view a, std::string_view b, std::size_t limit)
 {
-    a = a.substr(0, LONGEST);
-    b = b.substr(0, LONGEST);
-    if (EDIT * (std::max(a.size(), b.size()) - std::min(a.size(), b.size())) > limit) {
-        return limit + 1;
-    }
     std::vector<std::size_t> before;
     std::vector<std::size_t> above(b.size() + 1);
     std::vector<std::size_t> here(b.size() + 1);
@@ -61,11 +69,22 @@ bool holds(std::string_view name, std::string_view part)
 
 } // namespace
 
+NearestNames::NearestNames(std::string_view wanted) : m_wanted(wanted)
+{
+    for (const char c : wanted.substr(0, LONGEST)) {
+        ++m_letters[static_cast<unsigned char>(lower(c))];
+    }
+}
+
 void NearestNames::offer(std::string_view name)
 {
     const std::size_t farthest = std::max(EDIT, EDIT * m_wanted.size() / 3);
     const std::size_t limit = m_best.size() == MOST ? m_best.back().distance : farthest;
-    std::size_t distance = editCost(m_wanted, name, limit);
+    const std::string_view wanted = std::string_view(m_wanted).substr(0, LONGEST);
+    const std::string_view given = name.substr(0, LONGEST);
+    // Names come by the million, and most are far.
+    const bool isFar = leastCost(m_letters, wanted.size(), given) > limit;
+    std::size_t distance = isFar ? limit + 1 : editCost(wanted, given, limit);
     if (holds(name, m_wanted)) {
         distance = std::min(distance, farthest);
     }

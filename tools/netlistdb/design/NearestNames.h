@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +11,10 @@ namespace kvr::netlistdb::tool {
 /// Finds, among the names it is offered, the few that are most like one that does not exist.
 class NearestNames {
   public:
-    explicit NearestNames(std::string_view wanted) : m_wanted(wanted) {}
+    /// How often each letter occurs, upper and lower case together.
+    using Letters = std::array<std::uint16_t, 256>;
+
+    explicit NearestNames(std::string_view wanted);
     void offer(std::string_view name);
     /// Nearest first, equally near ones in byte order; at most three, none that is far.
     std::vector<std::string> best() const;
@@ -21,6 +26,7 @@ class NearestNames {
     };
 
     std::string m_wanted;
+    Letters m_letters{};
     std::vector<Candidate> m_best;
 };
 

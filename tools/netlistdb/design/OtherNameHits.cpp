@@ -11,6 +11,8 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
+constexpr std::size_t BUSES_AT_ONCE = 64;
+
 /// The bus whose bits are those of @p signal, all of them and in the same order; null when there is none.
 IVDBNetBus *busOf(const OtherSignal &signal)
 {
@@ -36,20 +38,10 @@ void OtherNameHits::enter(IVDBInstance &instance, const std::string &prefix)
     m_hits.clear();
     m_vectors.clear();
     m_items.clear();
+    // A bus stands for its bits, unless the pattern tells one from the other.
     const bool namesBits = m_pattern.text().find('[') != std::string::npos;
-    for (IVDBNetBus *bus : instance.getModule()->getAllNetBus()) {
-        // A bus stands for its bits, unless the pattern tells one from the other.
-        if (namesBits && !matches(bus->getName())) {
-            for (IVDBNet *net : bus->getNets()) {
-                if (matches(net->getName()) && (!m_declaredOnly || net->isUserDeclared())) {
-                    OtherNameHit hit;
-                    hit.item = net;
-                    m_hits.push_back(std::move(hit));
-                    m_items.insert(net);
-                }
-            }
-        }
-    }
+    m_buses = namesBits ? &instance.getModule()->getAllNetBus() : nullptr;
+    m_nextBus = 0;
     for (const OtherSignal &other : m_names->others()) {
         if (other.bits.empty() || isFoundAsNamed(other)) {
             continue;
@@ -91,7 +83,32 @@ bool OtherNameHits::isFoundAsNamed(const OtherSignal &other)
 
 std::vector<OtherNameHit> OtherNameHits::take()
 {
-    return std::exchange(m_hits, {});
+    if (m_buses == nullptr) {
+        return std::exchange(m_hits, {});
+    }
+    std::vector<OtherNameHit> hits;
+    for (std::size_t count = 0; count < BUSES_AT_ONCE && m_nextBus < m_buses->size(); ++count) {
+        findBits(*(*m_buses)[m_nextBus++], hits);
+    }
+    if (m_nextBus == m_buses->size()) {
+        m_buses = nullptr;
+    }
+    return hits;
+}
+
+/// Finds the bits of a bus that match where the bus does not.
+void OtherNameHits::findBits(IVDBNetBus &bus, std::vector<OtherNameHit> &hits)
+{
+    if (matches(bus.getName())) {
+        return;
+    }
+    for (IVDBNet *net : bus.getNets()) {
+        if (matches(net->getName()) && (!m_declaredOnly || net->isUserDeclared())) {
+            OtherNameHit hit;
+            hit.item = net;
+            hits.push_back(std::move(hit));
+        }
+    }
 }
 
 bool OtherNameHits::covers(IVDBNetBase &item)

@@ -7,6 +7,7 @@
 namespace kvr::netlistdb {
 class IVDBInstance;
 class IVDBNetBase;
+class IVDBNetBus;
 } // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::tool {
@@ -32,14 +33,17 @@ class OtherNameHits {
     {
     }
 
-    /// Looks through the names in @p instance; @p prefix precedes them.
+    /// Looks through the other names in @p instance; @p prefix precedes them.
     void enter(IVDBInstance &instance, const std::string &prefix);
-    /// Hands out the hits in the instance, once.
+    /// Hands out some hits in the instance, or none as yet: bits of buses are looked at by and by.
     std::vector<OtherNameHit> take();
+    /// True when take() has handed out all.
+    bool isTaken() const { return m_buses == nullptr && m_hits.empty(); }
     /// True when @p item, of the same instance, belongs to a vector that is a hit as a whole.
     bool covers(IVDBNetBase &item);
 
   private:
+    void findBits(IVDBNetBus &bus, std::vector<OtherNameHit> &hits);
     bool isFoundAsNamed(const OtherSignal &other);
     void addVector(const OtherSignal &vector);
     void addItem(IVDBNetBase &item, const std::string &name);
@@ -51,6 +55,8 @@ class OtherNameHits {
     ModuleNames *m_names = nullptr;
     std::string m_prefix;
     std::string m_fullName;
+    const std::vector<IVDBNetBus *> *m_buses = nullptr; ///< whose bits are still to be looked at; null: none
+    std::size_t m_nextBus = 0;
     std::vector<OtherNameHit> m_hits;
     std::unordered_set<const OtherSignal *> m_vectors;
     std::unordered_set<const IVDBNetBase *> m_items;

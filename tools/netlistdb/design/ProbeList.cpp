@@ -175,4 +175,13 @@ std::vector<Probe> probesOf(Design &design, IVDBNetlist &module)
     return Lister(design.names(module)).list(module);
 }
 
+const std::vector<Probe> &ProbeLists::of(IVDBNetlist &module)
+{
+    const auto [probes, isNew] = m_probes.try_emplace(&module);
+    if (isNew && !m_design.isBlackBox(module)) {
+        probes->second = probesOf(m_design, module);
+    }
+    return probes->second;
+}
+
 } // namespace kvr::netlistdb::tool

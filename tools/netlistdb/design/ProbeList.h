@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace kvr::netlistdb {
@@ -32,5 +33,19 @@ struct Probe {
 /// The probes of @p module: buses, then vectors of which some bits have other names, then nets, in the order of the
 /// netlist. Every net is in one of them, and so is what the user declared and tied to constants.
 std::vector<Probe> probesOf(Design &design, IVDBNetlist &module);
+
+/// The probes of the modules of a design, found when they are first asked for, once.
+class ProbeLists {
+  public:
+    /// @p design must outlive the object.
+    explicit ProbeLists(Design &design) : m_design(design) {}
+    Design &design() const { return m_design; }
+    /// Those of @p module; none of a black box. Stays where it is.
+    const std::vector<Probe> &of(IVDBNetlist &module);
+
+  private:
+    Design &m_design;
+    std::unordered_map<const IVDBNetlist *, std::vector<Probe>> m_probes;
+};
 
 } // namespace kvr::netlistdb::tool

@@ -6,7 +6,6 @@
 #include "design/Verdicts.h"
 
 #include <netlistdb/analysis/ProbeReport.h>
-#include <unordered_map>
 #include <vector>
 
 namespace kvr::netlistdb {
@@ -15,8 +14,6 @@ class IVDBNetlist;
 } // namespace kvr::netlistdb
 
 namespace kvr::netlistdb::tool {
-
-class Design;
 
 /// Which nets and buses a report about probing shows.
 struct ProbeChoice {
@@ -28,16 +25,16 @@ struct ProbeChoice {
 /// A net or bus in its place, with what there is to say about probing it.
 struct ReportedProbe {
     IVDBInstance *instance = nullptr;
-    const Probe *probe = nullptr; ///< owned by the walk
+    const Probe *probe = nullptr; ///< owned by the lists
     analysis::SignalReport report;
 };
 
 /// The nets and buses in an instance and below it, level by level, as a search goes.
 class ProbeWalk {
   public:
-    /// @p design and @p report, which is about it, must outlive the object.
-    ProbeWalk(Design &design, const analysis::ProbeReport &report, IVDBInstance &start, const ProbeChoice &choice)
-        : m_design(design), m_report(report), m_choice(choice), m_walk(start)
+    /// @p lists and @p report, which is about their design, must outlive the object.
+    ProbeWalk(ProbeLists &lists, const analysis::ProbeReport &report, IVDBInstance &start, const ProbeChoice &choice)
+        : m_lists(lists), m_report(report), m_choice(choice), m_walk(start)
     {
     }
 
@@ -49,16 +46,15 @@ class ProbeWalk {
     analysis::SignalReport reportOf(const IVDBInstance &instance, const Probe &probe) const;
 
   private:
-    const std::vector<Probe> &probesOf(IVDBNetlist &module);
+    bool isChosen(const Probe &probe) const;
 
-    Design &m_design;
+    ProbeLists &m_lists;
     const analysis::ProbeReport &m_report;
     ProbeChoice m_choice;
     LevelWalk m_walk;
     IVDBInstance *m_instance = nullptr;
     const std::vector<Probe> *m_probes = nullptr; ///< of m_instance
     std::size_t m_next = 0;
-    std::unordered_map<const IVDBNetlist *, std::vector<Probe>> m_probesOf;
 };
 
 } // namespace kvr::netlistdb::tool

@@ -1,7 +1,7 @@
 #include "page/PageClocks.h"
 
 #include "design/ClockWords.h"
-#include "design/CrossingRows.h"
+#include "design/CrossingTotals.h"
 #include "page/PageDesign.h"
 #include "page/PagePart.h"
 
@@ -39,7 +39,7 @@ Json placeOf(PageDesign &page, const std::string &file, std::uint64_t line)
     return {page.fileNumber(file), line};
 }
 
-Json rowOf(PageDesign &page, const CrossingRow &row)
+Json rowOf(PageDesign &page, const CrossingRows &rows, const CrossingRow &row)
 {
     const analysis::Crossing &crossing = *row.first;
     const Pair pair = pairOf(crossing);
@@ -47,8 +47,8 @@ Json rowOf(PageDesign &page, const CrossingRow &row)
                    {"capture", pair.second},
                    {"class", nameOf(row.kind)},
                    {"severity", nameOf(severityOf(row.kind))},
-                   {"from", row.from()},
-                   {"to", row.to()},
+                   {"from", rows.from(row)},
+                   {"to", rows.to(row)},
                    {"pin", crossing.to.pin.substr(0, crossing.to.pin.find('['))},
                    {"bits", row.bits},
                    {"cells", row.cells},
@@ -87,20 +87,18 @@ Json pageClocksOf(PageDesign &page)
 Json writeCrossings(PageDesign &page, PagePart &part)
 {
     const analysis::Crossings crossings(page.clocks());
-    CrossingRows rows(false);
+    const CrossingRules noRules;
+    const CrossingRows rows(crossings.all(), page.clocks(), noRules, {});
     std::map<Pair, PairCounts> pairs;
-    for (const analysis::Crossing &crossing : crossings.all()) {
-        rows.add(crossing, crossing.kind, nullptr);
-        pairs[pairOf(crossing)].crossings.add(crossing, false);
-    }
     Json list = Json::array();
-    for (const CrossingRow &row : rows.rows()) {
+    for (const CrossingRow &row : rows.all()) {
         PairCounts &counts = pairs[pairOf(*row.first)];
+        counts.crossings.add(row);
         ++counts.rows;
         std::size_t &listed = counts.listed[static_cast<std::size_t>(severityOf(row.kind))];
         if (listed < MOST_ROWS_ALIKE && list.size() < MOST_ROWS) {
             ++listed;
-            list.push_back(rowOf(page, row));
+            list.push_back(rowOf(page, rows, row));
         }
     }
     part.write(jsonText(list));
@@ -109,7 +107,7 @@ Json writeCrossings(PageDesign &page, PagePart &part)
         const CrossingCounts &each = counts.crossings;
         counted.push_back({pair.first, pair.second, each.safe, each.warning, each.unsafe, counts.rows});
     }
-    return {{"all", rows.rows().size()}, {"listed", list.size()}, {"pairs", std::move(counted)}};
+    return {{"all", rows.all().size()}, {"listed", list.size()}, {"pairs", std::move(counted)}};
 }
 
 } // namespace kvr::netlistdb::tool

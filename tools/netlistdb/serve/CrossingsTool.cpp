@@ -115,14 +115,14 @@ class CrossingsTool : public Tool {
         const CrossingChoice choice = choiceOf(call.arguments);
         checkClockName(choice.from, clocks);
         checkClockName(choice.to, clocks);
-        const analysis::Crossings &crossings = form.crossings(&call.call);
+        const CrossingRows &rows = form.crossings(choice.rows(), &call.call);
         Question question;
         question.head = headOf("crossings", call, form);
         const bool isSummary = call.arguments.flag("summary");
-        question.find = [&form, &crossings, &clocks, choice, isSummary]() -> std::unique_ptr<RowSource> {
-            auto list = std::make_unique<CrossingList>(crossings, clocks, form.rules(), choice);
+        question.find = [&rows, &clocks, choice, isSummary]() -> std::unique_ptr<RowSource> {
+            auto list = std::make_unique<CrossingList>(rows, clocks, choice);
             if (isSummary) {
-                return std::make_unique<SummaryRows>(list->summary());
+                return std::make_unique<SummaryRows>(list->totals().summary(clocks));
             }
             return list;
         };

@@ -18,7 +18,7 @@ class ListRows : public RowSource {
   public:
     ListRows(ServedDesign &served, Call &call, IVDBInstance &start, const ProbeChoice &choice)
         : m_design(served.probed().design()), m_hasDevice(served.hasBothForms()),
-          m_walk(m_design, served.report(&call), start, choice)
+          m_walk(served.probed().probes(), served.report(&call), start, choice)
     {
     }
     std::vector<Column> columns() const override { return ProbeRows::columns(m_hasDevice); }
@@ -156,7 +156,7 @@ class ProbesTool : public Tool {
     static Json groupsBelow(const ToolCall &call, ServedForm &form, IVDBInstance &start, const ProbeChoice &choice)
     {
         analysis::ProbeGroups groups;
-        ProbeWalk walk(form.design(), call.design.report(&call.call), start, choice);
+        ProbeWalk walk(form.probes(), call.design.report(&call.call), start, choice);
         ReportedProbe found;
         std::uint64_t number = 0;
         for (ProbeWalk::Step step = walk.step(found); step != ProbeWalk::Step::End; step = walk.step(found)) {

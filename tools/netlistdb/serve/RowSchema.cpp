@@ -19,7 +19,8 @@ enum class Kind {
     Flag,
     Texts,
     Object,
-    ObjectOrNull
+    ObjectOrNull,
+    Objects
 };
 
 Json schemaOf(Kind kind)
@@ -45,6 +46,8 @@ Json schemaOf(Kind kind)
         return {{"type", "array"}, {"items", {{"type", "string"}}}};
     case Kind::ObjectOrNull:
         return {{"type", {"object", "null"}}};
+    case Kind::Objects:
+        return {{"type", "array"}, {"items", {{"type", "object"}}}};
     case Kind::Object:
         break;
     }
@@ -71,6 +74,7 @@ const std::map<std::string_view, Kind> &kinds()
         {"control", Kind::TextOrNull},
         {"definitions", Kind::Number},
         {"depth", Kind::Number},
+        {"drivers", Kind::Objects},
         {"edge", Kind::TextOrNull},
         {"edges", Kind::TextOrNull},
         {"effect", Kind::Text},
@@ -90,6 +94,8 @@ const std::map<std::string_view, Kind> &kinds()
         {"launch", Kind::TextOrNull},
         {"library", Kind::Text},
         {"line", Kind::NumberOrNull},
+        {"load_count", Kind::NumberOrNull},
+        {"loads", Kind::Objects},
         {"logic", Kind::Flag},
         {"match", Kind::TextOrNull},
         {"matched", Kind::TextOrNull},

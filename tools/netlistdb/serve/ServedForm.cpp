@@ -18,7 +18,7 @@ void begin(Call *call, const char *what)
 } // namespace
 
 ServedForm::ServedForm(std::unique_ptr<Design> design, const std::string &rules, const Interrupt &interrupt)
-    : m_design(std::move(design)), m_paths(*m_design, Asker::Tool),
+    : m_design(std::move(design)), m_paths(*m_design, Asker::Tool), m_probes(*m_design),
       m_rules(rules.empty() ? CrossingRules() : CrossingRules(rules)), m_interrupt(interrupt)
 {
 }
@@ -52,14 +52,19 @@ const analysis::NetCounts &ServedForm::counts(Call *call)
     return *m_counts;
 }
 
-const analysis::Crossings &ServedForm::crossings(Call *call)
+const CrossingRows &ServedForm::crossings(CrossingRows::Options options, Call *call)
 {
+    const analysis::ClockMap &map = clocks(call);
     if (m_crossings == nullptr) {
-        const analysis::ClockMap &map = clocks(call);
         begin(call, "finding crossings");
         m_crossings = std::make_unique<const analysis::Crossings>(map, m_rules.groups(map));
     }
-    return *m_crossings;
+    std::unique_ptr<const CrossingRows> &rows = m_crossingRows[(options.allClasses ? 2 : 0) + (options.bits ? 1 : 0)];
+    if (rows == nullptr) {
+        begin(call, "putting crossings together");
+        rows = std::make_unique<const CrossingRows>(m_crossings->all(), map, m_rules, options);
+    }
+    return *rows;
 }
 
 } // namespace kvr::netlistdb::tool

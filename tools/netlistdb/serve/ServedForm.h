@@ -1,10 +1,12 @@
 #pragma once
 
 #include "design/Census.h"
-#include "design/CrossingRules.h"
+#include "design/CrossingRows.h"
 #include "design/Design.h"
 #include "design/PathResolver.h"
+#include "design/ProbeList.h"
 
+#include <array>
 #include <memory>
 #include <netlistdb/analysis/Crossings.h>
 #include <optional>
@@ -23,22 +25,24 @@ class ServedForm {
 
     Design &design() { return *m_design; }
     PathResolver &paths() { return m_paths; }
+    ProbeLists &probes() { return m_probes; }
     // A null call is that of nobody: of what is made beforehand.
     const analysis::ClockMap &clocks(Call *call);
     const Census &census(Call *call);
     const analysis::NetCounts &counts(Call *call);
-    const analysis::Crossings &crossings(Call *call);
-    CrossingRules &rules() { return m_rules; }
+    const CrossingRows &crossings(CrossingRows::Options options, Call *call);
 
   private:
     std::unique_ptr<Design> m_design;
     PathResolver m_paths;
+    ProbeLists m_probes;
     CrossingRules m_rules;
     const Interrupt &m_interrupt;
     bool m_hasClocks = false;
     std::optional<Census> m_census;
     std::optional<analysis::NetCounts> m_counts;
     std::unique_ptr<const analysis::Crossings> m_crossings;
+    std::array<std::unique_ptr<const CrossingRows>, 4> m_crossingRows; ///< by options
 };
 
 } // namespace kvr::netlistdb::tool

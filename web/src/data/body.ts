@@ -16,7 +16,7 @@ export class Body {
     readonly number: number,
   ) {
     const { at, bytes } = design.module(number);
-    this.columns = jsonOf<ModuleBody>(design.moduleBytes.subarray(at, at + bytes));
+    this.columns = jsonOf<ModuleBody>(design.moduleBytes!.subarray(at, at + bytes));
   }
 
   signalName(signal: number): string {

@@ -36,11 +36,14 @@ export class Design {
   private readonly firstClocks: Uint32Array[] = [];
   private readonly clockCounts: number[] = [];
   private readonly clockByNumber = new Map<number, number>();
+  /** The contents of all modules; undefined until they have been taken out of the page. */
+  moduleBytes?: Uint8Array<ArrayBuffer>;
 
   constructor(
     readonly head: Head,
-    readonly moduleBytes: Uint8Array<ArrayBuffer>,
+    moduleBytes?: Uint8Array<ArrayBuffer>,
   ) {
+    this.moduleBytes = moduleBytes;
     this.top = head.modules.length - 1;
     // A module stands behind those that it instantiates.
     for (const module of head.modules) {
@@ -62,6 +65,11 @@ export class Design {
 
   module(number: number): ModuleHead {
     return this.head.modules[number]!;
+  }
+
+  /** Whether body() may be called. */
+  get isWhole(): boolean {
+    return this.moduleBytes !== undefined;
   }
 
   body(module: number): Body {

@@ -33,7 +33,7 @@ export class SearchClient {
           this.listener.fault(data.message);
       }
     };
-    this.post({ what: "design", head: design.head, modules: design.moduleBytes });
+    this.post({ what: "design", head: design.head, modules: design.moduleBytes! });
   }
 
   search(query: Query, limit: number, listener: Listener): void {

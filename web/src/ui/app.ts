@@ -32,6 +32,10 @@ export class App {
   private details?: Promise<Details>;
   private rows?: Promise<CrossingRow[]>;
   private isFirst = true;
+  /** Whether a view waits for the contents of modules. */
+  private isWaiting = false;
+  /** When the design has the contents of its modules. */
+  readonly whole: Promise<void>;
 
   constructor(
     root: HTMLElement,
@@ -56,15 +60,26 @@ export class App {
       ),
       h("div", { class: "columns" }, h("aside", { "aria-label": "Hierarchy" }, this.tree.element), this.main),
     );
+    this.whole = this.readModules();
     window.addEventListener("hashchange", () => this.show());
     this.show();
-    // The picture comes first; then the search gets ready, which takes a copy of the data.
-    requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(() => this.search, 100)));
   }
 
-  static async start(root: HTMLElement): Promise<App> {
-    const [head, modules] = await Promise.all([takePart("head"), takePart("modules")]);
-    return new App(root, new Design(jsonOf<Head>(head), modules));
+  /** Shows what needs no contents of modules at once; ends when everything can be shown. */
+  static async start(root: HTMLElement): Promise<void> {
+    const app = new App(root, new Design(jsonOf<Head>(await takePart("head"))));
+    await app.whole;
+    if (app.isWaiting) {
+      app.show();
+    }
+    // The picture comes first; then the search gets ready, which takes a copy of the data.
+    await painted();
+    setTimeout(() => app.search, 100);
+  }
+
+  private async readModules(): Promise<void> {
+    await painted();
+    this.design.moduleBytes = await takePart("modules");
   }
 
   get search(): SearchClient {
@@ -112,6 +127,11 @@ export class App {
   }
 
   private viewOf(address: Address): HTMLElement {
+    const isTop = address.view === "instance" && address.path.length === 0;
+    this.isWaiting = !this.design.isWhole && !isTop;
+    if (this.isWaiting) {
+      return h("p", { class: "note", role: "status" }, "Reading the modules of the design…");
+    }
     switch (address.view) {
       case "instance":
       case "net":
@@ -149,6 +169,14 @@ export class App {
 /** @p word as a shell takes it for one word. */
 export function quoted(word: string): string {
   return /^[\w./+,:@%=-]+$/.test(word) ? word : `'${word.replace(/'/g, "'\\''")}'`;
+}
+
+/** When what the page holds by now can be seen. Pages that are not shown have no frames. */
+function painted(): Promise<void> {
+  return new Promise((done) => {
+    requestAnimationFrame(() => setTimeout(done));
+    setTimeout(done, 200);
+  });
 }
 
 function missing(): HTMLElement {

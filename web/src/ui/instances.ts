@@ -15,7 +15,6 @@ export function instanceCard(app: App, context: Context, path: string[]): HTMLEl
   const module = design.module(number);
   const total = totals.of(number);
   const name = path.length === 0 ? design.head.top : path[path.length - 1]!;
-  const body = design.body(number);
   return h(
     "article",
     { class: "card" },
@@ -30,10 +29,21 @@ export function instanceCard(app: App, context: Context, path: string[]): HTMLEl
     ]),
     section("Registers by clock", new Icicle(app, context, path).element),
     path.length === 0 && leftOut(app),
-    portsSection(app, context, path, body),
-    signalsSection(app, path, body),
-    cellsSection(path, body),
+    whenWhole(app, () => {
+      const body = design.body(number);
+      return [portsSection(app, context, path, body), signalsSection(app, path, body), cellsSection(path, body)];
+    }),
   );
+}
+
+/** What @p make makes, at once or when the modules of the design have been read. */
+function whenWhole(app: App, make: () => HTMLElement[]): HTMLElement[] {
+  if (app.design.isWhole) {
+    return make();
+  }
+  const waiting = h("p", { class: "note", role: "status" }, "Reading the modules of the design…");
+  void app.whole.then(() => waiting.replaceWith(...make()), () => {});
+  return [waiting];
 }
 
 function cellPlace(body: Body, cell: number): [number, number] {
