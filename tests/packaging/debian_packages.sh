@@ -14,7 +14,7 @@ for package in libglabrenimgaf0 libglabrenimgaf-dev netlistdb python3-netlistdb;
     file=$(echo "${package}_${version}"-*.deb)
     echo "$package"
     dpkg-deb -c "$file" | awk '$1 !~ /^d/ { print "    " substr($6, 2) }' |
-        sed -e "s,/usr/$libdir/,/usr/LIBDIR/," -e "s,$version,VERSION," -e 's,Targets-[a-z]*\.cmake,Targets-CONFIG.cmake,' \
+        sed -e "/\/python3\//!s,/usr/$libdir/,/usr/LIBDIR/," -e "s,$version,VERSION," -e 's,Targets-[a-z]*\.cmake,Targets-CONFIG.cmake,' \
             -e 's,\.cpython-[^/]*\.so,.so,' |
         LC_ALL=C sort
     dpkg-deb -x "$file" root
