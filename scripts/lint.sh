@@ -18,6 +18,6 @@ tracked '*.h' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
 # the Python module has compiled beforehand.
 build_preset asan platform/verific/generated/saved_netlist.capnp.h \
     python/CMakeFiles/netlistdb_python.dir/cmake_pch.hxx.pch
-tracked 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'python/src/*.cpp' 'tools/*.cpp' |
+tracked 'memory/*.cpp' 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'python/src/*.cpp' 'tools/*.cpp' |
     xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/asan --quiet 2>&1 |
     { grep -vE '^[0-9]+ warnings? generated\.$' || true; }

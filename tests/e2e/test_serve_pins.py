@@ -3,6 +3,7 @@
 
 import collections
 import json
+import os
 import unittest
 
 from jsonschema import Draft202012Validator
@@ -18,7 +19,7 @@ class Unfolded:
     """The nets of a netlist in JSON, followed through the ports of all instances."""
 
     def __init__(self, file):
-        with open(file, encoding="utf-8") as stream:
+        with open(os.path.join(os.environ["REPOSITORY"], file), encoding="utf-8") as stream:
             self.modules = json.load(stream)["modules"]
         self.parents = {}
         self.names = {}

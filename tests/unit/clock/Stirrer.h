@@ -4,6 +4,10 @@
 
 #include "tests/unit/clock/ClockTest.h"
 
+#include <netlistdb/PooledItem.h>
+
+#include <DataBase.h>
+
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -12,26 +16,48 @@
 
 namespace clock_test {
 
-/// Leaves the heap with holes of all sizes in no order.
+/// Leaves the heap, and the slabs of items and of netlist objects, with holes of all sizes in no order.
 class Stirrer {
   public:
     explicit Stirrer(unsigned seed) : m_random(seed) {}
 
     void stir()
     {
-        m_blocks.resize(4000);
-        for (std::unique_ptr<char[]> &block : m_blocks) {
-            if (m_random() % 3 != 0) {
-                block = std::make_unique<char[]>(16 + m_random() % 300);
-            }
+        for (int each = 0; each < 4000; ++each) {
+            m_heap.push_back(std::make_unique<char[]>(someSize()));
+            m_items.push_back(std::make_unique<Block<PooledItem>>(someSize()));
+            m_objects.push_back(std::make_unique<Block<Verific::DesignObj>>(someSize()));
         }
-        std::shuffle(m_blocks.begin(), m_blocks.end(), m_random);
-        m_blocks.resize(2000);
+        halve(m_heap);
+        halve(m_items);
+        halve(m_objects);
     }
 
   private:
+    /// Memory of the kind that objects of @p Class are made in.
+    template <typename Class> class Block {
+      public:
+        explicit Block(std::size_t size) : m_size(size), m_memory(Class::operator new(size)) {}
+        ~Block() { Class::operator delete(m_memory, m_size); }
+        Block(const Block &) = delete;
+        Block &operator=(const Block &) = delete;
+
+      private:
+        std::size_t m_size;
+        void *m_memory;
+    };
+
+    std::size_t someSize() { return 16 + m_random() % 300; }
+    template <typename Blocks> void halve(Blocks &blocks)
+    {
+        std::shuffle(blocks.begin(), blocks.end(), m_random);
+        blocks.resize(blocks.size() / 2);
+    }
+
     std::mt19937 m_random;
-    std::vector<std::unique_ptr<char[]>> m_blocks;
+    std::vector<std::unique_ptr<char[]>> m_heap;
+    std::vector<std::unique_ptr<Block<PooledItem>>> m_items;
+    std::vector<std::unique_ptr<Block<Verific::DesignObj>>> m_objects;
 };
 
 /// Which of two neighbouring items lies first in memory, over all of them.
