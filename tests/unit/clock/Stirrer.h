@@ -25,7 +25,7 @@ class Stirrer {
     {
         for (int each = 0; each < 4000; ++each) {
             m_heap.push_back(std::make_unique<char[]>(someSize()));
-            m_items.push_back(std::make_unique<Block<PooledItem>>(someSize()));
+            m_items.push_back(std::make_unique<Block<kvr::netlistdb::PooledItem>>(someSize()));
             m_objects.push_back(std::make_unique<Block<Verific::DesignObj>>(someSize()));
         }
         halve(m_heap);
@@ -56,7 +56,7 @@ class Stirrer {
 
     std::mt19937 m_random;
     std::vector<std::unique_ptr<char[]>> m_heap;
-    std::vector<std::unique_ptr<Block<PooledItem>>> m_items;
+    std::vector<std::unique_ptr<Block<kvr::netlistdb::PooledItem>>> m_items;
     std::vector<std::unique_ptr<Block<Verific::DesignObj>>> m_objects;
 };
 
