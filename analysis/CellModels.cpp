@@ -104,13 +104,7 @@ const Verific::Instance *CellModels::firstPartOf(const Verific::Instance &instan
 
 bool CellModels::isLeaf(const Verific::Netlist *view)
 {
-    if (view == nullptr || view->IsBlackBox() != 0 || view->IsOperator() != 0 || view->IsPrimitive() != 0 ||
-        view->IsRegister() != 0) {
-        return true;
-    }
-    const Verific::Library *const library = view->Owner() != nullptr ? view->Owner()->Owner() : nullptr;
-    const std::string_view name = library != nullptr && library->Name() != nullptr ? library->Name() : "";
-    return name == "Operators" || name == "Primitives" ||
+    return view == nullptr || view->IsBlackBox() != 0 || view->IsRegister() != 0 || isGenericCell(*view) ||
            (view->GetInsts()->Size() == 0 && view->GetNets()->Size() == 0);
 }
 

@@ -4,6 +4,7 @@
 
 #include "analysis/CellShapes.h"
 #include "analysis/PinRoles.h"
+#include "analysis/Texts.h"
 #include "analysis/WordCells.h"
 
 #include <DataBase.h>
@@ -124,9 +125,7 @@ void buildGenericCell(ModelBuilder &cell)
     default:
         break;
     }
-    const Verific::Library *const library = view.Owner() != nullptr ? view.Owner()->Owner() : nullptr;
-    const std::string_view name = library != nullptr && library->Name() != nullptr ? library->Name() : "";
-    if (view.IsOperator() != 0 || view.IsPrimitive() != 0 || name == "Operators" || name == "Primitives") {
+    if (isGenericCell(view)) {
         wholeLogic(cell);
     } else {
         cell.setKind(CellKind::BlackBox);
@@ -136,8 +135,7 @@ void buildGenericCell(ModelBuilder &cell)
 std::vector<std::string> deviceParameters(const Verific::Netlist &view)
 {
     std::vector<std::string> names = invertingParameters(view);
-    const char *const type = view.CellBaseName();
-    const std::string_view name = type != nullptr ? type : "";
+    const std::string_view name = typeOf(&view);
     const char *const kind = view.GetAttValue("NETLISTDB_CELL_KIND");
     const unsigned ports = view.GetPorts()->Size();
     if (ports == 2 && (startsWith(name, "KVR_LUT") || (kind != nullptr && std::string_view(kind) == "lut"))) {

@@ -18,4 +18,18 @@ inline std::string_view typeOf(const Verific::Netlist *view)
     return view != nullptr ? textOf(view->CellBaseName()) : std::string_view();
 }
 
+/// The name of the library that a view is in; empty outside of one.
+inline std::string_view libraryOf(const Verific::Netlist &view)
+{
+    const Verific::Library *const library = view.Owner() != nullptr ? view.Owner()->Owner() : nullptr;
+    return library != nullptr ? textOf(library->Name()) : std::string_view();
+}
+
+/// True for an operator or a primitive, told by its mark or by its library.
+inline bool isGenericCell(const Verific::Netlist &view)
+{
+    return view.IsOperator() != 0 || view.IsPrimitive() != 0 || libraryOf(view) == "Operators" ||
+           libraryOf(view) == "Primitives";
+}
+
 } // namespace kvr::netlistdb::analysis

@@ -15,7 +15,8 @@
 #define KVR_HAS_ADDRESS_SANITIZER 0
 #endif
 
-#if KVR_HAS_ADDRESS_SANITIZER || defined(__SANITIZE_THREAD__) || KVR_HAS_FEATURE(thread_sanitizer)
+#if KVR_HAS_ADDRESS_SANITIZER || defined(__SANITIZE_THREAD__) || KVR_HAS_FEATURE(thread_sanitizer) ||                  \
+    KVR_HAS_FEATURE(memory_sanitizer)
 #define KVR_HAS_SANITIZER 1
 #else
 #define KVR_HAS_SANITIZER 0
@@ -23,6 +24,7 @@
 
 namespace kvr::memory {
 
+inline constexpr bool HAS_ADDRESS_SANITIZER = KVR_HAS_ADDRESS_SANITIZER != 0;
 /// Whether a sanitizer watches over each object by itself.
 inline constexpr bool IS_SANITIZED = KVR_HAS_SANITIZER != 0;
 

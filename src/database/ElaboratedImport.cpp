@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <deque>
-#include <optional>
 #include <stdexcept>
 
 namespace kvr::netlistdb {
@@ -63,23 +62,15 @@ bool DesignDatabase::parseHier(Verific::Netlist *top, IVDBNetlist *topModule)
     VDBInstance &root = source.makeRoot(topModule);
     m_state->clocks.itemMade(&root);
     InstanceBuilder builder(m_state->clocks, source.pool, modules);
-    bool complete = true;
     std::deque<Pending> queue;
     root.reserveSubInstances(top->GetInsts()->Size());
-    Verific::MapIter instances;
-    const Verific::Instance *instance = nullptr;
-    FOREACH_INSTANCE_OF_NETLIST (top, instances, instance) {
-        const std::optional<InstanceBuilder::Child> child = builder.child(instance);
-        if (!child) {
-            complete = false;
-            break;
-        }
-        VDBInstance *const item = builder.add(root, *child);
+    bool complete = builder.forEachChild(*top, [&](const InstanceBuilder::Child &child) {
+        VDBInstance *const item = builder.add(root, child);
         // Here alone a black box is unfolded too, should it have contents.
-        if (child->hasInstances) {
-            queue.push_back({item, child->netlist});
+        if (child.hasInstances) {
+            queue.push_back({item, child.netlist});
         }
-    }
+    });
     for (; !queue.empty(); queue.pop_front()) {
         const Pending &parent = queue.front();
         const InstanceBuilder::Children &children = builder.childrenOf(*parent.netlist);

@@ -13,19 +13,24 @@
 
 namespace kvr::netlistdb {
 
-std::optional<InstanceBuilder::Child> InstanceBuilder::child(const Verific::Instance *instance) const
+bool InstanceBuilder::forEachChild(const Verific::Netlist &netlist, const std::function<void(Child &&)> &visit) const
 {
-    const auto module = m_modules.find(instance->View());
-    if (module == m_modules.end()) {
-        return std::nullopt;
+    Verific::MapIter instances;
+    const Verific::Instance *instance = nullptr;
+    FOREACH_INSTANCE_OF_NETLIST (&netlist, instances, instance) {
+        const auto module = m_modules.find(instance->View());
+        if (module == m_modules.end()) {
+            return false;
+        }
+        const Verific::Netlist *const view = module->first;
+        visit({instance,
+               view,
+               module->second,
+               {instance->Name(), verific_queries::parameterCount(*instance)},
+               view->GetInsts()->Size() != 0,
+               view->IsBlackBox() != 0});
     }
-    const Verific::Netlist *const netlist = module->first;
-    return Child{instance,
-                 netlist,
-                 module->second,
-                 {instance->Name(), verific_queries::parameterCount(*instance)},
-                 netlist->GetInsts()->Size() != 0,
-                 netlist->IsBlackBox() != 0};
+    return true;
 }
 
 const InstanceBuilder::Children &InstanceBuilder::childrenOf(const Verific::Netlist &netlist)
@@ -34,16 +39,8 @@ const InstanceBuilder::Children &InstanceBuilder::childrenOf(const Verific::Netl
     Children &children = entry->second;
     if (isNew) {
         children.all.reserve(netlist.GetInsts()->Size());
-        Verific::MapIter instances;
-        const Verific::Instance *instance = nullptr;
-        FOREACH_INSTANCE_OF_NETLIST (&netlist, instances, instance) {
-            std::optional<Child> made = child(instance);
-            if (!made) {
-                children.complete = false;
-                break;
-            }
-            children.all.push_back(std::move(*made));
-        }
+        children.complete =
+            forEachChild(netlist, [&children](Child &&child) { children.all.push_back(std::move(child)); });
     }
     return children;
 }

@@ -3,7 +3,7 @@
 #include "database/ImportSteps.h"
 #include "model/InstanceTraits.h"
 
-#include <optional>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -42,8 +42,9 @@ class InstanceBuilder {
     InstanceBuilder(const InstanceBuilder &) = delete;
     InstanceBuilder &operator=(const InstanceBuilder &) = delete;
 
-    /// Nothing when the view of @p instance is not in the hierarchy.
-    std::optional<Child> child(const Verific::Instance *instance) const;
+    /// Calls @p visit for the instances of @p netlist in their order; false when the view of one is not in the hierarchy,
+    /// which ends it there.
+    bool forEachChild(const Verific::Netlist &netlist, const std::function<void(Child &&)> &visit) const;
     /// The instances of @p netlist; they stay with this object.
     const Children &childrenOf(const Verific::Netlist &netlist);
     /// Makes the item of @p child below @p owner, which takes it, and registers it.

@@ -4,30 +4,9 @@
 
 #include <netlistdb/VDBInstance.h>
 
-#include <optional>
 #include <stdexcept>
 
 namespace kvr::netlistdb {
-
-namespace {
-
-/// Makes the instances of @p top below @p root; false when one names a view outside the hierarchy, which ends it there.
-bool addTopLevel(InstanceBuilder &builder, VDBInstance &root, const Verific::Netlist &top)
-{
-    root.reserveSubInstances(top.GetInsts()->Size());
-    Verific::MapIter instances;
-    const Verific::Instance *instance = nullptr;
-    FOREACH_INSTANCE_OF_NETLIST (&top, instances, instance) {
-        const std::optional<InstanceBuilder::Child> child = builder.child(instance);
-        if (!child) {
-            return false;
-        }
-        builder.add(root, *child);
-    }
-    return true;
-}
-
-} // namespace
 
 bool DesignDatabase::parsePostMapNetlist(Verific::Netlist *netlist)
 {
@@ -47,7 +26,9 @@ bool DesignDatabase::parsePostMapNetlist(Verific::Netlist *netlist)
         ModuleMap modules;
         buildModulesBelow(*this, top, false, modules);
         InstanceBuilder builder(m_state->clocks, source.pool, modules);
-        complete = addTopLevel(builder, root, *top);
+        root.reserveSubInstances(top->GetInsts()->Size());
+        complete = builder.forEachChild(
+            *top, [&builder, &root](const InstanceBuilder::Child &child) { builder.add(root, child); });
     }
     if (m_state->keepSourceNetlists) {
         parseClkDomainPostMap(source.workingCopy.get());

@@ -1,5 +1,7 @@
 #include "search/ExpressionStack.h"
 
+#include "memory/Sanitizers.h"
+
 #include <algorithm>
 #include <limits>
 #include <vector>
@@ -8,18 +10,12 @@ namespace kvr::netlistdb {
 
 namespace {
 
-#if defined(__has_feature)
-#define GLABRENIMGAF_HAS_FEATURE(name) __has_feature(name)
+#ifdef NDEBUG
+constexpr bool isOptimised = true;
 #else
-#define GLABRENIMGAF_HAS_FEATURE(name) 0
+constexpr bool isOptimised = false;
 #endif
-#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) &&                              \
-    !GLABRENIMGAF_HAS_FEATURE(address_sanitizer) && !GLABRENIMGAF_HAS_FEATURE(thread_sanitizer) &&                     \
-    !GLABRENIMGAF_HAS_FEATURE(memory_sanitizer)
-constexpr std::size_t perState = 512;
-#else
-constexpr std::size_t perState = 1024;
-#endif
+constexpr std::size_t perState = isOptimised && !memory::IS_SANITIZED ? 512 : 1024;
 constexpr std::size_t perLookahead = 4 * perState;
 
 // The compiler of std::regex may come from any library of the process, whatever the build of this one.

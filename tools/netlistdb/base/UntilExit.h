@@ -1,21 +1,11 @@
 #pragma once
 
+#include "memory/Sanitizers.h"
+
 #include <memory>
 #include <utility>
 
-#if defined(__has_feature)
-#define NETLISTDB_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define NETLISTDB_HAS_FEATURE(feature) 0
-#endif
-
 namespace kvr::netlistdb::tool {
-
-#if defined(__SANITIZE_ADDRESS__) || NETLISTDB_HAS_FEATURE(address_sanitizer)
-inline constexpr bool FREES_AT_EXIT = true;
-#else
-inline constexpr bool FREES_AT_EXIT = false;
-#endif
 
 /// Holds an object that is needed until the process ends, such as a design. The system takes the memory of a process
 /// back at once; deleting millions of objects before takes longer than most commands. Builds with the address sanitizer
@@ -27,7 +17,7 @@ template <class T> class UntilExit {
     explicit UntilExit(std::unique_ptr<T> object) : m_object(std::move(object)) {}
     ~UntilExit()
     {
-        if (!FREES_AT_EXIT) {
+        if (!memory::HAS_ADDRESS_SANITIZER) {
             static_cast<void>(m_object.release());
         }
     }
@@ -42,5 +32,3 @@ template <class T> class UntilExit {
 };
 
 } // namespace kvr::netlistdb::tool
-
-#undef NETLISTDB_HAS_FEATURE

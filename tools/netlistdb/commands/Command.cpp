@@ -9,6 +9,13 @@ namespace kvr::netlistdb::tool {
 
 Command::~Command() = default;
 
+void Command::checkStandardInput(const std::string &elaborated, const std::string &postMap) const
+{
+    if (elaborated == "-" && postMap == "-") {
+        throw wrongUsage(fmt::format("{}: '-' can be one of the two netlists only", name()));
+    }
+}
+
 void DesignCommand::addOptions(CLI::App &app, CommonOptions &common)
 {
     addDesignOptions(app, common);
@@ -53,6 +60,20 @@ std::vector<std::string> DesignCommand::prepare(CommonOptions &common)
         throw refused(common.verilog.fileLists.front(), "names no source");
     }
     return m_design;
+}
+
+std::vector<std::string> DesignCommand::prepareForms(CommonOptions &common, const std::string &postMap)
+{
+    std::vector<std::string> files = DesignCommand::prepare(common);
+    if (!postMap.empty()) {
+        if (common.form) {
+            throw wrongUsage(
+                fmt::format("{}: --form goes with one netlist; of two, the first is the elaborated one", name()));
+        }
+        checkStandardInput(files.front(), postMap);
+        files.push_back(postMap);
+    }
+    return files;
 }
 
 std::vector<std::unique_ptr<Command>> makeCommands()

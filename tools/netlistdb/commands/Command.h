@@ -32,6 +32,10 @@ class Command {
     virtual std::vector<std::string> prepare(CommonOptions &common) = 0;
     /// Runs the command; returns the exit code.
     virtual int run(Session &session) = 0;
+
+  protected:
+    /// @throws Failure  when two netlists are both to be read from standard input
+    void checkStandardInput(const std::string &elaborated, const std::string &postMap) const;
 };
 
 /// A command whose first argument is the design: several Verilog sources, or one file; none where a file list names the
@@ -47,6 +51,10 @@ class DesignCommand : public Command {
     /// Bounds of the number of arguments behind the design.
     virtual std::size_t leastOwnArguments() const { return 0; }
     virtual std::size_t mostOwnArguments() const { return leastOwnArguments(); }
+
+    /// The files of the design, and those of its second form @p postMap unless that is empty.
+    /// @throws Failure
+    std::vector<std::string> prepareForms(CommonOptions &common, const std::string &postMap);
 
     std::vector<std::string> m_design;
     std::vector<std::string> m_own;

@@ -56,21 +56,7 @@ class HtmlCommand : public DesignCommand {
         addReportOptions(app, common);
     }
 
-    std::vector<std::string> prepare(CommonOptions &common) override
-    {
-        std::vector<std::string> files = DesignCommand::prepare(common);
-        if (m_postMap.empty()) {
-            return files;
-        }
-        if (common.form) {
-            throw wrongUsage("html: --form goes with one netlist; of two, the first is the elaborated one");
-        }
-        if (!files.empty() && files.front() == "-" && m_postMap == "-") {
-            throw wrongUsage("html: '-' can be one of the two netlists only");
-        }
-        files.push_back(m_postMap);
-        return files;
-    }
+    std::vector<std::string> prepare(CommonOptions &common) override { return prepareForms(common, m_postMap); }
 
     int run(Session &session) override
     {

@@ -78,9 +78,7 @@ class MapCommand : public Command {
 
     std::vector<std::string> prepare(CommonOptions & /*common*/) override
     {
-        if (m_elaborated == "-" && m_postMap == "-") {
-            throw wrongUsage("map: '-' can be one of the two netlists only");
-        }
+        checkStandardInput(m_elaborated, m_postMap);
         return {m_elaborated, m_postMap};
     }
 

@@ -72,18 +72,7 @@ class ProbesCommand : public DesignCommand {
 
     std::vector<std::string> prepare(CommonOptions &common) override
     {
-        std::vector<std::string> files = DesignCommand::prepare(common);
-        if (m_own.empty()) {
-            return files;
-        }
-        if (common.form) {
-            throw wrongUsage("probes: --form goes with one netlist; of two, the first is the elaborated one");
-        }
-        if (files.front() == "-" && m_own.front() == "-") {
-            throw wrongUsage("probes: '-' can be one of the two netlists only");
-        }
-        files.push_back(m_own.front());
-        return files;
+        return prepareForms(common, m_own.empty() ? std::string() : m_own.front());
     }
 
     int run(Session &session) override

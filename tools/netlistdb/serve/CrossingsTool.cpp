@@ -1,6 +1,6 @@
 #include "design/ClockFilter.h"
 #include "design/CrossingList.h"
-#include "output/JsonRow.h"
+#include "serve/JsonRows.h"
 #include "serve/RowSchema.h"
 #include "serve/Tool.h"
 
@@ -10,36 +10,6 @@ namespace {
 
 constexpr std::initializer_list<const char *> SUMMARY_KEYS = {"launch",  "capture", "safe",
                                                               "warning", "unsafe",  "waived"};
-
-/// How many crossings there are between each two clocks.
-class SummaryRows : public RowSource {
-  public:
-    explicit SummaryRows(Json summary) : m_summary(std::move(summary)) {}
-
-    std::vector<Column> columns() const override
-    {
-        std::vector<Column> columns;
-        for (const char *key : SUMMARY_KEYS) {
-            columns.push_back({key, nullptr});
-        }
-        return columns;
-    }
-
-    bool step(ResultWriter &writer) override
-    {
-        if (m_next == m_summary.size()) {
-            return false;
-        }
-        const Json &line = m_summary[m_next++];
-        writer.row({&line.at("launch"), &line.at("capture"), &line.at("safe"), &line.at("warning"), &line.at("unsafe"),
-                    &line.at("waived")});
-        return true;
-    }
-
-  private:
-    Json m_summary;
-    std::size_t m_next = 0;
-};
 
 std::vector<std::string> classNames()
 {
@@ -122,7 +92,7 @@ class CrossingsTool : public Tool {
         question.find = [&rows, &clocks, choice, isSummary]() -> std::unique_ptr<RowSource> {
             auto list = std::make_unique<CrossingList>(rows, clocks, choice);
             if (isSummary) {
-                return std::make_unique<SummaryRows>(list->totals().summary(clocks));
+                return std::make_unique<JsonRows>(SUMMARY_KEYS, list->totals().summary(clocks));
             }
             return list;
         };

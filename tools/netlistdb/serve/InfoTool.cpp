@@ -1,5 +1,5 @@
 #include "design/InfoReport.h"
-#include "output/JsonRow.h"
+#include "serve/JsonRows.h"
 #include "serve/RowSchema.h"
 #include "serve/Tool.h"
 
@@ -12,39 +12,6 @@ namespace {
 constexpr std::initializer_list<const char *> KEYS = {"module",      "user_module", "library",      "user_declared",
                                                       "definitions", "instances",   "nets",         "buses",
                                                       "ports",       "cells",       "cells_by_type"};
-
-/// The modules of a design.
-class ModuleRows : public RowSource {
-  public:
-    explicit ModuleRows(const std::vector<ModuleCensus> &modules) : m_modules(modules) {}
-
-    std::vector<Column> columns() const override
-    {
-        std::vector<Column> columns;
-        for (const char *key : KEYS) {
-            columns.push_back({key, nullptr});
-        }
-        return columns;
-    }
-
-    bool step(ResultWriter &writer) override
-    {
-        if (m_next == m_modules.size()) {
-            return false;
-        }
-        const Json json = jsonOf(m_modules[m_next++]);
-        Row row;
-        for (const char *key : KEYS) {
-            row.emplace_back(&json.at(key));
-        }
-        writer.row(row);
-        return true;
-    }
-
-  private:
-    const std::vector<ModuleCensus> &m_modules;
-    std::size_t m_next = 0;
-};
 
 class InfoTool : public Tool {
   public:
@@ -70,7 +37,10 @@ class InfoTool : public Tool {
         question.head = headOf("info", call, form);
         question.head.update(report.overview());
         question.head["levels"] = report.levels();
-        question.find = [&census] { return std::make_unique<ModuleRows>(census.modules); };
+        question.find = [&modules = census.modules] {
+            return std::make_unique<JsonRows>(KEYS, modules.size(),
+                                              [&modules](std::size_t number) { return jsonOf(modules[number]); });
+        };
         return question;
     }
 };

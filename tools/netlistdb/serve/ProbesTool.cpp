@@ -3,6 +3,7 @@
 #include "design/ProbeRows.h"
 #include "design/ProbeWalk.h"
 #include "serve/Call.h"
+#include "serve/JsonRows.h"
 #include "serve/RowSchema.h"
 #include "serve/Tool.h"
 
@@ -12,6 +13,8 @@
 namespace kvr::netlistdb::tool {
 
 namespace {
+
+constexpr std::initializer_list<const char *> GROUP_KEYS = {"clock", "edges", "signals", "bits", "wires"};
 
 /// Nets and buses with what there is to say about probing them.
 class ListRows : public RowSource {
@@ -42,23 +45,19 @@ class ListRows : public RowSource {
     std::optional<ProbeRows> m_rows;
 };
 
-/// Rows that are written in one step, by a function.
-class WrittenRows : public RowSource {
+/// All that is against probing one net or bus.
+class ReasonRows : public RowSource {
   public:
-    WrittenRows(std::vector<Column> columns, std::function<void(ResultWriter &)> write)
-        : m_columns(std::move(columns)), m_write(std::move(write))
-    {
-    }
-    std::vector<Column> columns() const override { return m_columns; }
+    explicit ReasonRows(std::shared_ptr<const AskedProbe> asked) : m_asked(std::move(asked)) {}
+    std::vector<Column> columns() const override { return probeReasonColumns(); }
     bool step(ResultWriter &writer) override
     {
-        m_write(writer);
+        writeProbeReasons(m_asked->report, m_asked->names, writer);
         return false;
     }
 
   private:
-    std::vector<Column> m_columns;
-    std::function<void(ResultWriter &)> m_write;
+    std::shared_ptr<const AskedProbe> m_asked;
 };
 
 class ProbesTool : public Tool {
@@ -105,7 +104,7 @@ class ProbesTool : public Tool {
         question.head = headOf("probes", call, form);
         if (call.arguments.flag("groups")) {
             question.find = [call, &form, &start, choice] {
-                return std::make_unique<WrittenRows>(groupColumns(), writerOf(groupsBelow(call, form, start, choice)));
+                return std::make_unique<JsonRows>(GROUP_KEYS, groupsBelow(call, form, start, choice));
             };
         } else {
             question.find = [call, &start, choice] {
@@ -145,11 +144,7 @@ class ProbesTool : public Tool {
         question.head["verdict"] = nameOf(asked->report.verdict);
         question.head["width"] = asked->report.bits.size();
         question.head["bits"] = asked->report.probeable();
-        question.find = [asked] {
-            return std::make_unique<WrittenRows>(probeReasonColumns(), [asked](ResultWriter &writer) {
-                writeProbeReasons(asked->report, asked->names, writer);
-            });
-        };
+        question.find = [asked] { return std::make_unique<ReasonRows>(asked); };
         return question;
     }
 
@@ -167,24 +162,6 @@ class ProbesTool : public Tool {
             call.call.step(number);
         }
         return groupsOf(groups, form.design().clocks());
-    }
-
-    static std::vector<Column> groupColumns()
-    {
-        return {{"clock", nullptr}, {"edges", nullptr}, {"signals", nullptr}, {"bits", nullptr}, {"wires", nullptr}};
-    }
-
-    static std::function<void(ResultWriter &)> writerOf(Json groups)
-    {
-        return [groups = std::move(groups)](ResultWriter &writer) {
-            for (const Json &line : groups) {
-                Row row;
-                for (const Column &column : groupColumns()) {
-                    row.emplace_back(&line.at(column.key));
-                }
-                writer.row(row);
-            }
-        };
     }
 };
 
