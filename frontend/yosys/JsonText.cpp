@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string>
+#include <utility>
 
 namespace kvr::netlistdb::yosys {
 
@@ -57,6 +59,123 @@ char *TextBuffer::reuse(std::size_t size)
         m_reusedSize = size * 2;
     }
     return m_reused.get();
+}
+
+JsonText::JsonText(const JsonInput &input, const ReadFault &fault) : m_input(input), m_fault(fault)
+{
+    // Escapes are read with it, whether or not a document is open.
+    const simdjson::error_code error = m_part.allocate(simdjson::SIMDJSON_PADDING);
+    if (error != simdjson::SUCCESS) {
+        throw std::bad_alloc();
+    }
+}
+
+json::document &JsonText::open()
+{
+    return iterate(m_input.data, m_input.size);
+}
+
+void JsonText::close()
+{
+    m_document.reset();
+    m_parser = json::parser();
+}
+
+Section JsonText::section(json::value &value, const char *what)
+{
+    Section section;
+    // The text belongs to the caller, who lets it be written to.
+    section.m_begin = m_input.data + (value.raw_json_token().data() - m_input.data);
+    json::object fields = object(value, what);
+    const char *windowBegin = section.m_begin;
+    bool isFirst = true;
+    eachField(fields, [&](std::string_view raw, json::value &) {
+        if (!isFirst && static_cast<std::size_t>(raw.data() - windowBegin) > m_input.window) {
+            // Between the quote of the key and the comma before it is only white space.
+            char *border = m_input.data + (raw.data() - m_input.data) - 2;
+            while (*border != ',') {
+                --border;
+            }
+            section.m_borders.push_back(border);
+            windowBegin = border;
+        }
+        isFirst = false;
+    });
+    const std::string_view text = objectFrom(section.m_begin);
+    section.m_end = section.m_begin + text.size();
+    return section;
+}
+
+std::string_view JsonText::objectFrom(const char *begin)
+{
+    const char *next = nullptr;
+    if (m_document->current_location().get(next) != simdjson::SUCCESS) {
+        next = m_input.data + m_input.size;
+    }
+    return withoutTrailingSpace({begin, static_cast<std::size_t>(next - begin)});
+}
+
+JsonText::Window::Window(JsonText &text, const Section &section, std::size_t number)
+    : m_before(number == 0 ? nullptr : section.m_borders[number - 1]),
+      m_after(number == section.m_borders.size() ? nullptr : section.m_borders[number])
+{
+    char *const begin = m_before != nullptr ? m_before : section.m_begin;
+    const char *const end = m_after != nullptr ? m_after + 1 : section.m_end;
+    if (m_before != nullptr) {
+        *m_before = '{';
+    }
+    if (m_after != nullptr) {
+        *m_after = '}';
+    }
+    try {
+        text.iterate(begin, static_cast<std::size_t>(end - begin));
+    } catch (const simdjson::simdjson_error &) {
+        restore();
+        throw;
+    }
+}
+
+JsonText::Window::~Window()
+{
+    restore();
+}
+
+void JsonText::Window::restore()
+{
+    for (char *const border : {m_before, m_after}) {
+        if (border != nullptr) {
+            *border = ',';
+        }
+    }
+}
+
+std::string JsonText::place(const std::function<std::size_t(std::size_t line)> &missing)
+{
+    const std::string_view text(m_input.data, m_input.size);
+    const char *at = nullptr;
+    if (!m_document || m_document->current_location().get(at) != simdjson::SUCCESS || at < text.data() ||
+        at > text.data() + text.size()) {
+        return " at its end";
+    }
+    const std::string_view before = text.substr(0, static_cast<std::size_t>(at - text.data()));
+    const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
+    const std::size_t lineStart = before.rfind('\n') + 1; // npos + 1 is 0
+    const std::size_t column = before.size() - lineStart + 1 + (missing ? missing(line) : 0);
+    return " at line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+json::document &JsonText::iterate(const char *begin, std::size_t size)
+{
+    m_document.reset();
+    json::document document;
+    check(m_parser.iterate(padded(begin, size)).get(document));
+    return m_document.emplace(std::move(document));
+}
+
+simdjson::padded_string_view JsonText::padded(const char *begin, std::size_t size) const
+{
+    const std::size_t capacity = m_input.capacity - static_cast<std::size_t>(begin - m_input.data);
+    return simdjson::padded_string_view(begin, size, capacity);
 }
 
 json::object JsonText::object(json::value &value, const char *what) const
@@ -187,7 +306,7 @@ std::string_view JsonText::unescape(std::string_view raw, char *to) const
 {
     auto *end = reinterpret_cast<std::uint8_t *>(to);
     std::string_view text;
-    check(m_parser.unescape(json::raw_json_string(reinterpret_cast<const std::uint8_t *>(raw.data())), end).get(text));
+    check(m_part.unescape(json::raw_json_string(reinterpret_cast<const std::uint8_t *>(raw.data())), end).get(text));
     // The netlist database takes NUL-terminated texts: everything behind a NUL would be lost.
     if (text.find('\0') != std::string_view::npos) {
         m_fault.fail("a text holds a NUL character");

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "JsonInput.h"
 #include "ReadFault.h"
 
 #include <simdjson.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -72,11 +76,56 @@ class TextBuffer {
     std::size_t m_reusedSize = 0;
 };
 
+/// An object of a document whose fields are read later.
+class Section {
+  private:
+    friend class JsonText;
+    char *m_begin = nullptr;
+    char *m_end = nullptr;
+    std::vector<char *> m_borders; ///< commas between fields that end a window
+};
+
 /// Typed access to the values of one JSON document, with errors that say what was expected.
+///
+/// The parser needs an index of the text that is half as large. That of the whole document is held until close();
+/// sections are indexed window by window after that.
 class JsonText {
   public:
     /// Both must outlive the object.
-    JsonText(const json::parser &parser, const ReadFault &fault) : m_parser(parser), m_fault(fault) {}
+    JsonText(const JsonInput &input, const ReadFault &fault);
+
+    /// Opens the whole document.
+    json::document &open();
+    /// Ends the reading of the whole document; what was read of it, other than sections and texts, ends with it.
+    void close();
+
+    /// The section that is the object @p value of the whole document.
+    Section section(json::value &value, const char *what);
+    /// Calls @p visit(rawKey, value) for every field of @p section, in order, once the whole document is closed.
+    template <typename Visit> void eachFieldOf(const Section &section, Visit &&visit)
+    {
+        for (std::size_t number = 0; number <= section.m_borders.size(); ++number) {
+            const Window window(*this, section, number);
+            json::object object;
+            check(m_document->get_object().get(object));
+            eachField(object, visit);
+        }
+    }
+
+    /// The text of the object that has just been read to its end; it began at @p begin.
+    std::string_view objectFrom(const char *begin);
+    /// Reads the fields of @p text, which objectFrom() returned.
+    template <typename Read> void readObject(std::string_view text, Read &&read)
+    {
+        json::object object;
+        check(m_part.iterate(padded(text.data(), text.size())).get(m_partDocument));
+        check(m_partDocument.get_object().get(object));
+        read(object);
+    }
+
+    /// Where in the text the parser is: " at line 3, column 14".
+    /// @param missing  the bytes that the text lacks at the start of a line; may be empty
+    std::string place(const std::function<std::size_t(std::size_t line)> &missing);
 
     /// @p value as an object, array, or text between its quotes; @p what names it in the error.
     json::object object(json::value &value, const char *what) const;
@@ -110,12 +159,33 @@ class JsonText {
     void passOver(json::value &value, unsigned depth = 0);
 
   private:
+    /// Opens the window of a section with this number. Its borders are braces meanwhile.
+    class Window {
+      public:
+        Window(JsonText &text, const Section &section, std::size_t number);
+        ~Window();
+        Window(const Window &) = delete;
+        Window &operator=(const Window &) = delete;
+
+      private:
+        void restore();
+
+        char *m_before;
+        char *m_after;
+    };
+
+    json::document &iterate(const char *begin, std::size_t size);
+    simdjson::padded_string_view padded(const char *begin, std::size_t size) const;
     static bool isPlain(std::string_view raw) { return raw.find('\\') == std::string_view::npos; }
     std::string_view unescape(std::string_view raw, char *to) const;
     [[noreturn]] void wrongType(const char *what, const char *expected) const;
 
-    const json::parser &m_parser;
+    const JsonInput &m_input;
     const ReadFault &m_fault;
+    json::parser m_parser;
+    std::optional<json::document> m_document; ///< none when nothing is open
+    json::parser m_part;                      ///< of objects that are read once more
+    json::document m_partDocument;
     TextBuffer m_buffer;
     TextBuffer m_passed;
 };

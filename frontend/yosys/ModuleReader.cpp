@@ -29,10 +29,9 @@ void ModuleReader::read(Module &module)
     m_fault.leaveModule();
 }
 
-void ModuleReader::readMemories(json::object &memories)
+void ModuleReader::readMemories(const Section &memories)
 {
-    check(memories.reset().error());
-    eachField(memories, [&](std::string_view raw, json::value &value) {
+    m_text.eachFieldOf(memories, [&](std::string_view raw, json::value &value) {
         const std::string_view text = m_text.text(raw, m_nameBuffer);
         m_fault.enterItem("memory", text);
         json::object object = m_text.object(value, "a memory");
@@ -70,11 +69,10 @@ void ModuleReader::readMemories(json::object &memories)
     m_fault.leaveItem();
 }
 
-void ModuleReader::readCells(json::object &cells)
+void ModuleReader::readCells(const Section &cells)
 {
-    check(cells.reset().error());
     const char *end = nullptr;
-    eachField(cells, [&](std::string_view raw, json::value &value) {
+    m_text.eachFieldOf(cells, [&](std::string_view raw, json::value &value) {
         if (end == nullptr) {
             m_progress.begin(raw.data());
         }

@@ -47,9 +47,9 @@ class ModuleReader {
         Verific::Net *net;
     };
 
-    void readMemories(json::object &memories);
+    void readMemories(const Section &memories);
 
-    void readCells(json::object &cells);
+    void readCells(const Section &cells);
     void readCell(std::string_view raw, json::value &value);
     void noteUse(const CellType &type);
     Verific::Instance *addCell(std::string_view name, const CellType &type);

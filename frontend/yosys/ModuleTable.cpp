@@ -45,11 +45,11 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     const char *end = raw.data();
     bool portsRead = false;
     std::vector<std::pair<std::string, std::string>> parameters;
-    const auto once = [&](std::optional<json::object> &part, json::value &field, const char *what) {
+    const auto once = [&](std::optional<Section> &part, json::value &field, const char *what) {
         if (part) {
             m_fault.fail(std::string(what) + " appears in the module twice");
         }
-        part = m_text.object(field, what);
+        part = m_text.section(field, what);
     };
     eachField(object, [&](std::string_view key, json::value &field) {
         end = key.data();

@@ -21,9 +21,9 @@ struct Module {
     CellType type;
     UserModuleName userName;   ///< empty when the module has it
     std::vector<Bit> portBits; ///< the bit on each of type.pins()
-    std::optional<json::object> netNames;
-    std::optional<json::object> memories;
-    std::optional<json::object> cells;
+    std::optional<Section> netNames;
+    std::optional<Section> memories;
+    std::optional<Section> cells;
     std::size_t textSize = 0; ///< bytes of the module in the file
     bool blackBox = false;
     bool markedTop = false;

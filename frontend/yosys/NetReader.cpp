@@ -65,11 +65,10 @@ void NetReader::addPortNames()
     }
 }
 
-void NetReader::readNetNames(json::object &netNames)
+void NetReader::readNetNames(const Section &netNames)
 {
-    check(netNames.reset().error());
     const char *end = nullptr;
-    eachField(netNames, [&](std::string_view raw, json::value &value) {
+    m_text.eachFieldOf(netNames, [&](std::string_view raw, json::value &value) {
         if (end == nullptr) {
             m_progress.begin(raw.data());
         }
@@ -112,11 +111,12 @@ void NetReader::readNetName(std::string_view raw, json::value &value)
             bitsRead = true;
             eachElement(bits, [&](json::value &bit) { m_names.addBit(readBit(bit, m_fault)); });
         } else if (key == "attributes") {
+            const char *const begin = field.raw_json_token().data();
             json::object attributes = m_text.object(field, "\"attributes\"");
             summary = m_attributes.summarize(attributes);
             if (summary.any) {
                 attributeNumber = static_cast<std::uint32_t>(m_netAttributes.size());
-                m_netAttributes.push_back(attributes);
+                m_netAttributes.push_back(m_text.objectFrom(begin));
             }
         } else if (key == "hide_name") {
             hidden = m_text.flag(field, "\"hide_name\"");
@@ -206,13 +206,12 @@ void NetReader::dress(const NetNames::Name &name, Verific::DesignObj &object)
 {
     setPosition(object, name.position);
     if (name.more) {
-        json::object &attributes = m_netAttributes[name.attributes];
-        check(attributes.reset().error());
+        const Source source = !!name.position                        ? Source::OfNet
+                              : name.rank == NetNames::Rank::Derived ? Source::Noted
+                                                                     : Source::Dropped;
         m_fault.enterItem("net", name.text);
-        m_attributes.apply(attributes, object,
-                           !!name.position                        ? Source::OfNet
-                           : name.rank == NetNames::Rank::Derived ? Source::Noted
-                                                                  : Source::Dropped);
+        m_text.readObject(m_netAttributes[name.attributes],
+                          [&](json::object &attributes) { m_attributes.apply(attributes, object, source); });
         m_fault.leaveItem();
     }
     setDeclared(object, name.declared);
@@ -243,9 +242,8 @@ void NetReader::noteName(std::uint32_t number)
     std::string keepKey;
     std::string keepValue;
     if (name.attributes != NetNames::NO_ATTRIBUTES) {
-        json::object &attributes = m_netAttributes[name.attributes];
-        check(attributes.reset().error());
-        origin = m_attributes.originOf(attributes);
+        m_text.readObject(m_netAttributes[name.attributes],
+                          [&](json::object &attributes) { origin = m_attributes.originOf(attributes); });
         hdlName = names::hierarchicalName(name.text, origin.hdlName, origin.scopeName);
         keepKey = origin.keepKey;
         keepValue = origin.keepValue;

@@ -46,7 +46,7 @@ class NetReader {
 
   private:
     void addPortNames();
-    void readNetNames(json::object &netNames);
+    void readNetNames(const Section &netNames);
     void readNetName(std::string_view raw, json::value &value);
     NetNames::Rank rankOf(std::string_view name, bool hidden, bool hasPosition) const;
     void makeNets();
@@ -69,7 +69,7 @@ class NetReader {
     Module *m_module = nullptr;
     Verific::Netlist *m_netlist = nullptr;
     NetNames m_names;
-    std::vector<json::object> m_netAttributes;
+    std::vector<std::string_view> m_netAttributes;                   ///< as they are written
     std::unordered_map<std::string_view, std::uint32_t> m_portNames; ///< name of a port -> number of the name
     std::unordered_set<std::string> m_reserved;                      ///< names that look like ours
     std::array<Verific::Net *, CONSTANTS> m_constantNets{};

@@ -10,34 +10,25 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-/// Where in @p text the parser is: " at line 3, column 14".
-std::string placeOf(std::string_view text, json::document &document)
-{
-    const char *place = nullptr;
-    if (document.current_location().get(place) != simdjson::SUCCESS || place < text.data() ||
-        place > text.data() + text.size()) {
-        return " at its end";
-    }
-    const std::string_view before = text.substr(0, static_cast<std::size_t>(place - text.data()));
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const std::size_t lineStart = before.rfind('\n') + 1; // npos + 1 is 0
-    return " at line " + std::to_string(line) + ", column " + std::to_string(before.size() - lineStart + 1);
-}
-
 /// Reads one document. Keeps the texts that the ReadFault points at.
 class Reading {
   public:
-    Reading(const json::parser &parser, std::size_t size, ReadFault &fault, const ReadOptions &options)
-        : m_fault(fault), m_options(options), m_progress(options, size), m_text(parser, fault), m_attributes(m_text),
-          m_devices(options.cellTables), m_modules(m_text, fault, m_attributes, m_design, m_devices),
+    Reading(const JsonInput &text, std::uint64_t fileSize, ReadFault &fault, const ReadOptions &options)
+        : m_fault(fault), m_options(options), m_progress(options, text.size, fileSize), m_text(text, fault),
+          m_attributes(m_text), m_devices(options.cellTables),
+          m_modules(m_text, fault, m_attributes, m_design, m_devices),
           m_others(m_text, fault, m_attributes, m_design, m_devices), m_parts(m_design),
           m_reader(m_text, fault, m_attributes, m_modules, m_others, m_parts, m_progress)
     {
     }
 
+    /// @throws simdjson::simdjson_error  when this is not JSON at all
+    json::document &open() { return m_text.open(); }
+
     Verific::Netlist *read(json::document &document)
     {
         findModules(document);
+        m_text.close();
         for (Module &module : m_modules.modules()) {
             if (module.blackBox) {
                 m_reader.addDeviceCell(module.type);
@@ -55,6 +46,8 @@ class Reading {
         m_design.attach();
         return top;
     }
+
+    std::string place(const TextFile &file) { return m_text.place(file.missing); }
 
   private:
     void findModules(json::document &document);
@@ -105,26 +98,33 @@ void Reading::findModules(json::document &document)
 
 } // namespace
 
-Verific::Netlist *readJsonText(simdjson::padded_string_view text, const std::string &name, const ReadOptions &options)
+Verific::Netlist *readJsonText(const JsonInput &text, const std::string &name, const ReadOptions &options)
+{
+    return readJsonText(text, {text.size, {}}, name, options);
+}
+
+Verific::Netlist *readJsonText(const JsonInput &text, const TextFile &file, const std::string &name,
+                               const ReadOptions &options)
 {
     ReadFault fault(name);
-    json::parser parser;
-    json::document document;
-    const simdjson::error_code error = parser.iterate(text).get(document);
-    if (error == simdjson::MEMALLOC) {
-        throw std::bad_alloc();
-    }
-    if (error == simdjson::EMPTY) {
-        fault.fail("the file is empty");
-    }
-    if (error != simdjson::SUCCESS) {
-        fault.fail(std::string("not valid JSON: ") + simdjson::error_message(error));
-    }
-    Reading reading(parser, text.size(), fault, options);
+    Reading reading(text, file.size, fault, options);
+    json::document *document = nullptr;
     try {
-        return reading.read(document);
+        document = &reading.open();
     } catch (const simdjson::simdjson_error &broken) {
-        fault.fail("not valid JSON" + placeOf({text.data(), text.size()}, document) + ": " + broken.what());
+        if (broken.error() == simdjson::MEMALLOC) {
+            throw std::bad_alloc();
+        }
+        fault.fail(broken.error() == simdjson::EMPTY ? "the file is empty"
+                                                     : std::string("not valid JSON: ") + broken.what());
+    }
+    try {
+        return reading.read(*document);
+    } catch (const simdjson::simdjson_error &broken) {
+        if (broken.error() == simdjson::MEMALLOC) {
+            throw std::bad_alloc();
+        }
+        fault.fail("not valid JSON" + reading.place(file) + ": " + broken.what());
     }
 }
 

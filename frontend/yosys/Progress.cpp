@@ -4,8 +4,9 @@
 
 namespace kvr::netlistdb::yosys {
 
-Progress::Progress(const ReadOptions &options, std::uint64_t total)
-    : m_options(options), m_total(total), m_step(std::max<std::uint64_t>(total / 100, 1)), m_due(m_step)
+Progress::Progress(const ReadOptions &options, std::uint64_t textSize, std::uint64_t fileSize)
+    : m_options(options), m_total(textSize), m_fileSize(fileSize), m_step(std::max<std::uint64_t>(textSize / 100, 1)),
+      m_due(m_step)
 {
     report(0);
 }
@@ -36,7 +37,8 @@ void Progress::tell(const char *place)
 
 void Progress::report(std::uint64_t done)
 {
-    if (m_options.progress && !m_options.progress(done, m_total)) {
+    const std::uint64_t inFile = m_total != 0 ? done * m_fileSize / m_total : m_fileSize;
+    if (m_options.progress && !m_options.progress(inFile, m_fileSize)) {
         throw ReadCancelled("reading was stopped");
     }
 }

@@ -10,8 +10,10 @@ namespace kvr::netlistdb::yosys {
 /// Tells the caller about every hundredth of the file, however the parts of the file are ordered, and stops on demand.
 class Progress {
   public:
-    /// @p options must outlive the object; @p total is the size of the file in bytes.
-    Progress(const ReadOptions &options, std::uint64_t total);
+    /// @p options must outlive the object.
+    /// @param textSize  bytes of the text that is read, at most 4 GiB
+    /// @param fileSize  bytes of its file, in which the progress counts, at most 4 GiB
+    Progress(const ReadOptions &options, std::uint64_t textSize, std::uint64_t fileSize);
 
     /// Starts to count a part of the file at @p place.
     void begin(const char *place);
@@ -33,6 +35,7 @@ class Progress {
 
     const ReadOptions &m_options;
     std::uint64_t m_total;
+    std::uint64_t m_fileSize;
     std::uint64_t m_step;
     std::uint64_t m_before = 0; ///< bytes of the finished parts
     std::uint64_t m_due;        ///< the next report

@@ -1,12 +1,11 @@
 #include "YosysReader.h"
 
+#include "FileText.h"
 #include "NetlistReader.h"
 #include "ReadFault.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <new>
+#include <simdjson.h>
 
 namespace kvr::netlistdb::yosys {
 
@@ -29,17 +28,9 @@ Verific::Netlist *readJson(const std::string &path, const ReadOptions &options)
     if (size > simdjson::SIMDJSON_MAXSIZE_BYTES) {
         fault.fail("the file is larger than 4 GiB");
     }
-    simdjson::padded_string text;
-    errno = 0;
-    const simdjson::error_code error = simdjson::padded_string::load(path).get(text);
-    if (error == simdjson::MEMALLOC) {
-        throw std::bad_alloc();
-    }
-    if (error != simdjson::SUCCESS) {
-        fault.fail(std::string("cannot read the file: ") +
-                   (errno != 0 ? std::strerror(errno) : simdjson::error_message(error)));
-    }
-    return readJsonText(text, path, options);
+    const FileText text(path, size, fault);
+    const TextFile file{size, [&text](std::size_t line) { return text.blanksOf(line); }};
+    return readJsonText(text.input(), file, path, options);
 }
 
 } // namespace kvr::netlistdb::yosys

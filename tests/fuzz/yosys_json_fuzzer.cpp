@@ -3,6 +3,7 @@
 
 #include <DataBase.h>
 #include <LineFile.h>
+#include <simdjson.h>
 #include <yosys/NetlistReader.h>
 
 #include <cstdint>
@@ -12,9 +13,11 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const simdjson::padded_string text(std::string_view(reinterpret_cast<const char *>(data), size));
+    simdjson::padded_string text(std::string_view(reinterpret_cast<const char *>(data), size));
+    // Windows of all lengths, so that short texts are read in several.
+    const kvr::netlistdb::yosys::JsonInput input{text.data(), size, size + simdjson::SIMDJSON_PADDING, size % 64};
     try {
-        const Verific::Netlist *top = kvr::netlistdb::yosys::readJsonText(text, "fuzz.json", {});
+        const Verific::Netlist *top = kvr::netlistdb::yosys::readJsonText(input, "fuzz.json", {});
         if (top == nullptr || top->Owner() == nullptr) {
             std::abort();
         }

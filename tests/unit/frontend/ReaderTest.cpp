@@ -6,6 +6,7 @@
 #include <yosys/NetlistReader.h>
 
 #include <algorithm>
+#include <simdjson.h>
 #include <sstream>
 
 namespace yosystest {
@@ -85,9 +86,18 @@ std::string kindOf(const Verific::Netlist &netlist)
 
 } // namespace
 
+Verific::Netlist *readInWindows(std::string_view text, std::size_t window,
+                                const kvr::netlistdb::yosys::ReadOptions &options)
+{
+    simdjson::padded_string padded(text);
+    const kvr::netlistdb::yosys::JsonInput input{padded.data(), padded.size(),
+                                                 padded.size() + simdjson::SIMDJSON_PADDING, window};
+    return kvr::netlistdb::yosys::readJsonText(input, "design.json", options);
+}
+
 Verific::Netlist *readText(std::string_view text, const kvr::netlistdb::yosys::ReadOptions &options)
 {
-    return kvr::netlistdb::yosys::readJsonText(simdjson::padded_string(text), "design.json", options);
+    return readInWindows(text, kvr::netlistdb::yosys::JsonInput().window, options);
 }
 
 Verific::Netlist *readModules(std::string_view modules, const kvr::netlistdb::yosys::ReadOptions &options)

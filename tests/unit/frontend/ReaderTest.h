@@ -15,6 +15,9 @@
 namespace yosystest {
 
 /// Reads a JSON text as the file "design.json".
+/// Reads objects of more than @p window bytes in pieces.
+Verific::Netlist *readInWindows(std::string_view text, std::size_t window,
+                                const kvr::netlistdb::yosys::ReadOptions &options = {});
 Verific::Netlist *readText(std::string_view text, const kvr::netlistdb::yosys::ReadOptions &options = {});
 /// Reads `{"modules": {@p modules}}`.
 Verific::Netlist *readModules(std::string_view modules, const kvr::netlistdb::yosys::ReadOptions &options = {});

@@ -13,6 +13,7 @@
 #include <frontend/yosys/NetlistReader.h>
 #include <frontend/yosys/UserModuleName.h>
 #include <frontend/yosys/YosysReader.h>
+#include <simdjson.h>
 #include <string_view>
 #include <sys/mman.h>
 #include <system_error>
@@ -59,17 +60,17 @@ std::string nearestModules(const std::string &name)
     return isKnown ? "" : didYouMean(nearest.best());
 }
 
-Verific::Netlist *readJson(const Input &input, const yosys::ReadOptions &options)
+Verific::Netlist *readJson(Input &input, const yosys::ReadOptions &options)
 {
     if (!input.file.empty()) {
         return yosys::readJson(input.file, options);
     }
-    const simdjson::padded_string_view text(input.text.data(), input.text.size(), input.text.capacity());
+    const yosys::JsonInput text{input.text.data(), input.text.size(), input.text.capacity()};
     return yosys::readJsonText(text, input.name, options);
 }
 
 /// Modules of @p input that are called much like @p top, as far as it can be read without a choice of the top.
-std::string hintForTop(const Input &input, yosys::ReadOptions options)
+std::string hintForTop(Input &input, yosys::ReadOptions options)
 {
     const std::string top = std::move(options.top);
     options.top.clear();
@@ -82,7 +83,7 @@ std::string hintForTop(const Input &input, yosys::ReadOptions options)
 }
 
 /// Reads JSON from the file of @p input, or from its text.
-Verific::Netlist *readJson(const Input &input, const Reading &reading)
+Verific::Netlist *readJson(Input &input, const Reading &reading)
 {
     yosys::ReadOptions options;
     options.top = reading.top;
@@ -245,7 +246,7 @@ SourceNetlist readNetlist(const std::vector<std::string> &files, const Reading &
     } else {
         source.name = inputName(files.front());
         reading.progress.begin("reading " + source.name);
-        const Input input = openInput(files.front());
+        Input input = openInput(files.front());
         source.netlist = input.isJson ? readJson(input, reading) : readSaved(input, reading.top);
     }
     source.form = reading.form.value_or(detectForm(*source.netlist));
