@@ -74,7 +74,7 @@ struct ReadOptions {
 ///   net bus are on the bus alone. A net that has other names gets the attribute of theirs that keeps flip-flops where
 ///   the designer put them (`async_reg`, `keep`, …).
 ///
-/// Reads in time proportional to the file, at most 4 GiB, which is held in memory meanwhile.
+/// Reads in time proportional to the file, at most 4 GiB, whose text is held in memory meanwhile, and no index of it.
 /// @throws ReadError when the file cannot be read or is not such a netlist, ReadCancelled when stopped,
 ///         std::bad_alloc; the global libset is then as it was before.
 Verific::Netlist *readJson(const std::string &path, const ReadOptions &options = {});

@@ -125,6 +125,15 @@ TEST_F(YosysWindows, DoNotChangeANetlist)
     }
 }
 
+TEST_F(YosysWindows, KeepBlanksInsideATextHoweverTheFileIsReadInBlocks)
+{
+    const std::string blanks(std::size_t{1} << 20, ' ');
+    const std::string text = "{\"modules\":\n  {\"top\": {\"attributes\": {\"a\": \"x" + blanks + "y\"}}}}";
+    const std::string whole = outcome(text, WHOLE);
+    EXPECT_NE(whole.find(blanks), std::string::npos);
+    EXPECT_TRUE(outcomeOfFile(text) == whole);
+}
+
 TEST_F(YosysWindows, DoNotChangeWhatIsSaidOfDamagedTexts)
 {
     std::mt19937 random(20260814);
