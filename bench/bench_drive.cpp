@@ -104,6 +104,7 @@ class Driver {
     void import(DesignDatabase &database, Shape shape)
     {
         Verific::Netlist *const netlist = restore();
+        netlist->SetDisposable(1); // as the program does: only the import needs it
         if (!bench::import(database, shape, netlist)) {
             throw std::runtime_error(argument(0) + ": the import answers false");
         }

@@ -18,13 +18,13 @@ void memoryPerLeaf(benchmark::State &state)
     std::size_t items = 0;
     for (auto _ : state) {
         Verific::Libset::Reset();
-        const std::size_t empty = heapBytes();
+        const std::size_t empty = residentBytes();
         Verific::Netlist *const netlist = restoreDesign(shape, sizeArgument(state));
-        const std::size_t restored = heapBytes();
+        const std::size_t restored = residentBytes();
         {
             DesignDatabase database(false);
             import(database, shape, netlist);
-            const std::size_t tree = heapBytes();
+            const std::size_t tree = residentBytes();
             if (const std::string fault = checkTree(database, shape, sizeArgument(state)); !fault.empty()) {
                 state.SkipWithError(fault.c_str());
             }
@@ -37,10 +37,10 @@ void memoryPerLeaf(benchmark::State &state)
             state.counters["tree_bytes_per_item"] =
                 static_cast<double>(tree - restored) / static_cast<double>(std::max<std::size_t>(items, 1));
         }
-        const std::size_t before = heapBytes();
+        const std::size_t before = residentBytes();
         DesignDatabase database(true);
         import(database, shape, netlist);
-        const std::size_t kept = heapBytes();
+        const std::size_t kept = residentBytes();
         state.counters["netlist_bytes"] = static_cast<double>(restored - empty) / leaves;
         state.counters["kept_tree_bytes"] = static_cast<double>(kept - before) / leaves;
     }

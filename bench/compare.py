@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Runs netlistdb beside yosys, OpenSTA and grep on generated designs, and writes the page of benchmarks.
 
-    bench/compare.py BUILD_DIRECTORY [--small] [--rounds N] [--data DIRECTORY] [--output FILE]
+    bench/compare.py BUILD_DIRECTORY [--small] [--rounds N] [--older BUILD_DIRECTORY] [--data DIRECTORY] [--output FILE]
 
 BUILD_DIRECTORY holds a release build with benchmarks. --small takes designs of a tenth of the size. The full size takes
-about half an hour, the first time, and needs about 15 GB of memory and 4 GB of disk.
+about an hour, the first time, and needs about 20 GB of memory and 8 GB of disk. --older names a release build of an
+older commit, with benchmarks, which this one is measured against.
 """
 
 import argparse
@@ -17,6 +18,8 @@ import sys
 import textwrap
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import against  # noqa: E402
+import alone  # noqa: E402
 import liberty  # noqa: E402
 import page  # noqa: E402
 from contest import (Contestant, clock_of_counts, clocks_counts, grep_count, info_counts,  # noqa: E402
@@ -95,8 +98,10 @@ def thousands(value):
 
 
 class Comparison:
-    def __init__(self, large, medium, rounds):
+    def __init__(self, large, medium, rounds, build, older):
         self.large = large
+        self.build = build
+        self.older = older
         self.medium = medium
         self.rounds = rounds
         self.making = []
@@ -308,6 +313,30 @@ class Comparison:
             os.rename(nets + ".part", nets)
         return nets, clocks
 
+    def each_command(self):
+        self.heading("Each command of the program")
+        self.say(f"From saved netlists of {thousands(self.large)} leaf cells, each command by itself; medians of "
+                 f"{self.rounds} runs. `serve` starts, is asked what the design holds, and ends. `map` and `plan` have "
+                 "a table of their own [below](#find-nets-of-the-rtl-in-the-device).")
+        designs = [(self.saved_file(shape, self.large), pattern)
+                   for shape, pattern in (("flat", "alu_1"), ("hierarchical", "alu_0"))]
+        rows = []
+        for what, (flat, flat_peak, hierarchical, hierarchical_peak) in alone.table(designs, self.rounds):
+            rows.append((what, page.seconds(flat), f"{flat_peak:.0f}", page.seconds(hierarchical),
+                         f"{hierarchical_peak:.0f}"))
+        self.say(page.table(("command", "flat, s", "peak, MiB", "hierarchical, s", "peak, MiB"), rows))
+
+    def against_older(self):
+        self.heading("Against an older build")
+        version = run([os.path.join(self.older, "tools", "netlistdb", "netlistdb"), "--version"]).text.strip()
+        self.say(f"This build and one of an older commit ({version}) in turns, medians of {self.rounds} rounds: "
+                 "processor seconds (`_cpu_s`) of the phases of a road through the library, elapsed seconds (`s`) of "
+                 "commands of the program.")
+        os.makedirs("older", exist_ok=True)
+        builds = {"this": self.build, "older": self.older}
+        self.say(page.table(("road", "leaves", "figure", "older", "this", "ratio"),
+                            list(against.compare(builds, self.large, self.rounds, "older"))))
+
     # ---- inside one process
 
     def google(self, program, size, repetitions):
@@ -333,7 +362,7 @@ class Comparison:
                  "no nets, so there are fewer names than in the files above. Regular "
                  "expressions are measured in processor time.")
         found = {}
-        for program in ("read_json", "restore", "import", "walk", "clocks"):
+        for program in ("read_json", "restore", "import", "walk", "clocks", "clockmap", "crossings"):
             found.update(self.google(program, self.medium, self.rounds))
         searches = {size: self.google("search", size, self.rounds) for size in (self.medium, self.large)}
         found.update(searches[self.medium])
@@ -342,7 +371,7 @@ class Comparison:
             return [f"{value(found[name, shape]):.3g}" if (name, shape) in found else "" for shape in SHAPES]
 
         def time(result):
-            return result["real_time"]
+            return result["real_time"] * {"ns": 1e-6, "us": 1e-3, "ms": 1}[result["time_unit"]]
 
         rows = [("read JSON", "readJsonBesideBarePass", time),
                 ("a bare pass over the same JSON (simdjson)", "readJsonBesideBarePass", lambda r: r["bare_pass_ms"]),
@@ -363,7 +392,12 @@ class Comparison:
                 ("clock of every net, first time",
                  "clockOfEveryNet", lambda r: r["cold_ns_per_net"] * r["nets"] / 1e6),
                 ("clock of every net, asked again",
-                 "clockOfEveryNet", lambda r: r["warm_ns_per_net"] * r["nets"] / 1e6)]
+                 "clockOfEveryNet", lambda r: r["warm_ns_per_net"] * r["nets"] / 1e6),
+                ("`ClockMap`, build", "build", time),
+                ("`ClockMap`, launching clocks of every net", "launch", time),
+                ("`ClockMap`, capturing clocks of every net", "capture", time),
+                ("`ClockMap`, count the nets of each clock", "countNets", time),
+                ("`Crossings`, of a `ClockMap`", "crossings", time)]
         self.say(page.table(("operation", *(f"{shape}, {thousands(self.medium)}" for shape in SHAPES)),
                             [(what, *cells(name, value)) for what, name, value in rows]))
         self.say("The whole walk beside a `grep` process over the same names, and beside `std::regex_search` over bare "
@@ -394,7 +428,7 @@ class Comparison:
             cells = int(made.text.split()[0])
             for what, command in (("map", ["map", *forms]), ("plan add", ["plan", "add", "maps.plan", *forms, ADDED])):
                 runs = []
-                for _ in range(self.rounds):
+                for _ in range(self.rounds if about < 1_000_000 else 1):
                     if os.path.exists("maps.plan"):
                         os.remove("maps.plan")
                     runs.append(run(["netlistdb", *command, "--output", "maps.out"]))
@@ -403,7 +437,7 @@ class Comparison:
                              f"{max(one.peak for one in runs):.0f}"))
         self.say("Copies of the designs in `designs/map` side by side, from JSON. `map` says of every net of the RTL "
                  "what it is in the device, and how sure that is; `plan add` does the same for one bus, and keeps "
-                 "it.\n")
+                 "it. A pair of a million cells is measured once.\n")
         self.say(page.table(("command", "post-map cells", "median, s", "a cell, µs", "peak, MiB"), sorted(rows)))
 
     def limits(self):
@@ -450,7 +484,10 @@ class Comparison:
                            ("item tree, bytes an item (instance, net, bus, port, …)", "tree_bytes_per_item"),
                            ("items", "items")):
             rows.append((what, *(thousands(results["memoryPerLeaf", shape][name]) for shape in SHAPES)))
-        self.say(f"Heap bytes (`bench_memory`, {thousands(self.large)} leaf cells):\n")
+        maps = self.google("clockmap", self.large, 1)
+        rows.append(("`ClockMap`, bytes a net",
+                     *(f"{maps['build', shape]['heap_bytes_per_net']:.3g}" for shape in SHAPES)))
+        self.say(f"Bytes that the process holds (`bench_memory`, {thousands(self.large)} leaf cells):\n")
         self.say(page.table(("", *SHAPES), rows))
 
     @staticmethod
@@ -472,7 +509,9 @@ class Comparison:
             json.dump({"creator": "compare", "modules": modules}, out)
         rows = []
         for command in (["netlistdb", "info", "deep.json", "--format", "json", "-o", "deep.out"],
-                        ["netlistdb", "search", "deep.json", "deepest", "--format", "csv", "-o", "deep_search.out"]):
+                        ["netlistdb", "search", "deep.json", "deepest", "--format", "csv", "-o", "deep_search.out"],
+                        ["netlistdb", "tree", "deep.json", "--format", "csv", "-o", "deep_tree.out"],
+                        ["netlistdb", "clocks", "deep.json", "--format", "csv", "-o", "deep_clocks.out"]):
             runs = [measured_run(command, "") for _ in range(self.rounds)]
             rows.append((f"`{' '.join(command[:3])}`", page.seconds(median(runs, "wall")),
                          f"{max(one.peak for one in runs):.0f}"))
@@ -488,17 +527,23 @@ class Comparison:
 
     def largest(self):
         size = self.large * 10
-        saved = self.saved_file("hierarchical", size)
-        contestant = self.info("saved netlist", saved)
-        measured, = side_by_side([contestant], self.rounds)
-        if measured.counts["cells"] != size:
-            raise SystemExit(f"{saved}: {measured.counts['cells']} cells instead of {size}")
-        rows = [(f"{shape}, saved netlist", thousands(self.large), page.seconds(found.seconds), f"{found.peak:.0f}")
-                for shape, found in self.info_of.items()]
-        rows.append(("hierarchical, saved netlist", thousands(size), page.seconds(measured.seconds),
-                     f"{measured.peak:.0f}"))
-        self.say("Largest designs measured, with `netlistdb info`:\n")
-        self.say(page.table(("design", "leaf cells", "median, s", "peak, MiB"), rows))
+        hierarchical = self.saved_file("hierarchical", size)
+        flat = f"flat_{size}.netlist"
+        self.make(flat, ["netlist_generator", "flat", str(size), "--saved", flat + ".part"], ["netlist_generator"])
+        rows = [("info", f"{shape}, saved netlist", thousands(self.large), page.seconds(found.seconds),
+                 f"{found.peak:.0f}") for shape, found in self.info_of.items()]
+        for shape, saved in (("hierarchical", hierarchical), ("flat", flat)):
+            measured, = side_by_side([self.info("saved netlist", saved)], self.rounds)
+            if measured.counts["cells"] != size:
+                raise SystemExit(f"{saved}: {measured.counts['cells']} cells instead of {size}")
+            rows.append(("info", f"{shape}, saved netlist", thousands(size), page.seconds(measured.seconds),
+                         f"{measured.peak:.0f}"))
+        for command in (["search", flat, "alu_1"], ["clocks", flat]):
+            runs = [measured_run(["netlistdb", *command, "-o", "largest.out"], "") for _ in range(min(self.rounds, 3))]
+            rows.append((command[0], "flat, saved netlist", thousands(size), page.seconds(median(runs, "wall")),
+                         f"{max(one.peak for one in runs):.0f}"))
+        self.say("Largest designs measured:\n")
+        self.say(page.table(("command", "design", "leaf cells", "median, s", "peak, MiB"), rows))
 
     # ---- all of it
 
@@ -514,8 +559,11 @@ class Comparison:
     def write(self, output):
         machine = page.machine()
         liberty.write(self.json_file("flat", 10_000), "kvr.lib")
-        for question in (self.load_and_count, self.unfold, self.find_names, self.clocks, self.inside,
-                         self.cross_probing, self.limits):
+        questions = [self.load_and_count, self.unfold, self.find_names, self.clocks, self.each_command, self.inside,
+                     self.cross_probing, self.limits]
+        if self.older:
+            questions.append(self.against_older)
+        for question in questions:
             question()
         making = "```sh\n" + "\n".join(dict.fromkeys(self.making)) + "\n```\n"
         text = INTRODUCTION.format(rounds=self.rounds, machine=machine, designs=self.designs(), making=making,
@@ -535,11 +583,13 @@ def main():
     parser.add_argument("build", help="release build directory with benchmarks")
     parser.add_argument("--small", action="store_true", help="designs of a tenth of the size")
     parser.add_argument("--rounds", type=int, default=5, help="times to run each (default: %(default)s)")
+    parser.add_argument("--older", help="release build directory of an older commit, to measure this one against")
     parser.add_argument("--data", help="directory for generated files (default: compare in the build directory)")
     parser.add_argument("--output", help="page to write (default: docs/benchmarks.md; with --small, small.md in the "
                         "directory for generated files)")
     arguments = parser.parse_args()
     build = os.path.abspath(arguments.build)
+    older = os.path.abspath(arguments.older) if arguments.older else ""
     data = os.path.abspath(arguments.data or os.path.join(build, "compare"))
     output = arguments.output or (os.path.join(data, "small.md") if arguments.small
                                   else os.path.join(repository, "docs", "benchmarks.md"))
@@ -552,7 +602,7 @@ def main():
     os.environ["NETLISTDB_BENCH_DIR"] = os.path.join(data, "bench")
     os.chdir(data)
     large, medium = (100_000, 10_000) if arguments.small else (1_000_000, 100_000)
-    Comparison(large, medium, arguments.rounds).write(output)
+    Comparison(large, medium, arguments.rounds, build, older).write(output)
     return 0
 
 

@@ -58,8 +58,23 @@ def build(folder):
         name for name in names if name not in ("derive.py", "model_clocks.py", "models.py")])
 
 
+def information():
+    """The files of the folder of metadata, but for the list of all files."""
+    wheel = f"Wheel-Version: 1.0\nGenerator: {NAME}\nRoot-Is-Purelib: false\nTag: {tag()}\n"
+    return f"{NAME}-{version()}.dist-info", {"METADATA": metadata(), "WHEEL": wheel.encode()}
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    info, files = information()
+    folder = Path(metadata_directory) / info
+    folder.mkdir()
+    for name, content in files.items():
+        (folder / name).write_bytes(content)
+    return info
+
+
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
-    info = f"{NAME}-{version()}.dist-info"
+    info, files = information()
     wheel = f"{NAME}-{version()}-{tag()}.whl"
     with tempfile.TemporaryDirectory() as folder, \
             zipfile.ZipFile(Path(wheel_directory) / wheel, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -73,8 +88,8 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
         for file in sorted(Path(folder).rglob("*")):
             if file.is_file():
                 add(file.relative_to(folder).as_posix(), file.read_bytes())
-        add(f"{info}/METADATA", metadata())
-        add(f"{info}/WHEEL", f"Wheel-Version: 1.0\nGenerator: {NAME}\nRoot-Is-Purelib: false\nTag: {tag()}\n".encode())
+        for name, content in files.items():
+            add(f"{info}/{name}", content)
         archive.writestr(f"{info}/RECORD", "\n".join([*record, f"{info}/RECORD,,", ""]))
     return wheel
 

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <ctime>
+#include <fstream>
+#include <stdexcept>
+#include <string>
 
 namespace kvr::netlistdb::bench {
 
@@ -37,6 +40,20 @@ std::size_t heapBytes()
 {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
+}
+
+std::size_t residentBytes()
+{
+    malloc_trim(0);
+    std::ifstream file("/proc/self/smaps_rollup");
+    std::string word;
+    while (file >> word) {
+        std::size_t kibibytes = 0;
+        if (word == "Anonymous:" && file >> kibibytes) {
+            return kibibytes * 1024;
+        }
+    }
+    throw std::runtime_error("/proc/self/smaps_rollup has no line 'Anonymous:'");
 }
 
 std::size_t peakBytes()

@@ -35,8 +35,11 @@ class ProcessorStopwatch {
 /// The middle value (of an even number the upper of the two); 0 of nothing.
 double median(std::vector<double> values);
 
-/// Bytes that the process has allocated from the heap and not freed.
+/// Bytes that the process has allocated with `malloc` and not freed.
 std::size_t heapBytes();
+/// Bytes of memory that the process holds, wherever they come from: resident pages that are no file's. What is free in
+/// the heap is given back to the system first.
+std::size_t residentBytes();
 /// Largest resident size of the process so far, in bytes.
 std::size_t peakBytes();
 

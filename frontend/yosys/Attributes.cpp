@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <iterator>
 
 namespace kvr::netlistdb::yosys {
@@ -109,10 +110,19 @@ void AttributeReader::applySource(Verific::DesignObj &object, Source source)
 
 void AttributeReader::applyParameters(json::object &parameters, Verific::Instance &inst)
 {
+    std::string_view written;
+    check(parameters.raw_json().get(written));
+    WrittenParameters &known = m_written[std::hash<std::string_view>()(written) % REMEMBERED];
+    if (known.inst != nullptr && known.text == written) {
+        inst.ShareParams(*known.inst);
+        return;
+    }
+    check(parameters.reset().error());
     eachField(parameters, [&](std::string_view raw, json::value &value) {
         const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "a parameter");
         addParameter(inst, m_key.of(m_text.text(raw, m_keyBuffer)), m_value.of(text));
     });
+    known = {written, &inst};
 }
 
 } // namespace kvr::netlistdb::yosys

@@ -61,7 +61,8 @@ class AttributeReader {
         applySource(object, source);
     }
 
-    /// Carries parameters over to an instance.
+    /// Carries parameters over to an instance. Instances with parameters that are written alike share them: in a netlist
+    /// of device cells, these are most.
     void applyParameters(json::object &parameters, Verific::Instance &inst);
     /// Calls @p visit(key, value) for every parameter; the texts live as long as the document.
     template <typename Visit> void eachParameter(json::object &parameters, Visit &&visit)
@@ -73,6 +74,14 @@ class AttributeReader {
     }
 
   private:
+    /// Parameters as they are written, and an instance that has them.
+    struct WrittenParameters {
+        std::string_view text;
+        const Verific::Instance *inst = nullptr;
+    };
+    /// So many texts of parameters are remembered.
+    static constexpr std::size_t REMEMBERED = 4096;
+
     bool carry(std::string_view key, std::string_view value, Verific::DesignObj &object);
     void applySource(Verific::DesignObj &object, Source source);
 
@@ -82,6 +91,7 @@ class AttributeReader {
     TextBuffer m_valueBuffer;
     CText m_key;
     CText m_value;
+    std::vector<WrittenParameters> m_written{REMEMBERED}; ///< by hash of the text; a later one replaces it
     // Of the object whose attributes are being read.
     std::string m_src;
     std::string m_hdlName;

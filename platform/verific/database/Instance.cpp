@@ -130,6 +130,12 @@ void Instance::AddParam(const char *key, const char *value)
     }
 }
 
+void Instance::ShareParams(const Instance &other)
+{
+    ParamTable::retain(other.m_params);
+    ParamTable::release(std::exchange(m_params, other.m_params));
+}
+
 bool Instance::nextPortRef(MapIter &iter, PortRef *&ref) const
 {
     // The iterator holds block and place within it; before the first step there is no block.

@@ -43,6 +43,8 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     // Embedded database only.
     /// Adds a parameter, both texts copied; an existing key takes the new value.
     void AddParam(const char *key, const char *value);
+    /// Takes the parameters of @p other instead of its own. Both hold them together until one adds another.
+    void ShareParams(const Instance &other);
 
     /// Steps FOREACH_PORTREF_OF_INST.
     bool nextPortRef(MapIter &iter, PortRef *&ref) const;

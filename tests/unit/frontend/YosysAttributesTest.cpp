@@ -86,5 +86,37 @@ TEST_F(YosysAttributes, CalledLikeParametersStayApartFromThem)
     EXPECT_EQ(linesOf(top, "u"), "u: work/sub () #INIT=0110 #NAME=x y #DEPTH=16 #EMPTY= {INIT=a}\n");
 }
 
+TEST_F(YosysAttributes, ParametersThatAreWrittenAlikeAreHeldOnceUntilTheyChange)
+{
+    Verific::Netlist *const top = readModules(R"("sub": {}, "top": {"cells": {
+        "u1": {"type": "sub", "parameters": {"INIT": "0110", "D": 1}},
+        "u2": {"type": "sub", "parameters": {"INIT": "0110", "D": 1}},
+        "u3": {"type": "sub", "parameters": {"INIT": "0110", "D": 2}},
+        "u4": {"type": "sub", "parameters": {}}}})");
+    EXPECT_EQ(top->GetInst("u1")->GetParameters(), top->GetInst("u2")->GetParameters());
+    top->GetInst("u1")->AddParam("D", "3");
+    EXPECT_EQ(linesOf(top, "u"), "u1: work/sub () #INIT=0110 #D=3\n"
+                                 "u2: work/sub () #INIT=0110 #D=1\n"
+                                 "u3: work/sub () #INIT=0110 #D=2\n"
+                                 "u4: work/sub ()\n");
+}
+
+TEST_F(YosysAttributes, EachOfManyInstancesHasItsOwnParameters)
+{
+    constexpr int COUNT = 20000; // more than the reader remembers
+    std::string cells;
+    for (int number = 0; number < COUNT; ++number) {
+        const std::string text = std::to_string(number % (COUNT / 2));
+        cells += (number == 0 ? "\"u" : ", \"u") + std::to_string(number) +
+                 R"(": {"type": "sub", "parameters": {"INIT": "i)" + text + "\"}}";
+    }
+    const Verific::Netlist *const top = readModules(R"("sub": {}, "top": {"cells": {)" + cells + "}}");
+    for (int number = 0; number < COUNT; ++number) {
+        const Verific::Instance *const inst = top->GetInst(("u" + std::to_string(number)).c_str());
+        ASSERT_STREQ(static_cast<const char *>(inst->GetParameters()->GetValue("INIT")),
+                     ("i" + std::to_string(number % (COUNT / 2))).c_str());
+    }
+}
+
 } // namespace
 } // namespace yosystest

@@ -281,6 +281,29 @@ TEST_F(InstanceTest, AParameterTakesTheNewValueInItsOldPlace)
     EXPECT_EQ(parametersOf(m_inst), "A=null B=3 C=null ");
 }
 
+TEST_F(InstanceTest, TakesTheParametersOfAnotherUntilEitherChangesOne)
+{
+    Instance *const other = addInstance(m_top, "other", m_gate);
+    other->AddParam("OLD", "1");
+    m_inst->AddParam("W", "8");
+    other->ShareParams(*m_inst);
+    EXPECT_EQ(other->GetParameters(), m_inst->GetParameters());
+    EXPECT_EQ(parametersOf(other), "W=8 ");
+    other->ShareParams(*other);
+    EXPECT_EQ(parametersOf(other), "W=8 ");
+
+    m_inst->AddParam("W", "9");
+    EXPECT_EQ(parametersOf(other), "W=8 ");
+    EXPECT_EQ(parametersOf(m_inst), "W=9 ");
+    m_inst->ShareParams(*other);
+    other->AddParam("INIT", "0");
+    EXPECT_EQ(parametersOf(m_inst), "W=8 ");
+    EXPECT_EQ(parametersOf(other), "W=8 INIT=0 ");
+
+    m_inst->ShareParams(*addInstance(m_top, "without", m_gate));
+    EXPECT_EQ(m_inst->GetParameters(), nullptr);
+}
+
 TEST_F(InstanceTest, SharesParametersWithACopyUntilOneSideChangesOne)
 {
     m_inst->AddParam("A", "1");
