@@ -22,8 +22,8 @@ echo "INPUT ( $installation/database/database-objects.a -lcapnp -lkj -lxxhash )"
 # Neither optimised nor with debug information: this build is about whether it fits together.
 cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS="-O0 -g0" \
     -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher" -DVERIFIC_ROOT="$installation" >/dev/null
-# What meets the netlist database: the imports, both traces, the reader, saved files, and the program on top.
-programs=(database_test clock_unit_test analysis_unit_test unit_frontend guide_snippets)
+# What meets the netlist database: the imports, both traces, and the program on top with its readers.
+programs=(database_test clock_unit_test guide_snippets)
 cmake --build "$build" --target netlistdb "${programs[@]}" -- --quiet
 ctest --test-dir "$build" --output-on-failure -j "$(nproc)" --no-tests=error \
     -R "^($(IFS='|'; echo "${programs[*]}")|e2e_(info|clocks|probes|save|search))$"
