@@ -329,13 +329,14 @@ class Comparison:
     def against_older(self):
         self.heading("Against an older build")
         version = run([os.path.join(self.older, "tools", "netlistdb", "netlistdb"), "--version"]).text.strip()
-        self.say(f"This build and one of an older commit ({version}) in turns, medians of {self.rounds} rounds: "
+        rounds = max(self.rounds, 5)
+        self.say(f"This build and one of an older commit ({version}) in turns, medians of {rounds} rounds: "
                  "processor seconds (`_cpu_s`) of the phases of a road through the library, elapsed seconds (`s`) of "
                  "commands of the program.")
         os.makedirs("older", exist_ok=True)
         builds = {"this": self.build, "older": self.older}
         self.say(page.table(("road", "leaves", "figure", "older", "this", "ratio"),
-                            list(against.compare(builds, self.large, self.rounds, "older"))))
+                            list(against.compare(builds, self.large, rounds, "older"))))
 
     # ---- inside one process
 
@@ -510,8 +511,7 @@ class Comparison:
         rows = []
         for command in (["netlistdb", "info", "deep.json", "--format", "json", "-o", "deep.out"],
                         ["netlistdb", "search", "deep.json", "deepest", "--format", "csv", "-o", "deep_search.out"],
-                        ["netlistdb", "tree", "deep.json", "--format", "csv", "-o", "deep_tree.out"],
-                        ["netlistdb", "clocks", "deep.json", "--format", "csv", "-o", "deep_clocks.out"]):
+                        ["netlistdb", "tree", "deep.json", "--format", "csv", "-o", "deep_tree.out"]):
             runs = [measured_run(command, "") for _ in range(self.rounds)]
             rows.append((f"`{' '.join(command[:3])}`", page.seconds(median(runs, "wall")),
                          f"{max(one.peak for one in runs):.0f}"))
