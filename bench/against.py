@@ -16,7 +16,8 @@ import tempfile
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from designs import json_file, saved_file  # noqa: E402
-from measure import alternate, median  # noqa: E402
+from contest import measured_run  # noqa: E402
+from measure import median  # noqa: E402
 
 # Road, or command of the program: what of, times the size that is asked for, and further arguments.
 ROADS = {
@@ -70,7 +71,10 @@ def compare(builds, size, rounds, data, only=tuple(ROADS)):
         shape, times, more = ROADS[road]
         files = file_for(road, builds, shape, size * times, data)
         commands = {name: command_for(road, build, files[name], more) for name, build in builds.items()}
-        runs = alternate(commands, rounds)
+        runs = {name: [] for name in commands}
+        for _ in range(rounds):
+            for name, command in commands.items():
+                runs[name].append(measured_run(command, ""))
         for figure in figures(road, runs):
             older, this = (median(runs[name], figure) for name in ("older", "this"))
             ratio = f"{this / older:.2f}" if older > 0 else "-"

@@ -3,6 +3,7 @@
 import json
 import os
 
+from contest import measured_run
 from measure import median, peak, run
 
 QUESTIONS = (
@@ -48,13 +49,7 @@ def table(designs, rounds):
         cells = []
         for name, asked in zip(what, named):
             command, questions = asked[name]
-            runs = []
-            for _ in range(rounds):
-                if questions:
-                    with open(questions, "rb") as stream:
-                        runs.append(run(command, stdin=stream))
-                else:
-                    runs.append(run(command))
+            runs = [measured_run(command, questions) for _ in range(rounds)]
             cells += [median(runs, "wall"), peak(runs)]
         yield what[0].split(" ")[0] if what[0].startswith("search") else what[0], cells
     for made in ("alone.in", "alone.out", "alone.html", "alone.netlist"):

@@ -1,7 +1,6 @@
 #include "FileText.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

@@ -85,9 +85,11 @@ std::size_t widthOf(const BusHandle &self)
     return self.bus != nullptr ? self.bus->getWidth() : self.signal->bits.size();
 }
 
+/// The name of @p self without a copy of it, where the item has one.
 template <class Handle> py::str nameTextOf(const Handle &self)
 {
-    return text(nameOf(self));
+    const IVDBNetBase *const item = itemOf(self);
+    return item != nullptr ? text(item->getName()) : text(nameOf(self));
 }
 
 /// What nets and buses have in common.

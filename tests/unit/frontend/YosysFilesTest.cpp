@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <yosys/FileText.h>
+
 namespace yosystest {
 namespace {
 
@@ -95,6 +97,25 @@ TEST_F(YosysFiles, LargerThanTheParserCanTakeAreRefused)
     const std::string huge = write("huge.json", "{");
     std::filesystem::resize_file(huge, (std::uintmax_t{1} << 32) + 1); // takes no space
     EXPECT_EQ(errorOfFile(huge), huge + ": the file is larger than 4 GiB");
+}
+
+TEST_F(YosysFiles, ThatBecomeShorterWhileTheyAreReadAreRefused)
+{
+    using kvr::netlistdb::yosys::FileText;
+    const std::string file = write("short.json", "{\n  \"modules\": {}}");
+    const kvr::netlistdb::yosys::ReadFault fault(file);
+    try {
+        const FileText text(file, std::filesystem::file_size(file) + 1, fault);
+        FAIL() << "no error";
+    } catch (const ReadError &error) {
+        EXPECT_EQ(error.what(), file + ": cannot read the file: it became shorter meanwhile");
+    }
+    const FileText text(file, std::filesystem::file_size(file), fault);
+    EXPECT_EQ(text.blanksOf(1), 0u);
+    EXPECT_EQ(text.blanksOf(2), 2u);
+    EXPECT_EQ(text.blanksOf(3), 0u);
+    std::filesystem::remove(file);
+    EXPECT_EQ(text.blanksOf(2), 0u);
 }
 
 TEST_F(YosysFiles, ReportProgressUpToTheirSize)
