@@ -17,7 +17,7 @@ import tempfile
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from designs import json_file, saved_file  # noqa: E402
 from contest import measured_run  # noqa: E402
-from measure import median  # noqa: E402
+from measure import alternate, median  # noqa: E402
 
 # Road, or command of the program: what of, times the size that is asked for, and further arguments.
 ROADS = {
@@ -49,7 +49,7 @@ def file_for(road, builds, shape, size, data):
 
 
 def command_for(road, build, file, more):
-    """The command of a road, and whether it is one of the program."""
+    """The command of a road."""
     if road.startswith("netlistdb-"):
         program = os.path.join(build, "tools", "netlistdb", "netlistdb")
         return [program, road.split("-")[1], file, *more, "--output", "/dev/null"]
@@ -71,10 +71,7 @@ def compare(builds, size, rounds, data, only=tuple(ROADS)):
         shape, times, more = ROADS[road]
         files = file_for(road, builds, shape, size * times, data)
         commands = {name: command_for(road, build, files[name], more) for name, build in builds.items()}
-        runs = {name: [] for name in commands}
-        for _ in range(rounds):
-            for name, command in commands.items():
-                runs[name].append(measured_run(command, ""))
+        runs = alternate(commands, rounds, measured_run)
         for figure in figures(road, runs):
             older, this = (median(runs[name], figure) for name in ("older", "this"))
             ratio = f"{this / older:.2f}" if older > 0 else "-"

@@ -25,11 +25,10 @@ def commands(design, pattern):
     net = run(["netlistdb", "search", design, pattern, "--kind", "net", "--limit", "1", "--paths"]).text.splitlines()[0]
     output = ["--output", "alone.out"]
     page = ["--output", "alone.html"]
-    write_questions("alone.in")
     return {
         "info": (["netlistdb", "info", design, *output], ""),
         "tree": (["netlistdb", "tree", design, *output], ""),
-        f"search {pattern}": (["netlistdb", "search", design, pattern, *output], ""),
+        "search": (["netlistdb", "search", design, pattern, *output], ""),
         "clocks": (["netlistdb", "clocks", design, *output], ""),
         "clock-of NET": (["netlistdb", "clock-of", design, net, *output], ""),
         "crossings": (["netlistdb", "crossings", design, *output], ""),
@@ -44,13 +43,13 @@ def commands(design, pattern):
 def table(designs, rounds):
     """Yields for each command its name, and median seconds and peak in MiB on each of some designs: pairs of a saved
     netlist and a part of a name."""
-    named = [commands(design, pattern) for design, pattern in designs]
-    for what in zip(*named):
+    write_questions("alone.in")
+    asked = [commands(design, pattern) for design, pattern in designs]
+    for what in asked[0]:
         cells = []
-        for name, asked in zip(what, named):
-            command, questions = asked[name]
+        for command, questions in (each[what] for each in asked):
             runs = [measured_run(command, questions) for _ in range(rounds)]
             cells += [median(runs, "wall"), peak(runs)]
-        yield what[0].split(" ")[0] if what[0].startswith("search") else what[0], cells
+        yield what, cells
     for made in ("alone.in", "alone.out", "alone.html", "alone.netlist"):
         os.remove(made)

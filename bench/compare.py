@@ -512,7 +512,7 @@ class Comparison:
         for command in (["netlistdb", "info", "deep.json", "--format", "json", "-o", "deep.out"],
                         ["netlistdb", "search", "deep.json", "deepest", "--format", "csv", "-o", "deep_search.out"],
                         ["netlistdb", "tree", "deep.json", "--format", "csv", "-o", "deep_tree.out"]):
-            runs = [measured_run(command, "") for _ in range(self.rounds)]
+            runs = [measured_run(command) for _ in range(self.rounds)]
             rows.append((f"`{' '.join(command[:3])}`", page.seconds(median(runs, "wall")),
                          f"{max(one.peak for one in runs):.0f}"))
         with open("deep.out", encoding="utf-8") as stream:
@@ -539,7 +539,7 @@ class Comparison:
             rows.append(("info", f"{shape}, saved netlist", thousands(size), page.seconds(measured.seconds),
                          f"{measured.peak:.0f}"))
         for command in (["search", flat, "alu_1"], ["clocks", flat]):
-            runs = [measured_run(["netlistdb", *command, "-o", "largest.out"], "") for _ in range(min(self.rounds, 3))]
+            runs = [measured_run(["netlistdb", *command, "-o", "largest.out"]) for _ in range(min(self.rounds, 3))]
             rows.append((command[0], "flat, saved netlist", thousands(size), page.seconds(median(runs, "wall")),
                          f"{max(one.peak for one in runs):.0f}"))
         self.say("Largest designs measured:\n")

@@ -37,7 +37,7 @@ class Disagreement(SystemExit):
     pass
 
 
-def measured_run(command, stdin):
+def measured_run(command, stdin=""):
     """Runs a command below GNU time: a process that Python starts itself seems as large as Python at least."""
     with tempfile.NamedTemporaryFile("r") as report:
         wrapped = ["time", "--quiet", "-f", "%M", "-o", report.name, *command]

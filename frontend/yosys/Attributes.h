@@ -61,8 +61,8 @@ class AttributeReader {
         applySource(object, source);
     }
 
-    /// Carries parameters over to an instance. Instances with parameters that are written alike share them: in a netlist
-    /// of device cells, these are most.
+    /// Carries parameters over to an instance. Instances with parameters that are written alike share them: in a
+    /// netlist of device cells, these are most.
     void applyParameters(json::object &parameters, Verific::Instance &inst);
     /// Calls @p visit(key, value) for every parameter; the texts live as long as the document.
     template <typename Visit> void eachParameter(json::object &parameters, Visit &&visit)

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <simdjson.h>
-#include <string_view>
-#include <unistd.h>
 
 namespace kvr::netlistdb::yosys {
 
@@ -94,54 +92,24 @@ const char *copyLine(const char *begin, const char *end, char *&to)
     return begin;
 }
 
-/// An open file.
-class Descriptor {
-  public:
-    explicit Descriptor(const std::string &path) : m_number(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-    ~Descriptor()
-    {
-        if (m_number >= 0) {
-            close(m_number);
-        }
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    bool isOpen() const { return m_number >= 0; }
-    /// As ::read(), which a signal does not end.
-    ssize_t read(char *to, std::size_t size) const
-    {
-        for (;;) {
-            const ssize_t count = ::read(m_number, to, size);
-            if (count >= 0 || errno != EINTR) {
-                return count;
-            }
-        }
-    }
-
-  private:
-    int m_number;
-};
-
 } // namespace
 
 FileText::FileText(const std::string &path, std::uint64_t size, const ReadFault &fault)
     : m_path(path), m_capacity(static_cast<std::size_t>(size) + simdjson::SIMDJSON_PADDING),
       m_data(new char[m_capacity])
 {
-    const Descriptor file(path);
     const std::unique_ptr<char[]> block(new char[BLOCK_SIZE]);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rbe"), &std::fclose);
     for (std::uint64_t left = size; left > 0;) {
-        const ssize_t count =
-            file.isOpen() ? file.read(block.get(), std::min<std::uint64_t>(left, BLOCK_SIZE)) : ssize_t{-1};
-        if (count < 0) {
-            fault.fail(std::string("cannot read the file: ") + std::strerror(errno));
-        }
-        if (count == 0) {
-            fault.fail("cannot read the file: it became shorter meanwhile");
+        const std::size_t wanted = std::min<std::uint64_t>(left, BLOCK_SIZE);
+        const std::size_t count = file ? std::fread(block.get(), 1, wanted, file.get()) : 0;
+        if (count < wanted) {
+            const bool isShorter = file && std::ferror(file.get()) == 0;
+            fault.fail(std::string("cannot read the file: ") +
+                       (isShorter ? "it became shorter meanwhile" : std::strerror(errno)));
         }
         addBlock(block.get(), block.get() + count);
-        left -= static_cast<std::uint64_t>(count);
+        left -= count;
     }
     std::memset(m_data.get() + m_size, 0, simdjson::SIMDJSON_PADDING);
 }

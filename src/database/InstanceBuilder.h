@@ -42,8 +42,8 @@ class InstanceBuilder {
     InstanceBuilder(const InstanceBuilder &) = delete;
     InstanceBuilder &operator=(const InstanceBuilder &) = delete;
 
-    /// Calls @p visit for the instances of @p netlist in their order; false when the view of one is not in the hierarchy,
-    /// which ends it there.
+    /// Calls @p visit for the instances of @p netlist in their order; false when the view of one is not in the
+    /// hierarchy, which ends it there.
     bool forEachChild(const Verific::Netlist &netlist, const std::function<void(Child &&)> &visit) const;
     /// The instances of @p netlist; they stay with this object.
     const Children &childrenOf(const Verific::Netlist &netlist);

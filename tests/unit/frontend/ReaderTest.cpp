@@ -6,8 +6,11 @@
 #include <yosys/NetlistReader.h>
 
 #include <algorithm>
+#include <fstream>
 #include <simdjson.h>
 #include <sstream>
+
+#include <unistd.h>
 
 namespace yosystest {
 
@@ -86,18 +89,12 @@ std::string kindOf(const Verific::Netlist &netlist)
 
 } // namespace
 
-Verific::Netlist *readInWindows(std::string_view text, std::size_t window,
-                                const kvr::netlistdb::yosys::ReadOptions &options)
+Verific::Netlist *readText(std::string_view text, const kvr::netlistdb::yosys::ReadOptions &options)
 {
     simdjson::padded_string padded(text);
     const kvr::netlistdb::yosys::JsonInput input{padded.data(), padded.size(),
-                                                 padded.size() + simdjson::SIMDJSON_PADDING, window};
+                                                 padded.size() + simdjson::SIMDJSON_PADDING};
     return kvr::netlistdb::yosys::readJsonText(input, "design.json", options);
-}
-
-Verific::Netlist *readText(std::string_view text, const kvr::netlistdb::yosys::ReadOptions &options)
-{
-    return readInWindows(text, kvr::netlistdb::yosys::JsonInput().window, options);
 }
 
 Verific::Netlist *readModules(std::string_view modules, const kvr::netlistdb::yosys::ReadOptions &options)
@@ -217,6 +214,19 @@ std::string dumpLibset()
         }
     }
     return dump;
+}
+
+void FilesTest::SetUp()
+{
+    std::string path = (std::filesystem::temp_directory_path() / "yosys_files_XXXXXX").string();
+    ASSERT_NE(mkdtemp(path.data()), nullptr);
+    m_directory = path;
+}
+
+std::string FilesTest::write(const char *name, const std::string &text) const
+{
+    std::ofstream(path(name), std::ios::binary) << text;
+    return path(name);
 }
 
 } // namespace yosystest

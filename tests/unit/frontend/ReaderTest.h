@@ -9,15 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace yosystest {
 
 /// Reads a JSON text as the file "design.json".
-/// Reads objects of more than @p window bytes in pieces.
-Verific::Netlist *readInWindows(std::string_view text, std::size_t window,
-                                const kvr::netlistdb::yosys::ReadOptions &options = {});
 Verific::Netlist *readText(std::string_view text, const kvr::netlistdb::yosys::ReadOptions &options = {});
 /// Reads `{"modules": {@p modules}}`.
 Verific::Netlist *readModules(std::string_view modules, const kvr::netlistdb::yosys::ReadOptions &options = {});
@@ -51,6 +49,21 @@ std::string dumpLibset();
 class ReaderTest : public testing::Test {
   private:
     testsupport::LibsetGuard m_guard;
+};
+
+/// Has a folder for files that are read.
+class FilesTest : public ReaderTest {
+  protected:
+    void SetUp() override;
+    void TearDown() override { std::filesystem::remove_all(m_directory); }
+
+    const std::filesystem::path &directory() const { return m_directory; }
+    std::string path(const char *name) const { return (m_directory / name).string(); }
+    /// Writes a file; returns its path.
+    std::string write(const char *name, const std::string &text) const;
+
+  private:
+    std::filesystem::path m_directory;
 };
 
 } // namespace yosystest

@@ -20,22 +20,8 @@ using kvr::netlistdb::yosys::ReadError;
 using kvr::netlistdb::yosys::readJson;
 using kvr::netlistdb::yosys::ReadOptions;
 
-class YosysFiles : public ReaderTest {
+class YosysFiles : public FilesTest {
   protected:
-    void SetUp() override
-    {
-        std::string path = (std::filesystem::temp_directory_path() / "yosys_files_XXXXXX").string();
-        ASSERT_NE(mkdtemp(path.data()), nullptr);
-        m_directory = path;
-    }
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    std::string path(const char *name) const { return (m_directory / name).string(); }
-    std::string write(const char *name, const std::string &text) const
-    {
-        std::ofstream(path(name), std::ios::binary) << text;
-        return path(name);
-    }
     static std::string errorOfFile(const std::string &path)
     {
         try {
@@ -76,7 +62,7 @@ TEST_F(YosysFiles, ThatCannotBeReadAreNamedWithTheReason)
 {
     EXPECT_EQ(errorOfFile(path("missing.json")),
               path("missing.json") + ": cannot read the file: No such file or directory");
-    EXPECT_EQ(errorOfFile(m_directory.string()), m_directory.string() + ": cannot read the file: it is a directory");
+    EXPECT_EQ(errorOfFile(directory().string()), directory().string() + ": cannot read the file: it is a directory");
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_EQ(errorOfFile(path("pipe")), path("pipe") + ": cannot read the file: it is no regular file");
 }

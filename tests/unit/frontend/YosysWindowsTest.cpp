@@ -7,12 +7,9 @@
 #include <yosys/NetlistReader.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
-
-#include <unistd.h>
 
 namespace yosystest {
 namespace {
@@ -48,29 +45,23 @@ std::string outcome(std::string text, std::size_t window)
     return result;
 }
 
-/// The same of a file with this text.
-std::string outcomeOfFile(const std::string &text)
-{
-    std::string directory = (std::filesystem::temp_directory_path() / "yosys_windows_XXXXXX").string();
-    if (mkdtemp(directory.data()) == nullptr) {
-        ADD_FAILURE() << "no temporary directory";
-        return {};
+class YosysWindows : public FilesTest {
+  protected:
+    /// The same as outcome(), of a file with this text.
+    std::string outcomeOfFile(const std::string &text) const
+    {
+        const std::string file = write("design.json", text);
+        std::string result;
+        try {
+            readJson(file);
+            result = dumpLibset();
+        } catch (const ReadError &error) {
+            result = std::string(error.what()).substr(directory().string().size() + 1);
+        }
+        Verific::Libset::Reset();
+        return result;
     }
-    const std::string path = directory + "/design.json";
-    std::ofstream(path, std::ios::binary) << text;
-    std::string result;
-    try {
-        readJson(path);
-        result = dumpLibset();
-    } catch (const ReadError &error) {
-        result = std::string(error.what()).substr(directory.size() + 1);
-    }
-    Verific::Libset::Reset();
-    std::filesystem::remove_all(directory);
-    return result;
-}
-
-using YosysWindows = ReaderTest;
+};
 
 /// Everything that is kept in windows: cells of a type that comes later, of a planned type and of an unknown one,
 /// names with and without attributes, escapes, memories.
