@@ -16,7 +16,7 @@ class InstanceTraits;
 struct SharedString;
 
 /// An instance of the unfolded tree.
-class NETLISTDB_EXPORT VDBInstance : public IVDBInstance, public PooledItem {
+class NETLISTDB_EXPORT VDBInstance : public PooledItem<IVDBInstance> {
   public:
     /// A root: no name, depth 0 even under an owner, no parameters. Nothing is checked; neither argument is owned, and
     /// @p owner is null for the top of a tree.

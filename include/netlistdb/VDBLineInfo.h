@@ -8,7 +8,7 @@
 namespace kvr::netlistdb {
 
 /// A place in a source file, fixed at construction.
-class NETLISTDB_EXPORT VDBLineInfo : public IVDBLineInfo, public PooledItem {
+class NETLISTDB_EXPORT VDBLineInfo : public PooledItem<IVDBLineInfo> {
   public:
     /// Copies @p filePath (an absolute path) and keeps @p lineNumber.
     VDBLineInfo(const std::string &filePath, unsigned long long lineNumber);

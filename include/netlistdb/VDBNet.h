@@ -14,7 +14,7 @@ namespace kvr::netlistdb {
 class SourcePaths;
 
 /// A net made from a net of the netlist database.
-class NETLISTDB_EXPORT VDBNet : public IVDBNet, public PooledItem {
+class NETLISTDB_EXPORT VDBNet : public PooledItem<IVDBNet> {
   public:
     /// A net without owner bus.
     /// @throws std::invalid_argument "net is nullptr"

@@ -13,7 +13,7 @@ class NetBus;
 namespace kvr::netlistdb {
 
 /// A net bus, either declared in the netlist database or made up by the import from bit nets.
-class NETLISTDB_EXPORT VDBNetBus : public IVDBNetBus, public PooledItem {
+class NETLISTDB_EXPORT VDBNetBus : public PooledItem<IVDBNetBus> {
   public:
     /// A bus with the name, bounds, position and protection of @p netBus, without members yet.
     /// @throws std::invalid_argument "netbus is nullptr"

@@ -11,7 +11,7 @@ class PortBus;
 namespace kvr::netlistdb {
 
 /// A port made from a port or port bus of the netlist database.
-class NETLISTDB_EXPORT VDBPort : public IVDBPort, public PooledItem {
+class NETLISTDB_EXPORT VDBPort : public PooledItem<IVDBPort> {
   public:
     /// A port of one bit.
     /// @throws std::invalid_argument "port is nullptr"

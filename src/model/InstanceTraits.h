@@ -8,8 +8,11 @@
 
 namespace kvr::netlistdb {
 
+/// What shared texts implement.
+struct NoInterface {};
+
 /// An immutable text with the number of those who hold it. Not safe to share between threads.
-struct SharedString : PooledItem {
+struct SharedString : PooledItem<NoInterface> {
     explicit SharedString(const char *from) : text(from) {}
 
     const std::string text;

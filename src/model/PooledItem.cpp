@@ -4,12 +4,12 @@
 
 namespace kvr::netlistdb {
 
-void *PooledItem::operator new(std::size_t size)
+void *ItemMemory::allocate(std::size_t size)
 {
     return memory::allocateObject(size);
 }
 
-void PooledItem::operator delete(void *item, std::size_t size) noexcept
+void ItemMemory::free(void *item, std::size_t size) noexcept
 {
     memory::freeObject(item, size);
 }

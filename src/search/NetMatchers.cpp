@@ -5,14 +5,14 @@
 #include "search/BoundedExpression.h"
 #include "search/FullNameExpression.h"
 #include "search/FullNameText.h"
-#include "search/KindCheck.h"
+#include "search/ItemCast.h"
 #include "search/RequiredText.h"
 #include "search/WalkCursor.h"
 
-#include <netlistdb/IVDBInstance.h>
-#include <netlistdb/IVDBNet.h>
-#include <netlistdb/IVDBNetBus.h>
 #include <netlistdb/TreeIterator.h>
+#include <netlistdb/VDBInstance.h>
+#include <netlistdb/VDBNet.h>
+#include <netlistdb/VDBNetBus.h>
 #include <netlistdb/VDBSearchParam.h>
 
 #include <locale>
@@ -57,14 +57,14 @@ template <typename Test, typename Cursor, typename... Arguments>
 bool matchFromNet(Cursor cursor, const Arguments &...arguments)
 {
     Test test(arguments...);
-    KindCheck<IVDBNetBase> asNet;
     const IVDBItem *entered = nullptr;
     Stop stop = Stop::Net;
     while (stop == Stop::Net) {
-        const IVDBNetBase &net = notNull(asNet(cursor.getCurrent()), "Unknown item iterated");
+        const IVDBNetBase &net =
+            notNull(itemCast<IVDBNetBase, VDBNet, VDBNetBus>(cursor.getCurrent()), "Unknown item iterated");
         IVDBItem *context = cursor.getContext();
         if (context == nullptr || context != entered) {
-            test.enter(notNull(dynamic_cast<IVDBInstance *>(context), "Unknown item saved in context"));
+            test.enter(notNull(itemCast<IVDBInstance, VDBInstance>(context), "Unknown item saved in context"));
             entered = context;
         }
         if (test(net.getName())) {
@@ -105,9 +105,9 @@ template <typename Cursor> bool matchAllNetAt(Cursor cursor)
     if (stop == Stop::Net) {
         IVDBItem *item = cursor.getCurrent();
         if (item->getItemType() == ITEM_NET_BUS) {
-            notNull(dynamic_cast<IVDBNetBus *>(item), "Unknown item iterated");
+            notNull(itemCast<IVDBNetBus, VDBNetBus>(item), "Unknown item iterated");
         } else {
-            notNull(dynamic_cast<IVDBNet *>(item), "Unknown item iterated");
+            notNull(itemCast<IVDBNet, VDBNet>(item), "Unknown item iterated");
         }
     }
     return stop != Stop::End;

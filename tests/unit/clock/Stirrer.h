@@ -4,7 +4,7 @@
 
 #include "tests/unit/clock/ClockTest.h"
 
-#include <netlistdb/PooledItem.h>
+#include <netlistdb/VDBNet.h>
 
 #include <DataBase.h>
 
@@ -25,7 +25,7 @@ class Stirrer {
     {
         for (int each = 0; each < 4000; ++each) {
             m_heap.push_back(std::make_unique<char[]>(someSize()));
-            m_items.push_back(std::make_unique<Block<kvr::netlistdb::PooledItem>>(someSize()));
+            m_items.push_back(std::make_unique<Block<kvr::netlistdb::VDBNet>>(someSize()));
             m_objects.push_back(std::make_unique<Block<Verific::DesignObj>>(someSize()));
         }
         halve(m_heap);
@@ -56,7 +56,7 @@ class Stirrer {
 
     std::mt19937 m_random;
     std::vector<std::unique_ptr<char[]>> m_heap;
-    std::vector<std::unique_ptr<Block<kvr::netlistdb::PooledItem>>> m_items;
+    std::vector<std::unique_ptr<Block<kvr::netlistdb::VDBNet>>> m_items;
     std::vector<std::unique_ptr<Block<Verific::DesignObj>>> m_objects;
 };
 
