@@ -84,6 +84,13 @@ std::size_t Design::clockCount()
 
 namespace {
 
+/// Whether the database keeps its working copy of the netlist. The copy of a post-map netlist is a whole design, and
+/// the netlist can be moved into it; that of an elaborated netlist is its top alone.
+bool keepsWorkingCopy(Form form, Clocks clocks)
+{
+    return clocks == Clocks::Yes || form == Form::PostMap;
+}
+
 std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_ptr<DesignDatabase> &database,
                                Clocks clocks, const Reading &reading)
 {
@@ -92,7 +99,7 @@ std::unique_ptr<Design> import(const SourceNetlist &source, const std::shared_pt
     reading.stats.begin("import");
     const std::string note = noteOnHierarchy(*source.netlist, source.form);
     auto design = std::make_unique<Design>(source.name, source.form, database, *source.netlist, clocks);
-    const bool keepsCopy = clocks == Clocks::Yes;
+    const bool keepsCopy = keepsWorkingCopy(source.form, clocks);
     source.netlist->SetDisposable(keepsCopy ? 1 : 0);
     bool whole = false;
     try {
@@ -124,7 +131,7 @@ std::unique_ptr<Design> loadDesign(const std::vector<std::string> &files, Clocks
 {
     const SourceNetlist source = readNetlist(files, reading);
     if (database == nullptr) {
-        database = std::make_shared<DesignDatabase>(clocks == Clocks::Yes);
+        database = std::make_shared<DesignDatabase>(keepsWorkingCopy(source.form, clocks));
     }
     auto design = import(source, database, clocks, reading);
     const std::string warning = design->devices().warning();

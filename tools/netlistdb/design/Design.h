@@ -31,7 +31,7 @@ enum class Clocks { No, Yes };
 class Design {
   public:
     /// Keeps @p netlist, from which @p database is to be filled, for what the database does not tell. With Clocks::Yes
-    /// the database keeps its source netlists.
+    /// the database must keep its source netlists.
     Design(std::string name, Form form, std::shared_ptr<DesignDatabase> database, const Verific::Netlist &netlist,
            Clocks clocks);
     ~Design();
