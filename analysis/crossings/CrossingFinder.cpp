@@ -16,9 +16,14 @@ CrossingFinder::CrossingFinder(const DesignModel &design, const ClockTable &tabl
 std::vector<Crossing> CrossingFinder::find()
 {
     unfold();
-    for (auto &[launch, paths] : m_paths) {
-        follow(launch, paths);
-        paths = {};
+    std::size_t most = m_found.size();
+    for (const auto &[launch, targets] : m_targets) {
+        most += targets.size();
+    }
+    m_found.reserve(most);
+    for (auto &[launch, targets] : m_targets) {
+        follow(launch, targets);
+        targets = {};
     }
     return std::move(m_found);
 }
@@ -56,23 +61,23 @@ bool CrossingFinder::isExcluded(std::uint32_t launch, std::uint32_t capture) con
 
 void CrossingFinder::addPin(std::uint32_t context, const PinOfCell &pin)
 {
-    CrossingPath path{};
-    path.pin = {context, pin.cell, pin.pin};
-    path.launched = m_design.launchOf(m_design.nodeAt(path.pin));
-    const CellModel &model = m_design.model(path.pin);
+    CrossingTarget target{};
+    target.pin = {context, pin.cell, pin.pin};
+    target.launched = m_design.launchOf(m_design.nodeAt(target.pin));
+    const CellModel &model = m_design.model(target.pin);
     const bool isUnclocked =
         isAsynchronous(model.pins[pin.pin].role) &&
-        (m_design.sets().flags(path.launched) & (REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX)) != 0;
+        (m_design.sets().flags(target.launched) & (REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX)) != 0;
     for (const std::uint32_t capture :
          capturingClocks(m_design.modules(), m_design.moduleOf(context), m_design.bindingOf(context), pin)) {
-        path.capture = capture;
-        for (const std::uint32_t launch : m_design.sets().clocks(path.launched)) {
+        target.capture = capture;
+        for (const std::uint32_t launch : m_design.sets().clocks(target.launched)) {
             if (!isExcluded(launch, capture)) {
-                m_paths[launch].push_back(path);
+                m_targets[launch].push_back(target);
             }
         }
         if (isUnclocked && m_table.idOf(capture) != NONE) {
-            m_paths[UNCLOCKED].push_back(path);
+            m_targets[UNCLOCKED].push_back(target);
         }
     }
 }
@@ -84,9 +89,10 @@ void CrossingFinder::addMemory(std::uint32_t context, std::uint32_t cell)
         if (isExcluded(clocks.write, clocks.read)) {
             continue;
         }
-        CrossingPath path{};
-        path.pin = {context, cell, NONE};
-        path.capture = clocks.read;
+        CrossingTarget target{};
+        target.pin = {context, cell, NONE};
+        target.capture = clocks.read;
+        CrossingPath path(target);
         path.source = {context, cell, clocks.output};
         path.sourceNode = m_design.nodeAt(path.source);
         path.from = m_ends.source(path.source, path.sourceNode);
@@ -97,8 +103,9 @@ void CrossingFinder::addMemory(std::uint32_t context, std::uint32_t cell)
     }
 }
 
-void CrossingFinder::follow(std::uint32_t launch, std::vector<CrossingPath> &paths)
+void CrossingFinder::follow(std::uint32_t launch, const std::vector<CrossingTarget> &targets)
 {
+    std::vector<CrossingPath> paths(targets.begin(), targets.end());
     std::vector<Node> ends;
     ends.reserve(paths.size());
     for (const CrossingPath &path : paths) {

@@ -21,21 +21,27 @@ namespace kvr::netlistdb::analysis {
 class ClockTable;
 class Controls;
 
-/// A way from registers of one clock to a pin that another one captures.
-struct CrossingPath {
-    PinPlace pin; ///< where it ends; pin NONE: a memory as a whole
+/// Where a way from one clock to another ends.
+struct CrossingTarget {
+    PinPlace pin; ///< pin NONE: a memory as a whole
     std::uint32_t capture;
     std::uint32_t launched; ///< set of all clocks that reach the pin
-    PinPlace source;        ///< output of the nearest register; cell NONE: a port of the top
-    Node sourceNode;
+};
+
+/// A way from registers of one clock to a pin that another one captures.
+struct CrossingPath : CrossingTarget {
+    explicit CrossingPath(const CrossingTarget &target) : CrossingTarget(target) {}
+
+    PinPlace source{}; ///< output of the nearest register; cell NONE: a port of the top
+    Node sourceNode = NONE;
     Cones::Reach reach;
     FlipFlopChain chain;
     Node control = NONE;
     bool isHeld = false;
     Node meets = NONE;
     std::uint32_t kinds = 0; ///< mask of CrossingClass
-    CrossingEnd from;
-    CrossingEnd to;
+    CrossingEnd from{};
+    CrossingEnd to{};
 
     void is(CrossingClass kind) { kinds |= 1U << static_cast<unsigned>(kind); }
     bool isSynchronized() const { return chain.stages.size() > 1; }
@@ -57,7 +63,7 @@ class CrossingFinder {
     void addMemory(std::uint32_t context, std::uint32_t cell);
     bool isExcluded(std::uint32_t launch, std::uint32_t capture) const;
 
-    void follow(std::uint32_t launch, std::vector<CrossingPath> &paths);
+    void follow(std::uint32_t launch, const std::vector<CrossingTarget> &targets);
     void classifyReset(std::uint32_t launch, CrossingPath &path);
     void classifyPair(std::uint32_t launch, std::uint32_t capture, const Cones &cones,
                       const std::vector<CrossingPath *> &paths);
@@ -79,7 +85,7 @@ class CrossingFinder {
     CellFunctions m_functions;
     Synchronizers m_synchronizers;
     CrossingEnds m_ends;
-    std::map<std::uint32_t, std::vector<CrossingPath>> m_paths; ///< by launch clock
+    std::map<std::uint32_t, std::vector<CrossingTarget>> m_targets; ///< by launch clock
     std::vector<Crossing> m_found;
 };
 
