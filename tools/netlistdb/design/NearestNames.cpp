@@ -19,17 +19,26 @@ char lower(char c)
 /// What an edit (insert, delete, replace, swap neighbours) costs; a mere change of case costs 1.
 constexpr std::size_t EDIT = 4;
 
-/// Cost of the edits that make @p b of @p a, at least: an edit adds one letter at most, and takes one away at most.
-std::size_t leastCost(const NearestNames::Letters &a, std::size_t size, std::string_view b)
+/// True when the edits that make @p b of a name of @p size letters @p a certainly cost more than @p limit: an edit adds
+/// one letter at most, and takes one away at most.
+bool isFar(const NearestNames::Letters &a, std::size_t size, std::string_view b, std::size_t limit)
 {
+    const std::size_t longer = b.size() < size ? size - b.size() : 0;
+    const std::size_t most = limit / EDIT;
+    if (longer > most || b.size() > size + most) {
+        return true;
+    }
     NearestNames::Letters left = a;
-    std::size_t common = 0;
+    std::size_t added = 0;
     for (const char c : b) {
         std::uint16_t &count = left[static_cast<unsigned char>(lower(c))];
-        common += count > 0 ? 1 : 0;
-        count = static_cast<std::uint16_t>(count - (count > 0 ? 1 : 0));
+        if (count > 0) {
+            --count;
+        } else if (longer + ++added > most) {
+            return true;
+        }
     }
-    return EDIT * (std::max(size, b.size()) - common);
+    return false;
 }
 
 /// Cost of the edits that make @p b of @p a. Gives up beyond @p limit.
@@ -83,8 +92,7 @@ void NearestNames::offer(std::string_view name)
     const std::string_view wanted = std::string_view(m_wanted).substr(0, LONGEST);
     const std::string_view given = name.substr(0, LONGEST);
     // Names come by the million, and most are far.
-    const bool isFar = leastCost(m_letters, wanted.size(), given) > limit;
-    std::size_t distance = isFar ? limit + 1 : editCost(wanted, given, limit);
+    std::size_t distance = isFar(m_letters, wanted.size(), given, limit) ? limit + 1 : editCost(wanted, given, limit);
     if (holds(name, m_wanted)) {
         distance = std::min(distance, farthest);
     }
