@@ -16,8 +16,8 @@ tracked '*.h' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
 
 # clang-tidy asks how each file is compiled, and reads the header that is made from the schema of saved netlists and what
 # the Python module has compiled beforehand.
-build_preset asan platform/verific/generated/saved_netlist.capnp.h \
+build_preset lint platform/verific/generated/saved_netlist.capnp.h \
     python/CMakeFiles/netlistdb_python.dir/cmake_pch.hxx.pch
 tracked 'memory/*.cpp' 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'python/src/*.cpp' 'tools/*.cpp' |
-    xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/asan --quiet 2>&1 |
+    xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/lint --quiet 2>&1 |
     { grep -vE '^[0-9]+ warnings? generated\.$' || true; }

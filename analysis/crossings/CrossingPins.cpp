@@ -10,7 +10,7 @@ namespace {
 /// In a use, clocks that begin inside have numbers from here on; those that come in through ports, small ones.
 constexpr std::uint32_t INSIDE = 1U << 30;
 
-constexpr std::uint32_t UNCLOCKED = REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX;
+constexpr std::uint32_t FROM_OUTSIDE = REACHED_BY_INPUT_PORT | REACHED_BY_BLACK_BOX;
 
 void addOnce(std::vector<std::uint32_t> &clocks, std::uint32_t clock)
 {
@@ -69,7 +69,7 @@ class PinTest {
         for (const std::uint32_t clock : model.captures[pin]) {
             if (m_clocks[clock] != NONE &&
                 (m_modules.sets().containsOther(launch, m_clocks[clock]) ||
-                 (isAsynchronous(model.pins[pin].role) && (m_modules.sets().flags(launch) & UNCLOCKED) != 0))) {
+                 (isAsynchronous(model.pins[pin].role) && (m_modules.sets().flags(launch) & FROM_OUTSIDE) != 0))) {
                 return true;
             }
         }
@@ -228,7 +228,7 @@ PortBinding CrossingPins::renumber(const PortBinding &binding)
         for (const std::uint32_t clock : m_sets.clocks(set)) {
             clocks.push_back(numberOf(clock));
         }
-        return m_sets.intern(std::move(clocks), m_sets.flags(set) & UNCLOCKED);
+        return m_sets.intern(std::move(clocks), m_sets.flags(set) & FROM_OUTSIDE);
     };
     PortBinding renumbered;
     for (std::size_t port = 0; port < binding.launch.size(); ++port) {

@@ -11,7 +11,7 @@ namespace kvr::netlistdb::yosys {
 
 namespace {
 
-constexpr std::size_t BLOCK_SIZE = std::size_t{256} * 1024;
+constexpr std::size_t READ_SIZE = std::size_t{256} * 1024;
 
 bool isBlank(char c)
 {
@@ -98,10 +98,10 @@ FileText::FileText(const std::string &path, std::uint64_t size, const ReadFault 
     : m_path(path), m_capacity(static_cast<std::size_t>(size) + simdjson::SIMDJSON_PADDING),
       m_data(new char[m_capacity])
 {
-    const std::unique_ptr<char[]> block(new char[BLOCK_SIZE]);
+    const std::unique_ptr<char[]> block(new char[READ_SIZE]);
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rbe"), &std::fclose);
     for (std::uint64_t left = size; left > 0;) {
-        const std::size_t wanted = std::min<std::uint64_t>(left, BLOCK_SIZE);
+        const std::size_t wanted = std::min<std::uint64_t>(left, READ_SIZE);
         const std::size_t count = file ? std::fread(block.get(), 1, wanted, file.get()) : 0;
         if (count < wanted) {
             const bool isShorter = file && std::ferror(file.get()) == 0;

@@ -24,11 +24,6 @@ py::object netOf(const Origin &origin, const analysis::CrossingEnd &end)
                                                          : py::none();
 }
 
-py::object textOrNone(const std::string &value)
-{
-    return value.empty() ? py::object(py::none()) : text(value);
-}
-
 py::object recordOf(const Origin &origin, const tool::CrossingRows &rows, const tool::CrossingRow &row,
                     const py::object &record)
 {

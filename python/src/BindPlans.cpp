@@ -25,11 +25,6 @@ py::object record(const char *name)
     return fromPackage("netlistdb.plan", name);
 }
 
-py::object textOrNone(const std::string &value)
-{
-    return value.empty() ? py::object(py::none()) : text(value);
-}
-
 py::object gradeOf(const PlanBit &bit)
 {
     return bit.grade ? py::object(text(nameOf(*bit.grade))) : py::none();

@@ -17,6 +17,12 @@ inline pybind11::str text(const std::string &bytes)
     return pybind11::reinterpret_steal<pybind11::str>(result);
 }
 
+/// The same; None for an empty one.
+inline pybind11::object textOrNone(const std::string &bytes)
+{
+    return bytes.empty() ? pybind11::object(pybind11::none()) : text(bytes);
+}
+
 /// The bytes of @p value, which is a str.
 /// @throws error_already_set for surrogates that stand for no byte.
 inline std::string bytesOf(const pybind11::handle &value)

@@ -9,7 +9,7 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Ports of a cell type whose pins are walked as fast as they are looked up.
-constexpr unsigned FEW = 48;
+constexpr unsigned FEW_PORTS = 48;
 
 } // namespace
 
@@ -17,7 +17,7 @@ bool ClockPorts::clockOfOutput(const Verific::Instance *cell, const Verific::Por
                                const Verific::Net *&clock)
 {
     const Verific::Netlist *const type = cell->View();
-    if (type == nullptr || type->GetPorts()->Size() <= FEW) {
+    if (type == nullptr || type->GetPorts()->Size() <= FEW_PORTS) {
         return kvr::netlistdb::clockOfOutput(cell, drivingPin, clock);
     }
     const Verific::Port *only = nullptr;

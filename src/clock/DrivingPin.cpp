@@ -10,7 +10,7 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Pins that are looked through on one side before the other has its turn.
-constexpr std::size_t FEW = 8;
+constexpr std::size_t FEW_PINS = 8;
 
 bool drives(const Verific::PortRef *pin, const Verific::Net *net)
 {
@@ -64,7 +64,7 @@ Look lookOnNet(const Verific::Net *net, const Verific::Instance *driver, std::si
 
 const Verific::PortRef *drivingPin(const Verific::Net *net, const Verific::Instance *driver)
 {
-    for (std::size_t limit = FEW; limit <= std::numeric_limits<std::size_t>::max() / 2; limit *= 2) {
+    for (std::size_t limit = FEW_PINS; limit <= std::numeric_limits<std::size_t>::max() / 2; limit *= 2) {
         Look look = lookOnInstance(net, driver, limit);
         if (!look.isDecided) {
             look = lookOnNet(net, driver, limit);

@@ -13,7 +13,7 @@ namespace kvr::netlistdb {
 namespace {
 
 /// Children that are walked as fast as they are looked up.
-constexpr std::size_t FEW = 8;
+constexpr std::size_t FEW_CHILDREN = 8;
 
 /// Whether an import made the instance: it alone enters instances into the pools.
 bool isImported(const IVDBInstance *instance, const ItemLookup &items)
@@ -41,7 +41,7 @@ IVDBInstance *FirstChild::find(const IVDBInstance *parent, std::string_view name
                                const IVDBInstance *root)
 {
     const std::vector<IVDBInstance *> &children = parent->getSubInstances();
-    if (children.size() <= FEW || typeid(*parent) != typeid(VDBInstance)) {
+    if (children.size() <= FEW_CHILDREN || typeid(*parent) != typeid(VDBInstance)) {
         return firstByWalking(children, name);
     }
     auto table = m_tables.find(parent->getModule());

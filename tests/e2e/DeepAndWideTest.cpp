@@ -4,6 +4,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/ScratchFile.h"
+#include "tests/support/Sources.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -22,15 +23,14 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
 using testsupport::netlistOfCell;
 using testsupport::netOf;
 using testsupport::portOf;
+using testsupport::POST_MAP;
 using testsupport::ScratchFile;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 constexpr unsigned LEVELS = 20000;
 constexpr unsigned SEARCHED_LEVELS = 2000; ///< the lowest, where each full name holds those of all levels above

@@ -21,6 +21,7 @@ echo "INPUT ( $installation/database/database-objects.a -lcapnp -lkj -lxxhash )"
 
 # Neither optimised nor with debug information: this build is about whether it fits together.
 cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS="-O0 -g0" \
+    -DCMAKE_UNITY_BUILD=ON \
     -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_COMPILER_LAUNCHER="$launcher" -DVERIFIC_ROOT="$installation" >/dev/null
 # What meets the netlist database: the imports, both traces, and the program on top with its readers.
 programs=(database_test clock_unit_test guide_snippets)

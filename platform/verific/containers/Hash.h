@@ -22,6 +22,8 @@ enum hash_type {
 class VERIFIC_EXPORT HashIndex {
   public:
     static constexpr std::uint32_t NONE = 0xFFFFFFFFu;
+    /// Tables of up to this many slots are searched one by one: an index would cost more than it saves.
+    static constexpr std::uint32_t MOST_UNINDEXED = 8;
 
     /// Hash of @p key under @p type. A null key hashes like an empty text.
     static std::uint64_t hashOf(hash_type type, const void *key);

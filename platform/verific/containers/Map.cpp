@@ -4,13 +4,6 @@
 
 namespace Verific {
 
-namespace {
-
-/// Tables of up to this many slots are searched one by one: an index would cost more than it saves.
-constexpr unsigned SMALL = 8;
-
-} // namespace
-
 const char Map::FREED = 0;
 
 Map::Map(hash_type type, unsigned) : m_type(type) {}
@@ -122,7 +115,7 @@ unsigned Map::find(const void *key) const
         return entry.value != &FREED && HashIndex::equal(m_type, entry.key, key);
     };
     if (!m_index.built()) {
-        if (slots() <= SMALL) {
+        if (slots() <= HashIndex::MOST_UNINDEXED) {
             for (unsigned slot = 0; slot < slots(); ++slot) {
                 if (matches(slot)) {
                     return slot;

@@ -2,13 +2,6 @@
 
 namespace Verific {
 
-namespace {
-
-/// Sets of up to this many slots are searched one by one: an index would cost more than it saves.
-constexpr unsigned SMALL = 8;
-
-} // namespace
-
 Set::Set(hash_type type, unsigned) : m_type(type) {}
 
 Set::~Set() = default;
@@ -105,7 +98,7 @@ unsigned Set::find(const void *item) const
     }
     const auto matches = [this, item](unsigned slot) { return HashIndex::equal(m_type, m_items[slot], item); };
     if (!m_index.built()) {
-        if (slots() <= SMALL) {
+        if (slots() <= HashIndex::MOST_UNINDEXED) {
             for (unsigned slot = 0; slot < slots(); ++slot) {
                 if (matches(slot)) {
                     return slot;

@@ -5,7 +5,7 @@ namespace {
 
 class Launch : public MapTest {};
 
-constexpr const char *CELLS = R"(
+constexpr const char *LAUNCH_CELLS = R"(
     register DFF(in d, clk, out q) clock=clk end
     primitive $_AND_(in A, B, out Y) type=7 end
     primitive POWER(out Y) type=1 end
@@ -19,8 +19,8 @@ constexpr const char *CELLS = R"(
 /// A top with registers on clocks a and b, whose outputs are qa and qb.
 std::string text(const char *cells, const char *statements)
 {
-    return std::string(CELLS) + cells + "\nmodule top(in a, b, d, s)\n  src: two(a=a, b=b, d=d, qa=qa, qb=qb)\n" +
-           statements + "\nend";
+    return std::string(LAUNCH_CELLS) + cells +
+           "\nmodule top(in a, b, d, s)\n  src: two(a=a, b=b, d=d, qa=qa, qb=qb)\n" + statements + "\nend";
 }
 
 TEST_F(Launch, AllClocksOfANetAreFoundTheNearestFirst)

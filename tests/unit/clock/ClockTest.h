@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 
 #include <DataBase.h>
 
@@ -28,8 +29,8 @@ using kvr::netlistdb::IVDBInstance;
 using kvr::netlistdb::IVDBNet;
 using kvr::netlistdb::IVDBNetlist;
 
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+using testsupport::ELABORATED;
+using testsupport::POST_MAP;
 
 using Names = std::multiset<std::string>;
 /// From the name of an answer ("none" for null) to the names of what leads to it.

@@ -3,6 +3,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/ScratchFile.h"
+#include "tests/support/Sources.h"
 #include "tests/support/TreeText.h"
 #include "tests/support/failing_allocator/FailingAllocator.h"
 
@@ -17,14 +18,13 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::failAllocation;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
 using testsupport::Outcome;
+using testsupport::POST_MAP;
 using testsupport::treeText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 constexpr const char *DESIGN = R"(
     module leaf(in a_port_with_a_long_name, out q) at /some/where/leaf.v:1

@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 #include "tests/support/VirtualSlots.h"
 
 #include <netlistdb/netlistdb.h>
@@ -17,12 +18,11 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 using testsupport::virtualSlot;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 IDesignDatabase::SOURCE_TYPE sourceType(unsigned value)
 {

@@ -1,6 +1,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/RecordingItems.h"
+#include "tests/support/Sources.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -15,12 +16,11 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::Log;
 using testsupport::netlistFromText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+using testsupport::POST_MAP;
 
 /// A net that notes its deletion, and whether its source file was still known then.
 class RecordingSourceNet : public Verific::Net {

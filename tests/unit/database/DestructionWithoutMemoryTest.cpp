@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 #include "tests/support/failing_allocator/FailingAllocator.h"
 
 #include <netlistdb/DesignDatabase.h>
@@ -18,16 +19,15 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::failAllocationAfter;
 using testsupport::failNoAllocation;
 using testsupport::Failures;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
-
-constexpr const char *DESIGN = R"(
+constexpr const char *DELETED_DESIGN = R"(
     register DFF(in clk, d, out q) clock=clk end
     operator INV(in a, out o) end
     module leaf(in ck, d, out q) bus [3:0] b r: DFF(clk=ck, d=d, q=x) i: INV(a=x, o=q) end
@@ -61,7 +61,7 @@ TEST(DestructionWithoutMemory, OfADatabaseInUse)
     const auto before = liveItemCounts();
     for (const bool keep : {true, false}) {
         LibsetGuard guard;
-        Verific::Netlist *const netlist = netlistFromText(DESIGN);
+        Verific::Netlist *const netlist = netlistFromText(DELETED_DESIGN);
         auto database = std::make_unique<DesignDatabase>(keep);
         ASSERT_TRUE(database->parseElaboratedNetlist(netlist));
         ASSERT_TRUE(database->parsePostMapNetlist(netlist));
@@ -77,7 +77,7 @@ TEST(DestructionWithoutMemory, OfOneSourceAfterTheOther)
     const auto before = liveItemCounts();
     for (const auto first : {ELABORATED, POST_MAP}) {
         LibsetGuard guard;
-        Verific::Netlist *const netlist = netlistFromText(DESIGN);
+        Verific::Netlist *const netlist = netlistFromText(DELETED_DESIGN);
         DesignDatabase database(true);
         ASSERT_TRUE(database.parseElaboratedNetlist(netlist));
         ASSERT_TRUE(database.parsePostMapNetlist(netlist));

@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 #include "tests/support/Throws.h"
 #include "tests/support/TreeText.h"
 
@@ -18,13 +19,12 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::messageOf;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 using testsupport::treeText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 /// A database with this elaborated design; the answer of the import beside it.
 struct Imported {

@@ -1,6 +1,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/ScratchFile.h"
+#include "tests/support/Sources.h"
 #include "tests/support/TreeText.h"
 
 #include <netlistdb/netlistdb.h>
@@ -18,12 +19,11 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 using testsupport::treeText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 /// A saved netlist, gone with the object. The libset is empty afterwards.
 class SavedNetlist : public testsupport::ScratchFile {
@@ -36,7 +36,7 @@ class SavedNetlist : public testsupport::ScratchFile {
     }
 };
 
-constexpr const char *DESIGN = "module leaf(in a) end module mid() l: leaf() end module top() m: mid() end";
+constexpr const char *LOADED_DESIGN = "module leaf(in a) end module mid() l: leaf() end module top() m: mid() end";
 
 /// Takes the place of the imports, and notes what they were given.
 class OverridingDatabase : public DesignDatabase {
@@ -63,7 +63,7 @@ class OverridingDatabase : public DesignDatabase {
 TEST(FileLoading, ImportsASavedNetlist)
 {
     LibsetGuard guard;
-    const SavedNetlist saved(DESIGN);
+    const SavedNetlist saved(LOADED_DESIGN);
     DesignDatabase database(true);
     EXPECT_TRUE(database.parseElaboratedNetlistFromFile(saved.path()));
     EXPECT_EQ(treeText(*database.getRoot(ELABORATED)), "m: mid\n  l: leaf\n");
@@ -90,7 +90,7 @@ TEST(FileLoading, AnswersFalseOnAForeignFileAndLeavesALoadedSourceAsItIs)
 {
     LibsetGuard guard;
     DesignDatabase database(true);
-    ASSERT_TRUE(database.parseElaboratedNetlist(netlistFromText(DESIGN)));
+    ASSERT_TRUE(database.parseElaboratedNetlist(netlistFromText(LOADED_DESIGN)));
     IVDBNetlist *top = database.getTopModule(ELABORATED);
     IVDBInstance *root = database.getRoot(ELABORATED);
     const std::string path = (std::filesystem::path(testing::TempDir()) / "foreign.netlist").string();
@@ -106,7 +106,7 @@ TEST(FileLoading, AnswersFalseOnAForeignFileAndLeavesALoadedSourceAsItIs)
 TEST(FileLoading, CallsTheImportOfADerivedClassAndPassesItsAnswerOn)
 {
     LibsetGuard guard;
-    const SavedNetlist saved(DESIGN);
+    const SavedNetlist saved(LOADED_DESIGN);
     OverridingDatabase database;
     for (const bool answer : {true, false}) {
         database.answer = answer;
@@ -120,7 +120,7 @@ TEST(FileLoading, CallsTheImportOfADerivedClassAndPassesItsAnswerOn)
 TEST(FileLoading, DeletesTheRestoredNetlistWhateverTheImportAnswers)
 {
     LibsetGuard guard;
-    const SavedNetlist saved(DESIGN);
+    const SavedNetlist saved(LOADED_DESIGN);
     OverridingDatabase database;
     for (const bool answer : {true, false}) {
         database.answer = answer;
@@ -134,7 +134,7 @@ TEST(FileLoading, DeletesTheRestoredNetlistWhateverTheImportAnswers)
 TEST(FileLoading, LeavesTheRestoredNetlistWhenTheImportThrows)
 {
     LibsetGuard guard;
-    const SavedNetlist saved(DESIGN);
+    const SavedNetlist saved(LOADED_DESIGN);
     OverridingDatabase database;
     database.throws = true;
     EXPECT_THROW(database.parseElaboratedNetlistFromFile(saved.path()), std::runtime_error);
@@ -160,7 +160,7 @@ TEST(FileLoading, OfTheSameFileTwiceBuildsASecondTree)
     const auto before = liveItemCounts();
     {
         LibsetGuard guard;
-        const SavedNetlist saved(DESIGN);
+        const SavedNetlist saved(LOADED_DESIGN);
         DesignDatabase database(true);
         ASSERT_TRUE(database.parseElaboratedNetlistFromFile(saved.path()));
         IVDBInstance *oldRoot = database.getRoot(ELABORATED);

@@ -1,6 +1,7 @@
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
 #include "tests/support/ScratchFile.h"
+#include "tests/support/Sources.h"
 #include "tests/support/TreeText.h"
 
 #include <netlistdb/netlistdb.h>
@@ -21,11 +22,10 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::netlistFromText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
+using testsupport::POST_MAP;
 
 /// A design with clocks in several levels, a generic cell and device cells; @p name tells two of them apart.
 std::string designText(char name)

@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 #include "tests/support/Throws.h"
 #include "tests/support/TreeText.h"
 
@@ -16,14 +17,13 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::messageOf;
 using testsupport::moduleText;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 using testsupport::treeText;
-
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
 
 struct Imported {
     explicit Imported(std::string_view text, bool keep = true)

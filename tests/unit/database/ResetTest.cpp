@@ -2,6 +2,7 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
+#include "tests/support/Sources.h"
 #include "tests/support/TreeText.h"
 
 #include <netlistdb/netlistdb.h>
@@ -16,15 +17,14 @@
 namespace kvr::netlistdb {
 namespace {
 
+using testsupport::ELABORATED;
 using testsupport::LibsetGuard;
 using testsupport::moduleText;
 using testsupport::netlistFromText;
+using testsupport::POST_MAP;
 using testsupport::treeText;
 
-constexpr auto ELABORATED = IDesignDatabase::SOURCE_ELABORATED;
-constexpr auto POST_MAP = IDesignDatabase::SOURCE_POST_MAP;
-
-constexpr const char *DESIGN = R"(
+constexpr const char *RESET_DESIGN = R"(
     module leaf(in a, out q) net n bus [1:0] b net d[0] net d[1] end
     module top(in a) u: leaf(a=a) f: KVR_FF(C=a) end)";
 
@@ -61,7 +61,7 @@ void expectWholePool(DesignDatabase &database, IDesignDatabase::SOURCE_TYPE type
 TEST(Reset, EmptiesTheSourceAndLeavesTheOther)
 {
     LibsetGuard guard;
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     DesignDatabase database(true);
     ASSERT_TRUE(database.parseElaboratedNetlist(source));
     ASSERT_TRUE(database.parsePostMapNetlist(source));
@@ -90,7 +90,7 @@ TEST(Reset, FreesEveryItemOfTheSource)
     for (const bool keep : {false, true}) {
         LibsetGuard guard;
         const auto before = liveItemCounts();
-        Verific::Netlist *source = netlistFromText(DESIGN);
+        Verific::Netlist *source = netlistFromText(RESET_DESIGN);
         DesignDatabase database(keep);
         ASSERT_TRUE(database.parseElaboratedNetlist(source));
         const auto elaborated = liveItemCounts();
@@ -131,7 +131,7 @@ TEST(Reset, KeepsTheClockCaches)
 TEST(Reset, DropsTheEntriesOfTheSourceFromThePool)
 {
     LibsetGuard guard;
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     DesignDatabase database(true);
     ASSERT_TRUE(database.parseElaboratedNetlist(source));
     ASSERT_TRUE(database.parsePostMapNetlist(source));
@@ -157,7 +157,7 @@ TEST(Reset, LeavesSharedNetlistsToTheRemainingSource)
 {
     for (const bool elaboratedFirst : {true, false}) {
         LibsetGuard guard;
-        Verific::Netlist *source = netlistFromText(DESIGN);
+        Verific::Netlist *source = netlistFromText(RESET_DESIGN);
         DesignDatabase database(true);
         if (elaboratedFirst) {
             ASSERT_TRUE(database.parseElaboratedNetlist(source));
@@ -181,7 +181,7 @@ TEST(Reset, LeavesSharedNetlistsToTheRemainingSource)
 TEST(Reset, OfTheSourceImportedLastLeavesTheOtherWhole)
 {
     LibsetGuard guard;
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     DesignDatabase database(true);
     ASSERT_TRUE(database.parseElaboratedNetlist(source));
     ASSERT_TRUE(database.parsePostMapNetlist(source));
@@ -192,7 +192,7 @@ TEST(Reset, OfTheSourceImportedLastLeavesTheOtherWhole)
 TEST(Reset, KeepsPortsOfANetlistThatChangedBetweenTheImports)
 {
     LibsetGuard guard;
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     Verific::Netlist *leaf = testsupport::netlistOfCell("leaf");
     const Verific::Port *a = testsupport::portOf(leaf, "a");
     DesignDatabase database(true);
@@ -212,7 +212,7 @@ TEST(Reset, DoesNotNeedTheNetlistsBelowTheTopAnyMore)
     const auto before = liveItemCounts();
     {
         LibsetGuard guard;
-        Verific::Netlist *source = netlistFromText(DESIGN);
+        Verific::Netlist *source = netlistFromText(RESET_DESIGN);
         DesignDatabase database(true);
         ASSERT_TRUE(database.parseElaboratedNetlist(source));
         ASSERT_TRUE(database.parsePostMapNetlist(source));
@@ -229,7 +229,7 @@ TEST(Reset, ThenImportingAgainIsLikeAFreshDatabaseEveryTime)
 {
     LibsetGuard guard;
     const auto before = liveItemCounts();
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     DesignDatabase database(true);
     std::string tree;
     for (int round = 0; round < 20; ++round) {
@@ -250,7 +250,7 @@ TEST(Reset, ThenImportingAgainIsLikeAFreshDatabaseEveryTime)
 TEST(Reset, DropsRegisteredOccurrencesWithTheirInstances)
 {
     LibsetGuard guard;
-    Verific::Netlist *source = netlistFromText(DESIGN);
+    Verific::Netlist *source = netlistFromText(RESET_DESIGN);
     DesignDatabase database(true);
     ASSERT_TRUE(database.parseElaboratedNetlist(source));
     ASSERT_TRUE(database.parsePostMapNetlist(source));
@@ -266,7 +266,7 @@ TEST(Generation, ChangesWithEveryImportAndResetOfItsSourceAlone)
 {
     const LibsetGuard guard;
     DesignDatabase database(true);
-    Verific::Netlist *const top = netlistFromText(DESIGN);
+    Verific::Netlist *const top = netlistFromText(RESET_DESIGN);
     std::vector<std::uint64_t> seen{database.generation(ELABORATED)};
     const auto isNew = [&] {
         const std::uint64_t now = database.generation(ELABORATED);
@@ -291,7 +291,7 @@ TEST(SourceObjects, LeadFromItemsToTheWorkingCopyAndBack)
 {
     const LibsetGuard guard;
     DesignDatabase database(true);
-    database.parseElaboratedNetlist(netlistFromText(DESIGN));
+    database.parseElaboratedNetlist(netlistFromText(RESET_DESIGN));
     const Verific::Netlist *const copy = database.workingCopy(ELABORATED);
     const Verific::Net *const net = copy->GetNet("a");
     IVDBNet *const item = database.netItem(net, ELABORATED);

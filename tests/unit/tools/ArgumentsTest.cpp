@@ -32,7 +32,7 @@ Json received(const Json &given)
 }
 
 /// What is wrong with @p given.
-std::string faultOf(const Json &given)
+std::string refusalOf(const Json &given)
 {
     const std::vector<Parameter> known = parameters();
     try {
@@ -58,21 +58,21 @@ TEST(Arguments, GivenValuesAndFallbacksAreRead)
 
 TEST(Arguments, EachFaultIsNamed)
 {
-    EXPECT_EQ(faultOf(Json::object()), "path: missing");
-    EXPECT_EQ(faultOf({{"path", nullptr}}), "path: missing");
-    EXPECT_EQ(faultOf({{"path", 3}}), "path: not a text");
-    EXPECT_EQ(faultOf({{"path", ""}, {"all", "yes"}}), "all: neither true nor false");
-    EXPECT_EQ(faultOf({{"path", ""}, {"kinds", "net"}}), "kinds: not a list of texts");
-    EXPECT_EQ(faultOf({{"path", ""}, {"kinds", {"net", "port"}}}), "kinds: 'port' is none of net, bus");
+    EXPECT_EQ(refusalOf(Json::object()), "path: missing");
+    EXPECT_EQ(refusalOf({{"path", nullptr}}), "path: missing");
+    EXPECT_EQ(refusalOf({{"path", 3}}), "path: not a text");
+    EXPECT_EQ(refusalOf({{"path", ""}, {"all", "yes"}}), "all: neither true nor false");
+    EXPECT_EQ(refusalOf({{"path", ""}, {"kinds", "net"}}), "kinds: not a list of texts");
+    EXPECT_EQ(refusalOf({{"path", ""}, {"kinds", {"net", "port"}}}), "kinds: 'port' is none of net, bus");
     for (const Json &wrong : {Json(0), Json(10), Json(-1), Json(2.5), Json("2")}) {
-        EXPECT_EQ(faultOf({{"path", ""}, {"limit", wrong}}), "limit: not an integer from 1 to 9") << wrong;
+        EXPECT_EQ(refusalOf({{"path", ""}, {"limit", wrong}}), "limit: not an integer from 1 to 9") << wrong;
     }
-    EXPECT_EQ(faultOf({{"path", ""}, {"depth", -1}}), "depth: not an integer 0 or more");
+    EXPECT_EQ(refusalOf({{"path", ""}, {"depth", -1}}), "depth: not an integer 0 or more");
 }
 
 TEST(Arguments, UnknownOnesLeadToTheNearest)
 {
-    const std::string fault = faultOf({{"path", ""}, {"limits", 3}});
+    const std::string fault = refusalOf({{"path", ""}, {"limits", 3}});
     EXPECT_NE(fault.find("limits: no argument of this tool"), std::string::npos) << fault;
     EXPECT_NE(fault.find("'limit'"), std::string::npos) << fault;
 }

@@ -17,7 +17,7 @@ enum class Action { Add, Check, Update, Export };
 const std::map<std::string, Action> ACTIONS = {
     {"add", Action::Add}, {"check", Action::Check}, {"update", Action::Update}, {"export", Action::Export}};
 
-constexpr const char *VERDICTS = "renamed,clock-changed,split,lost";
+constexpr const char *REBUILT_VERDICTS = "renamed,clock-changed,split,lost";
 
 /// True for what is a netlist on a command line, and no path of a net.
 bool isNetlist(const std::string &argument)
@@ -58,7 +58,7 @@ class PlanCommand : public Command {
                "--accept", [this](const std::vector<std::string> &names) { takeAccepted(names); },
                "check: exit with 0 also for probes of which this is all that happened")
             ->delimiter(',')
-            ->type_name(VERDICTS)
+            ->type_name(REBUILT_VERDICTS)
             ->allow_extra_args(false);
         static const std::map<std::string, std::string> FORMS = {{"csv", "csv"}, {"json", "json"}, {"tcl", "tcl"}};
         addChoice(app, "--to", m_request.form, "export: the form", "csv|json|tcl", FORMS);
@@ -145,7 +145,7 @@ class PlanCommand : public Command {
                 ++at;
             }
             if (at == m_request.accepted.size()) {
-                throw CLI::ValidationError("--accept: '" + name + "' is none of " + VERDICTS);
+                throw CLI::ValidationError("--accept: '" + name + "' is none of " + REBUILT_VERDICTS);
             }
             m_request.accepted[at] = true;
         }

@@ -12,8 +12,6 @@ namespace kvr::netlistdb::tool {
 
 namespace {
 
-using Type = Parameter::Type;
-
 Json schemaOf(const Parameter &parameter)
 {
     Json text = {{"type", "string"}};
@@ -22,16 +20,16 @@ Json schemaOf(const Parameter &parameter)
     }
     Json schema;
     switch (parameter.type) {
-    case Type::Text:
+    case Parameter::Type::Text:
         schema = text;
         break;
-    case Type::Texts:
+    case Parameter::Type::Texts:
         schema = {{"type", "array"}, {"items", text}};
         break;
-    case Type::Flag:
+    case Parameter::Type::Flag:
         schema = {{"type", "boolean"}};
         break;
-    case Type::Number:
+    case Parameter::Type::Number:
         schema = {{"type", "integer"}, {"minimum", parameter.least}};
         if (parameter.most != UINT64_MAX) {
             schema["maximum"] = parameter.most;
@@ -61,10 +59,10 @@ void checkText(const Parameter &parameter, const Json &value)
 void check(const Parameter &parameter, const Json &value)
 {
     switch (parameter.type) {
-    case Type::Text:
+    case Parameter::Type::Text:
         checkText(parameter, value);
         break;
-    case Type::Texts:
+    case Parameter::Type::Texts:
         if (!value.is_array()) {
             throw wrongUsage(parameter.name + ": not a list of texts");
         }
@@ -72,12 +70,12 @@ void check(const Parameter &parameter, const Json &value)
             checkText(parameter, each);
         }
         break;
-    case Type::Flag:
+    case Parameter::Type::Flag:
         if (!value.is_boolean()) {
             throw wrongUsage(parameter.name + ": neither true nor false");
         }
         break;
-    case Type::Number:
+    case Parameter::Type::Number:
         if (!value.is_number_unsigned() || value.get<std::uint64_t>() < parameter.least ||
             value.get<std::uint64_t>() > parameter.most) {
             const std::string range = parameter.most == UINT64_MAX

@@ -4,7 +4,7 @@ namespace crossings_test {
 namespace {
 
 /// A word `g` of two bits on clk_a that is synchronized bit by bit; what it captures is up to the test.
-const std::string SYNCHRONIZED = R"(
+const std::string SYNCHRONIZED_WORD = R"(
     operator $add(in [1:0] A, [1:0] B, out [1:0] Y) end
     module top(in clk_a, clk_b, [1:0] d, e, out [1:0] q)
         g0: $_DFF_P_(C=clk_a, D=n0, Q="g[0]")
@@ -19,7 +19,7 @@ class GrayCodesTest : public CrossingsTest {
   protected:
     CrossingClass classOf(const std::string &cells)
     {
-        elaborated(SYNCHRONIZED + cells + " end");
+        elaborated(SYNCHRONIZED_WORD + cells + " end");
         const CrossingClass kind = crossingTo("f[0]").kind;
         EXPECT_EQ(crossingTo("f[1]").kind, kind);
         return kind;

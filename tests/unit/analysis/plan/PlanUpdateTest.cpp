@@ -25,7 +25,7 @@ std::string updated(const std::string &plan, const std::string &now)
     return result.text().substr(HEAD.size());
 }
 
-const std::string BUS = R"(# why
+const std::string BUS_TEXT = R"(# why
 probe a # here
   # of a
   clock clk rise # fast
@@ -38,7 +38,7 @@ probe z
 
 TEST(PlanUpdate, TakesOverNamesClocksAndNetsAndKeepsComments)
 {
-    EXPECT_EQ(updated(BUS, R"(probe b
+    EXPECT_EQ(updated(BUS_TEXT, R"(probe b
   clock slow fall
   bit b[1] register n1 -
   bit b[0] exact b[0] 0000000000000001.0000000000000002
@@ -64,7 +64,7 @@ TEST(PlanUpdate, KeepsTheRangeThatWasAskedFor)
 
 TEST(PlanUpdate, MakesOneProbeOfEachVectorOfOneThatIsSplit)
 {
-    EXPECT_EQ(updated(BUS, "probe x\n  clock clk rise\n  bit hi none - -\n  bit lo none - -\n"), R"(# why
+    EXPECT_EQ(updated(BUS_TEXT, "probe x\n  clock clk rise\n  bit hi none - -\n  bit lo none - -\n"), R"(# why
 probe hi # here
   # of a
   clock clk rise # fast
@@ -81,7 +81,7 @@ probe z
 
 TEST(PlanUpdate, LeavesWhatWasNotFound)
 {
-    EXPECT_EQ(updated(BUS, "probe x\n  bit lost none - -\n  bit lost none - -\n"), BUS);
+    EXPECT_EQ(updated(BUS_TEXT, "probe x\n  bit lost none - -\n  bit lost none - -\n"), BUS_TEXT);
     EXPECT_EQ(updated("probe a\n  bit a[1] none - -\n  bit a[0] none - -\n",
                       "probe x\n  bit b[1] none - -\n  bit lost none - -\n"),
               "probe a\n  bit b[1] none - -\n  bit a[0] none - -\n");
