@@ -7,12 +7,12 @@
 #include "DataBase.h"
 
 #include <netlistdb/IVDBInstance.h>
+#include <netlistdb/IVDBNetlist.h>
 
 #include <algorithm>
 #include <deque>
 #include <functional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace kvr::netlistdb {
@@ -67,38 +67,75 @@ class RegisterClocks {
     std::unordered_map<const Verific::Netlist *, ByModule> m_clocks;
 };
 
+/// What the pre-pass asks of a module, once.
+struct ClockedModule {
+    const Verific::Netlist *netlist; ///< null: not known
+    bool isRegister;
+    bool mayDescend;
+    const IVDBInstance *doneIn; ///< the parent whose registers of this kind were looked at last
+};
+
+class ClockedModules {
+  public:
+    explicit ClockedModules(const ItemLookup &items) : m_items(items) {}
+
+    ClockedModule &of(const IVDBNetlist *module)
+    {
+        if (m_last == nullptr || module != m_lastModule) {
+            m_lastModule = module;
+            m_last = &find(module);
+        }
+        return *m_last;
+    }
+
+  private:
+    ClockedModule &find(const IVDBNetlist *module)
+    {
+        const auto [place, isNew] = m_facts.try_emplace(module);
+        ClockedModule &facts = place->second;
+        if (isNew) {
+            const Verific::Netlist *netlist = m_items.find(module);
+            const bool isKnown = netlist != nullptr;
+            facts = {netlist, isKnown && ask::isRegister(*netlist), isKnown && ask::mayDescend(*netlist), nullptr};
+        }
+        return facts;
+    }
+
+    const ItemLookup &m_items;
+    std::unordered_map<const IVDBNetlist *, ClockedModule> m_facts;
+    const IVDBNetlist *m_lastModule = nullptr;
+    ClockedModule *m_last = nullptr;
+};
+
 /// The clock nets of all registers, each in the instance whose module holds the register.
 std::set<InstanceNet> registerClocksBelow(IVDBInstance *root, const ItemLookup &items)
 {
     std::set<InstanceNet> clocks;
     RegisterClocks registerClocks(items);
-    std::deque<IVDBInstance *> queue;
-    if (root != nullptr) {
-        queue.push_back(root);
-    }
-    IVDBInstance *lastParent = nullptr;
-    std::unordered_set<const Verific::Netlist *> doneInParent; // registers of one kind give the same nets once a parent
-    for (; !queue.empty(); queue.pop_front()) {
-        IVDBInstance *instance = queue.front();
-        const Verific::Netlist *netlist = items.find(instance->getModule());
-        if (netlist == nullptr) {
-            continue;
-        }
-        if (ask::isRegister(*netlist)) {
+    ClockedModules modules(items);
+    std::deque<const IVDBInstance *> queue; // without the leaves, which are most of the instances
+    const auto visit = [&](const IVDBInstance *instance) {
+        ClockedModule &module = modules.of(instance->getModule());
+        if (module.isRegister) {
             IVDBInstance *parent = instance->getOwnerInstance() != nullptr ? instance->getOwnerInstance() : root;
-            if (parent != lastParent) {
-                lastParent = parent;
-                doneInParent.clear();
-            }
-            if (doneInParent.insert(netlist).second) {
-                for (IVDBNet *net : registerClocks.of(netlist, items.find(parent->getModule()))) {
+            // Registers of one kind give the same nets once a parent.
+            if (module.doneIn != parent) {
+                module.doneIn = parent;
+                for (IVDBNet *net : registerClocks.of(module.netlist, items.find(parent->getModule()))) {
                     clocks.emplace(parent, net);
                 }
             }
         }
-        if (ask::mayDescend(*netlist)) {
-            const std::vector<IVDBInstance *> &children = instance->getSubInstances();
-            queue.insert(queue.end(), children.begin(), children.end());
+        if (module.mayDescend && !instance->getSubInstances().empty()) {
+            queue.push_back(instance);
+        }
+    };
+    if (root != nullptr) {
+        visit(root);
+    }
+    for (; !queue.empty(); queue.pop_front()) {
+        for (const IVDBInstance *child : queue.front()->getSubInstances()) {
+            visit(child);
         }
     }
     return clocks;
