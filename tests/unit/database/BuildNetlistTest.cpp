@@ -2,7 +2,6 @@
 
 #include "tests/support/LibsetGuard.h"
 #include "tests/support/NetlistText.h"
-#include "tests/support/Sources.h"
 #include "tests/support/Throws.h"
 #include "tests/support/TreeText.h"
 
