@@ -10,7 +10,7 @@ install_packages packages-test.txt packages-browser.txt
 # Other releases of Node.js bring an npm of their own, which Debian's conflicts with.
 command -v npm >/dev/null || install_packages packages-npm.txt
 
-step "Clang, address and undefined-behaviour sanitizers: every test but packaging, and a fixed run of each fuzzer"
+step "Clang, address and undefined-behaviour sanitizers: every test but packaging and simulation, and a fixed run of each fuzzer"
 build_preset asan
 ctest --preset asan -j "$jobs"
 
