@@ -40,9 +40,13 @@ std::string lower(std::string text)
     return text;
 }
 
-/// False for repetitions of repetitions.
+/// False for repetitions of repetitions, and for counts of thousands: the search refuses those for lack of stack, which
+/// the frames of a sanitized build use up sooner.
 bool isQuick(const std::string &expression)
 {
+    if (std::regex_search(expression, std::regex("[{,][0-9]{4}"))) {
+        return false;
+    }
     const std::string quantifiers = "*+?{";
     std::ptrdiff_t repetitions = 0;
     for (std::size_t i = 0; i < expression.size(); ++i) {
