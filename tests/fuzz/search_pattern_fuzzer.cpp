@@ -44,7 +44,8 @@ std::string lower(std::string text)
 /// the frames of a sanitized build use up sooner.
 bool isQuick(const std::string &expression)
 {
-    if (std::regex_search(expression, std::regex("[{,][0-9]{4}"))) {
+    static const std::regex longCount("[{,][0-9]{4}");
+    if (std::regex_search(expression, longCount)) {
         return false;
     }
     const std::string quantifiers = "*+?{";
