@@ -1,6 +1,7 @@
 #include "CellTable.h"
 
 #include "BuiltInFamilies.h"
+#include "Digits.h"
 #include "YosysReader.h"
 
 #include <algorithm>
@@ -36,11 +37,6 @@ constexpr std::array<KindName, 19> KINDS = {{{CellKind::FlipFlop, "flip-flop"},
                                              {CellKind::Constant, "constant"},
                                              {CellKind::Logic, "logic"},
                                              {CellKind::HardBlock, "hard-block"}}};
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 /// @p pattern as in PinPatterns. Patterns come from tables that people write: a `*` inside a pattern is rare and short.
 bool fits(std::string_view text, std::string_view pattern)

@@ -1,6 +1,7 @@
 #include "DerivedNames.h"
 
 #include "CellType.h"
+#include "Digits.h"
 
 #include <algorithm>
 #include <array>
@@ -12,11 +13,6 @@ namespace {
 bool startsWith(std::string_view text, std::string_view prefix)
 {
     return text.substr(0, prefix.size()) == prefix;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 bool isCapital(char c)

@@ -12,7 +12,7 @@ namespace py = pybind11;
 namespace {
 
 /// What a search for crossings finds; the rows refer to the crossings and the rules.
-struct Found {
+struct FoundCrossings {
     tool::CrossingRules rules;
     std::vector<analysis::Crossing> crossings;
     std::optional<tool::CrossingRows> rows;
@@ -57,7 +57,7 @@ py::object recordOf(const Origin &origin, const tool::CrossingRows &rows, const 
 py::tuple crossingsOf(const InstanceHandle &top, const py::str &rules, bool byBit, const py::object &progress)
 {
     needClocks(top.origin, progress);
-    const auto found = std::make_shared<Found>();
+    const auto found = std::make_shared<FoundCrossings>();
     Job::run(
         [origin = top.origin, found, byBit, file = bytesOf(rules)](Job &job) {
             if (!file.empty()) {

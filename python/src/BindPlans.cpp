@@ -20,7 +20,7 @@ using analysis::PlanBit;
 using analysis::PlanProbe;
 using analysis::ProbePlan;
 
-py::object record(const char *name)
+py::object planRecord(const char *name)
 {
     return fromPackage("netlistdb.plan", name);
 }
@@ -32,7 +32,7 @@ py::object gradeOf(const PlanBit &bit)
 
 py::list clocksOf(const std::vector<analysis::PlanClock> &clocks)
 {
-    const py::object clock = record("PlanClock");
+    const py::object clock = planRecord("PlanClock");
     py::list list;
     for (const analysis::PlanClock &each : clocks) {
         list.append(clock(text(each.name), tool::edgesText(each.edges)));
@@ -42,13 +42,13 @@ py::list clocksOf(const std::vector<analysis::PlanClock> &clocks)
 
 py::object probeRecordOf(const PlanProbe &probe)
 {
-    const py::object bit = record("PlanBit");
+    const py::object bit = planRecord("PlanBit");
     py::list bits;
     for (const PlanBit &each : probe.bits) {
         bits.append(bit(text(each.name), gradeOf(each), textOrNone(nameOf(each.reason)), textOrNone(each.device),
                         each.isInverted));
     }
-    return record("PlanProbe")(text(probe.name), clocksOf(probe.clocks), bits);
+    return planRecord("PlanProbe")(text(probe.name), clocksOf(probe.clocks), bits);
 }
 
 py::list probesOf(const std::vector<PlanProbe> &probes)
@@ -69,8 +69,8 @@ struct Checked {
 
 py::object checkedRecord(const Checked &checked)
 {
-    const py::object finding = record("PlanFinding");
-    const py::object bit = record("CheckedBit");
+    const py::object finding = planRecord("PlanFinding");
+    const py::object bit = planRecord("CheckedBit");
     py::list findings;
     for (const analysis::PlanFinding &each : findChanges(checked.before, checked.now)) {
         findings.append(finding(nameOf(each.verdict), text(each.text)));
@@ -82,7 +82,8 @@ py::object checkedRecord(const Checked &checked)
         bits.append(bit(text(before.name), textOrNone(after.name), textOrNone(before.device), textOrNone(after.device),
                         after.isInverted, gradeOf(after), text(checked.now.bits[at].why)));
     }
-    return record("Checked")(text(checked.before.name), findings, clocksOf(checked.now.clocks), bits, checked.width);
+    return planRecord("Checked")(text(checked.before.name), findings, clocksOf(checked.now.clocks), bits,
+                                 checked.width);
 }
 
 /// Adds probes; returns those that are new, and the paths that were there before.

@@ -19,8 +19,8 @@ namespace py = pybind11;
 namespace {
 
 /// How long it goes on without looking at signals.
-constexpr auto SLICE = std::chrono::milliseconds(20);
-constexpr std::size_t MOST_AHEAD = 256;
+constexpr auto STEP_TIME = std::chrono::milliseconds(20);
+constexpr std::size_t MOST_FOUND_AHEAD = 256;
 
 /// Goes through what may be probed in an instance and below it, level by level.
 class ProbeWalk : public Walker {
@@ -86,8 +86,8 @@ class ProbeWalk : public Walker {
     /// Returns whether that was the end.
     bool findInTurn(std::vector<Found> &found)
     {
-        const auto end = std::chrono::steady_clock::now() + SLICE;
-        while (!m_waiting.empty() && found.size() < MOST_AHEAD && std::chrono::steady_clock::now() < end) {
+        const auto end = std::chrono::steady_clock::now() + STEP_TIME;
+        while (!m_waiting.empty() && found.size() < MOST_FOUND_AHEAD && std::chrono::steady_clock::now() < end) {
             IVDBInstance &instance = *m_waiting.front();
             const std::vector<tool::Probe> &probes = probesOf(*instance.getModule());
             if (m_next == probes.size()) {

@@ -11,7 +11,7 @@ namespace kvr::netlistdb::python {
 
 namespace {
 
-constexpr auto PATIENCE = std::chrono::milliseconds(50);
+constexpr auto WAIT_FOR_TURN = std::chrono::milliseconds(50);
 
 struct Baton {
     std::mutex lock;
@@ -57,7 +57,7 @@ Turn::Turn()
             throw pybind11::error_already_set();
         }
         const pybind11::gil_scoped_release release;
-        isTaken = take(PATIENCE);
+        isTaken = take(WAIT_FOR_TURN);
     }
 }
 

@@ -101,15 +101,6 @@ void ClockAnalysis::forgetSource(IDesignDatabase::SOURCE_TYPE type)
     (type == IDesignDatabase::SOURCE_ELABORATED ? m_elaborated : m_postMap).domains.clear();
 }
 
-namespace {
-
-std::uintptr_t addressOf(const void *object)
-{
-    return reinterpret_cast<std::uintptr_t>(object);
-}
-
-} // namespace
-
 bool InstanceAnswers::find(const IVDBInstance *instance, IClockDomain *&domain) const
 {
     const std::uintptr_t *answer = m_answers.find(addressOf(instance));

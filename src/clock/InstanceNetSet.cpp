@@ -1,5 +1,7 @@
 #include <netlistdb/InstanceNetSet.h>
 
+#include "netlist/AddressMap.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -8,11 +10,6 @@ namespace kvr::netlistdb {
 namespace {
 
 constexpr std::uintptr_t ALIGNMENT = 8;
-
-std::uintptr_t addressOf(const IVDBNet *net)
-{
-    return reinterpret_cast<std::uintptr_t>(net);
-}
 
 bool isAligned(std::uintptr_t address)
 {

@@ -7,15 +7,6 @@
 
 namespace kvr::netlistdb {
 
-namespace {
-
-std::uintptr_t addressOf(const void *object)
-{
-    return reinterpret_cast<std::uintptr_t>(object);
-}
-
-} // namespace
-
 void PairCache::add(IClockDomain *domain, const InstanceNet &pair)
 {
     InstanceNetSet &pairs = m_sets[domain];

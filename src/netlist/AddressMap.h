@@ -7,6 +7,12 @@
 
 namespace kvr::netlistdb {
 
+/// The address of @p object as a key or value of an AddressMap.
+inline std::uintptr_t addressOf(const void *object)
+{
+    return reinterpret_cast<std::uintptr_t>(object);
+}
+
 /// Ordered map from address to address, made for tens of millions of objects that lie close together.
 ///
 /// The address space is cut into pages of 8 KiB. A page in use holds its entries side by side, ordered by their offset:

@@ -4,11 +4,6 @@ namespace kvr::netlistdb {
 
 namespace {
 
-AddressMap::Address addressOf(const void *object)
-{
-    return reinterpret_cast<AddressMap::Address>(object);
-}
-
 template <typename T> T *lookUp(const AddressMap &map, const void *key)
 {
     const AddressMap::Address *value = map.find(addressOf(key));

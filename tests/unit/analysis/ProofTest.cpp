@@ -27,7 +27,7 @@ class Proof : public MapTest {
     }
 };
 
-constexpr const char *DESIGN = R"(
+constexpr const char *PROOF_DESIGN = R"(
     register DFF(in d, clk, out q) clock=clk end
     primitive $_AND_(in A, B, out Y) type=7 end
     primitive $_NOT_(in A, out Y) type=6 input=A end
@@ -45,7 +45,7 @@ constexpr const char *DESIGN = R"(
 
 TEST_F(Proof, AChainNamesEveryNetCellPinAndPositionDownToTheRootOfTheClock)
 {
-    elaboratedMap(DESIGN);
+    elaboratedMap(PROOF_DESIGN);
     const analysis::LaunchProof proof = map->why(instanceOf(""), netIn("", "y"));
     ASSERT_EQ(proof.clocks.size(), 1U);
     EXPECT_EQ(map->clocks()[proof.clocks[0].clock].name, "clk");
@@ -61,7 +61,7 @@ TEST_F(Proof, AChainNamesEveryNetCellPinAndPositionDownToTheRootOfTheClock)
 
 TEST_F(Proof, WhatElseReachesTheNetIsShownToo)
 {
-    elaboratedMap(DESIGN);
+    elaboratedMap(PROOF_DESIGN);
     const analysis::LaunchProof proof = map->why(instanceOf(""), netIn("", "y"));
     ASSERT_EQ(proof.ends.size(), 2U);
     EXPECT_EQ(proof.ends[0].end, analysis::REACHED_BY_INPUT_PORT);
@@ -74,7 +74,7 @@ TEST_F(Proof, WhatElseReachesTheNetIsShownToo)
 
 TEST_F(Proof, ForANetWithoutClockItSaysWhatWasReachedInstead)
 {
-    elaboratedMap(DESIGN);
+    elaboratedMap(PROOF_DESIGN);
     const analysis::LaunchProof proof = map->why(instanceOf("u"), netIn("u", "d"));
     EXPECT_TRUE(proof.clocks.empty());
     ASSERT_EQ(proof.ends.size(), 1U);
@@ -83,7 +83,7 @@ TEST_F(Proof, ForANetWithoutClockItSaysWhatWasReachedInstead)
 
 TEST_F(Proof, AClockNetworkLeadsToItsRoot)
 {
-    elaboratedMap(DESIGN);
+    elaboratedMap(PROOF_DESIGN);
     const analysis::LaunchProof proof = map->why(instanceOf("u"), netIn("u", "ck"));
     ASSERT_EQ(proof.networks.size(), 1U);
     EXPECT_EQ(proof.networks[0].cells, 1U);

@@ -3,7 +3,7 @@
 namespace clock_test {
 namespace {
 
-constexpr int LEVELS = 200;
+constexpr int TRACED_LEVELS = 200;
 
 /// Modules m0, m1, … that each hold the one before as "u" and pass d and e down and q up. @p bottom fills m0, @p
 /// special is a trait of the module half way.
@@ -12,9 +12,9 @@ std::string levels(const std::string &bottom, const std::string &special = "")
     std::string text = "register DFF(in clk, d, out q) clock=clk end operator ADD(in a, b, out o) end\n"
                        "module m0(in d, e, out q) " +
                        bottom + " end\n";
-    for (int level = 1; level < LEVELS; ++level) {
+    for (int level = 1; level < TRACED_LEVELS; ++level) {
         const std::string name = "m" + std::to_string(level);
-        text += "module " + name + "(in d, e, out q) " + (level == LEVELS / 2 ? special : "") + " u: m" +
+        text += "module " + name + "(in d, e, out q) " + (level == TRACED_LEVELS / 2 ? special : "") + " u: m" +
                 std::to_string(level - 1) + "(d=d, e=e, q=q) end\n";
     }
     return text;
@@ -24,7 +24,7 @@ std::string levels(const std::string &bottom, const std::string &special = "")
 std::string pathOf(int level)
 {
     std::string path = "u";
-    for (int above = LEVELS - 1; above > level; --above) {
+    for (int above = TRACED_LEVELS - 1; above > level; --above) {
         path += "/u";
     }
     return path;
@@ -38,7 +38,7 @@ class DeepTrace : public ClockTest {
     {
         std::string text;
         std::string last;
-        for (int level = 0; level < LEVELS; ++level) {
+        for (int level = 0; level < TRACED_LEVELS; ++level) {
             const std::string clock = clockAt(level, net);
             if (clock != last) {
                 text += (text.empty() ? "" : ", ") + std::to_string(level) + ": " + clock;
@@ -80,8 +80,8 @@ TEST_F(DeepTrace, SeesAnOperatorOnTheWayThatGetsItsAnswerLater)
     elaborated((levels("", "library=Operators") + TOP).c_str());
     EXPECT_EQ(clockAt(0, "d"), "none");
     // Behind this net stands the operator, and e is the first of its inputs that leads to a register.
-    EXPECT_EQ(clockAt(LEVELS / 2 + 1, "q"), "clk");
-    EXPECT_EQ(answers("d"), "0: clk, " + std::to_string(LEVELS / 2 + 1) + ": none");
+    EXPECT_EQ(clockAt(TRACED_LEVELS / 2 + 1, "q"), "clk");
+    EXPECT_EQ(answers("d"), "0: clk, " + std::to_string(TRACED_LEVELS / 2 + 1) + ": none");
 }
 
 TEST_F(DeepTrace, ForgetsWhatItKnewWhenASourceComesOrGoes)

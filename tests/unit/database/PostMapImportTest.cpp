@@ -25,8 +25,8 @@ using testsupport::netlistFromText;
 using testsupport::POST_MAP;
 using testsupport::treeText;
 
-struct Imported {
-    explicit Imported(std::string_view text, bool keep = true)
+struct ImportedPostMap {
+    explicit ImportedPostMap(std::string_view text, bool keep = true)
         : source(netlistFromText(text)), database(keep), answer(database.parsePostMapNetlist(source)),
           root(database.getRoot(POST_MAP)), top(database.getTopModule(POST_MAP))
     {
@@ -50,7 +50,7 @@ TEST(PostMapImport, RefusesANullNetlistAndChangesNothing)
 
 TEST(PostMapImport, GivesEveryCellOneInstanceAndEveryCellTypeOneModule)
 {
-    const Imported design(R"(
+    const ImportedPostMap design(R"(
         module top(in clk, d, out q)
             f1: KVR_FF(C=clk, D=d, Q=n)
             f2: KVR_FF(C=clk, D=n, Q=q) #INIT=1 #R_ASYNC=0
@@ -71,7 +71,7 @@ TEST(PostMapImport, GivesEveryCellOneInstanceAndEveryCellTypeOneModule)
 
 TEST(PostMapImport, UnfoldsTheTopLevelAlone)
 {
-    const Imported design(R"(
+    const ImportedPostMap design(R"(
         module leaf() end
         module mid() l: leaf() end
         module top() m: mid() x: leaf() end)");
@@ -81,7 +81,7 @@ TEST(PostMapImport, UnfoldsTheTopLevelAlone)
 
 TEST(PostMapImport, BuildsNetsAndBusesAsTheElaboratedImportDoes)
 {
-    const Imported design("module top(in [1:0] a) net q[0] net q[1] net n end");
+    const ImportedPostMap design("module top(in [1:0] a) net q[0] net q[1] net n end");
     EXPECT_EQ(moduleText(*design.top),
               "bus a[1:0]: a[1] a[0]\nauto q[1:0]: q[0] q[1]\nnet n\nport a[1] in\nport a[0] in\n");
     EXPECT_EQ(design.top->getName(), "top");
@@ -90,7 +90,7 @@ TEST(PostMapImport, BuildsNetsAndBusesAsTheElaboratedImportDoes)
 
 TEST(PostMapImport, StopsAtAnInstanceWithoutViewAndCountsAsLoaded)
 {
-    const Imported design(R"(
+    const ImportedPostMap design(R"(
         module top(in clk)
             f1: KVR_FF(C=clk)
             lost: ?
@@ -106,11 +106,11 @@ TEST(PostMapImport, StopsAtAnInstanceWithoutViewAndCountsAsLoaded)
 TEST(PostMapImport, KeepsTheWorkingCopyAndAnalysesClocksExactlyWithKeptSources)
 {
     const char *text = "module top(in clk) f: KVR_FF(C=clk) end";
-    const Imported kept(text, true);
+    const ImportedPostMap kept(text, true);
     EXPECT_NE(kept.database.workingCopy(POST_MAP), nullptr);
     EXPECT_EQ(kept.database.workingCopy(ELABORATED), nullptr);
     EXPECT_EQ(kept.database.listAllClockDomains(POST_MAP).size(), 1u);
-    const Imported dropped(text, false);
+    const ImportedPostMap dropped(text, false);
     EXPECT_EQ(dropped.database.workingCopy(POST_MAP), nullptr);
     EXPECT_TRUE(dropped.database.listAllClockDomains(POST_MAP).empty());
     EXPECT_EQ(treeText(*dropped.root), "f: KVR_FF\n");
@@ -118,7 +118,7 @@ TEST(PostMapImport, KeepsTheWorkingCopyAndAnalysesClocksExactlyWithKeptSources)
 
 TEST(PostMapImport, RegistersModulesNetsPortsAndInstances)
 {
-    const Imported design("module top(in clk) f: KVR_FF(C=clk) end");
+    const ImportedPostMap design("module top(in clk) f: KVR_FF(C=clk) end");
     const VDBObjectPool &pool = *design.database.objectPool(POST_MAP);
     const Verific::Netlist *copy = design.database.workingCopy(POST_MAP);
     const Verific::Netlist *flipFlop = testsupport::netlistOfCell("KVR_FF");

@@ -39,7 +39,7 @@ class HelpFormatter : public CLI::Formatter {
     std::string m_usage;
 };
 
-using Arguments = std::vector<std::string>;
+using Words = std::vector<std::string>;
 
 std::string oneLine(std::string text)
 {
@@ -76,7 +76,7 @@ int show(const CLI::App &app, const CLI::ParseError &request)
 }
 
 /// Takes the options of the program itself: help and version.
-int parseProgramOptions(Arguments arguments, const Commands &commands)
+int parseProgramOptions(Words arguments, const Commands &commands)
 {
     CLI::App app("Answers questions about a synthesized FPGA design.", "netlistdb");
     app.formatter(std::make_shared<HelpFormatter>("COMMAND DESIGN... [OPTIONS]"));
@@ -103,15 +103,15 @@ int parseProgramOptions(Arguments arguments, const Commands &commands)
 
 /// Parts @p arguments into options, which go to @p app, and the others, which are handled. Everything behind `--` is
 /// no option. CLI11's own positional arguments would take brackets for lists.
-Arguments parseOptions(CLI::App &app, Arguments arguments)
+Words parseOptions(CLI::App &app, Words arguments)
 {
     const auto mark = std::find(arguments.begin(), arguments.end(), "--");
-    const Arguments behindMark(mark == arguments.end() ? mark : mark + 1, arguments.end());
+    const Words behindMark(mark == arguments.end() ? mark : mark + 1, arguments.end());
     arguments.erase(mark, arguments.end());
     std::reverse(arguments.begin(), arguments.end()); // as CLI11 wants them
     app.allow_extras();
     app.parse(arguments);
-    Arguments others = app.remaining();
+    Words others = app.remaining();
     for (const std::string &other : others) {
         if (other.size() > 1 && other.front() == '-') {
             NearestNames nearest(other);
@@ -130,7 +130,7 @@ Arguments parseOptions(CLI::App &app, Arguments arguments)
 std::unique_ptr<Request> parseCommandLine(int argc, const char *const *argv)
 {
     auto request = std::make_unique<Request>();
-    Arguments arguments(argv + std::min(argc, 1), argv + argc);
+    Words arguments(argv + std::min(argc, 1), argv + argc);
     if (arguments.size() > 1 && arguments.front() == "help") {
         arguments = {arguments[1], "--help"};
     }

@@ -11,7 +11,7 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 constexpr std::size_t ENOUGH_ROWS = 500;
-constexpr auto PATIENCE = std::chrono::milliseconds(100);
+constexpr auto WAIT_FOR_MORE_ROWS = std::chrono::milliseconds(100);
 constexpr std::string_view GAP = "  ";
 
 /// Characters of UTF-8 text; bytes that continue a character do not count.
@@ -84,7 +84,8 @@ void TableWriter::end(Ending /*ending*/, const std::vector<Fact> & /*facts*/)
 void TableWriter::tick()
 {
     // Elsewhere than on a terminal the same result is the same text, however slowly it comes.
-    if (m_watched && !m_settled && !m_waiting.empty() && std::chrono::steady_clock::now() - m_firstRow >= PATIENCE) {
+    if (m_watched && !m_settled && !m_waiting.empty() &&
+        std::chrono::steady_clock::now() - m_firstRow >= WAIT_FOR_MORE_ROWS) {
         settle();
     }
     m_stream.tick();
