@@ -48,7 +48,7 @@ unsigned Map::Remove(const void *key)
 
 void Map::Reset()
 {
-    std::vector<Entry>().swap(m_entries);
+    Entries().swap(m_entries);
     m_index.clear();
     m_size = 0;
     m_head = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hash.h"
+#include "SlabAllocator.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -84,8 +85,10 @@ class VERIFIC_EXPORT Map {
     void buildIndex() const;
     void indexSlot(unsigned slot) const;
 
-    std::vector<Entry> m_entries; ///< the last one is never a freed one
-    mutable HashIndex m_index;    ///< the first slot of every key; built by the first look-up in a table of some size
+    using Entries = std::vector<Entry, SlabAllocator<Entry>>;
+
+    Entries m_entries;         ///< the last one is never a freed one
+    mutable HashIndex m_index; ///< the first slot of every key; built by the first look-up in a table of some size
     unsigned m_size = 0;
     unsigned m_head = 0; ///< slots before it are freed
     hash_type m_type;

@@ -36,7 +36,7 @@ unsigned Set::Remove(const void *item)
 
 void Set::Reset()
 {
-    std::vector<const void *>().swap(m_items);
+    Items().swap(m_items);
     m_index.clear();
     m_size = 0;
     m_head = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hash.h"
+#include "SlabAllocator.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -68,8 +69,10 @@ class VERIFIC_EXPORT Set {
 
     friend class SetIter;
 
-    std::vector<const void *> m_items; ///< null marks a freed slot; the last one is never freed
-    mutable HashIndex m_index;         ///< built by the first look-up in a set of some size
+    using Items = std::vector<const void *, SlabAllocator<const void *>>;
+
+    Items m_items;             ///< null marks a freed slot; the last one is never freed
+    mutable HashIndex m_index; ///< built by the first look-up in a set of some size
     unsigned m_size = 0;
     unsigned m_head = 0; ///< slots before it are freed
     hash_type m_type;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SlabAllocator.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -12,6 +14,8 @@ namespace Verific {
 /// Bounds and bits of a bus. The storage ends at the last bit that is set, so wide bounds alone cost nothing.
 template <typename Bit> class BusElements {
   public:
+    using Bits = std::vector<Bit *, SlabAllocator<Bit *>>;
+
     BusElements(int left, int right) : m_left(left), m_right(right) {}
 
     int left() const { return m_left; }
@@ -40,8 +44,8 @@ template <typename Bit> class BusElements {
     std::uint64_t width() const { return offsetOf(m_right) + 1; }
 
     /// Places counted from the left bound; ends after the last bit that is set.
-    const std::vector<Bit *> &bits() const { return m_bits; }
-    std::vector<Bit *> &bits() { return m_bits; }
+    const Bits &bits() const { return m_bits; }
+    Bits &bits() { return m_bits; }
 
     void put(std::uint64_t offset, Bit *bit)
     {
@@ -94,7 +98,7 @@ template <typename Bit> class BusElements {
     }
 
   private:
-    std::vector<Bit *> m_bits;
+    Bits m_bits;
     int m_left;
     int m_right;
 };

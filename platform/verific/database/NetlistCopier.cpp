@@ -95,8 +95,8 @@ void NetlistCopier::copyPortBuses()
             give(*m_copy,
                  std::unique_ptr<PortBus>(new PortBus(bus->m_name, bus->LeftIndex(), bus->RightIndex(), bus->m_dir)));
         copy->copyTraits(*bus);
-        const std::vector<Port *> &from = bus->m_elements.bits();
-        std::vector<Port *> &to = copy->m_elements.bits();
+        const BusElements<Port>::Bits &from = bus->m_elements.bits();
+        BusElements<Port>::Bits &to = copy->m_elements.bits();
         to.resize(from.size());
         for (std::size_t at = 0; at < from.size(); ++at) {
             if (from[at] != nullptr && from[at]->m_owner == &m_source) {
@@ -139,8 +139,8 @@ void NetlistCopier::copyNetBuses()
         NetBus *copy =
             give(*m_copy, std::unique_ptr<NetBus>(new NetBus(bus->m_name, bus->LeftIndex(), bus->RightIndex())));
         copy->copyTraits(*bus);
-        const std::vector<Net *> &from = bus->m_elements.bits();
-        std::vector<Net *> &to = copy->m_elements.bits();
+        const BusElements<Net>::Bits &from = bus->m_elements.bits();
+        BusElements<Net>::Bits &to = copy->m_elements.bits();
         to.resize(from.size());
         for (std::size_t at = 0; at < from.size(); ++at) {
             if (from[at] != nullptr && from[at]->m_owner == &m_source) {

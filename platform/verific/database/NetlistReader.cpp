@@ -375,6 +375,7 @@ void NetlistReader::readParameterSets()
     for (const std::uint32_t size : sizes) {
         require(size <= keys.size() - pair);
         m_parameterSets.emplace_back(new ParamTable);
+        m_parameterSets.back()->reserve(size);
         for (const unsigned end = pair + size; pair < end; ++pair) {
             const SharedName key = textOrNone(keys[pair]);
             spendOn(key);

@@ -4,11 +4,16 @@
 
 namespace Verific {
 
+void ParamTable::reserve(unsigned count)
+{
+    m_texts.reserve(count);
+    m_map.reserve(count);
+}
+
 std::unique_ptr<ParamTable> ParamTable::clone() const
 {
     auto copy = std::make_unique<ParamTable>();
-    copy->m_texts.reserve(m_texts.size() + 1);
-    copy->m_map.reserve(static_cast<unsigned>(m_texts.size()) + 1);
+    copy->reserve(static_cast<unsigned>(m_texts.size()) + 1);
     for (const Texts &texts : m_texts) {
         copy->m_texts.push_back(texts);
         copy->m_map.append(texts.key.get(), texts.value.get());

@@ -2,6 +2,7 @@
 
 #include "Map.h"
 #include "SharedName.h"
+#include "SlabAllocator.h"
 
 #include <memory>
 #include <vector>
@@ -25,7 +26,13 @@ class ParamTable {
         }
     }
 
+    // One for nearly each look-up table of a device.
+    static void *operator new(std::size_t size) { return allocateElements(size); }
+    static void operator delete(void *table, std::size_t size) noexcept { freeElements(table, size); }
+
     bool shared() const { return m_users > 1; }
+    /// Makes room for @p count parameters in all.
+    void reserve(unsigned count);
     /// A table of one user with the same parameters.
     std::unique_ptr<ParamTable> clone() const;
     /// Adds a parameter; returns false when the key is null or there already.
@@ -42,7 +49,7 @@ class ParamTable {
     };
 
     Map m_map{STRING_HASH};
-    std::vector<Texts> m_texts; ///< owns what the map points to
+    std::vector<Texts, SlabAllocator<Texts>> m_texts; ///< owns what the map points to
     unsigned m_users = 1;
 };
 
