@@ -10,12 +10,12 @@ install_packages packages-test.txt packages-browser.txt
 # Other releases of Node.js bring an npm of their own, which Debian's conflicts with.
 command -v npm >/dev/null || install_packages packages-npm.txt
 
-step "Clang, address and undefined-behaviour sanitizers: every test but packaging and simulation, and a fixed run of each fuzzer"
+step "Clang, address and undefined-behaviour sanitizers: every test but packaging, simulation and texts, and a fixed run of each fuzzer"
 build_preset asan
 ctest --preset asan -j "$jobs"
 
 step "GCC, thread sanitizer: the tests with threads"
-build_preset tsan search_cancel_test memory_test
+build_preset tsan search_cancel_test memory_test name_block_threads_test
 ctest --preset tsan -j "$jobs" -L threads
 
 step "GCC, optimised: every test, packages, and the build against a commercial layout"

@@ -6,7 +6,7 @@ import unittest
 
 from program import PROGRAM, ProgramTest, environment
 
-LEVELS = 20_000
+LEVELS = int(os.environ["DEEP_LEVELS"])
 CLOCKED_LEVELS = 1_000  # each query goes through all of them
 SEARCHED_LEVELS = 1_000  # the lowest, where each full name holds those of all levels above
 INSTANCES = int(os.environ["WIDE_INSTANCES"])

@@ -16,10 +16,9 @@ class Save(ProgramTest):
             saved = self.path("design.netlist")
             self.assertEqual(self.succeed("save", design, saved), "")
             for command, *options in commands:
-                for form in ("table", "json", "csv"):
-                    with self.subTest(design, command=command, format=form):
-                        answers = [self.succeed(command, source, *options, "--format", form) for source in (design, saved)]
-                        self.assertEqual(*answers)
+                with self.subTest(design, command=command):
+                    answers = [self.succeed(command, source, *options, "--format", "json") for source in (design, saved)]
+                    self.assertEqual(*answers)
 
     def test_saving_a_saved_netlist_changes_nothing(self):
         first, second = self.path("first"), self.path("second")

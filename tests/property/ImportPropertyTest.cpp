@@ -6,6 +6,7 @@
 #include "tests/property/ImportReference.h"
 #include "tests/property/RandomNetlist.h"
 #include "tests/support/LibsetGuard.h"
+#include "tests/support/RandomInputs.h"
 
 #include <netlistdb/netlistdb.h>
 
@@ -155,7 +156,7 @@ void runSession(std::uint64_t seed)
 TEST(ImportProperty, BuildsWhatThePlainReferenceSays)
 {
     const auto before = liveItemCounts();
-    for (std::uint64_t seed = 1; seed <= 2500; ++seed) {
+    for (std::uint64_t seed = 1; seed <= testsupport::randomInputs(2500); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         runSession(seed);
         ASSERT_EQ(liveItemCounts(), before);

@@ -1,5 +1,6 @@
 #include "tests/property/clockmap/ReferenceMap.h"
 #include "tests/support/LibsetGuard.h"
+#include "tests/support/RandomInputs.h"
 
 #include <netlistdb/analysis/ClockMap.h>
 #include <netlistdb/netlistdb.h>
@@ -212,14 +213,14 @@ void compare(unsigned seed, bool elaborated)
 
 TEST(ClockMapProperty, EveryAnswerOnRandomElaboratedDesignsIsThatOfTheUnfoldedReference)
 {
-    for (unsigned seed = 0; seed < 1000; ++seed) {
+    for (unsigned seed = 0; seed < testsupport::randomInputs(1000); ++seed) {
         ASSERT_NO_FATAL_FAILURE(compare(seed, true));
     }
 }
 
 TEST(ClockMapProperty, EveryAnswerOnRandomPostMapDesignsIsThatOfTheUnfoldedReference)
 {
-    for (unsigned seed = 0; seed < 1000; ++seed) {
+    for (unsigned seed = 0; seed < testsupport::randomInputs(1000); ++seed) {
         ASSERT_NO_FATAL_FAILURE(compare(seed, false));
     }
 }

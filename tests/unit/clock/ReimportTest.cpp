@@ -1,5 +1,6 @@
 #include "ClockTest.h"
 #include "RandomNetlists.h"
+#include "tests/support/RandomInputs.h"
 
 #include <algorithm>
 #include <functional>
@@ -120,7 +121,7 @@ bool import(DesignDatabase &database, Verific::Netlist *netlist, IDesignDatabase
 TEST(Reimport, AnswersLikeAFreshDatabaseAfterManyResetsAndImports)
 {
     Reuse reuse;
-    for (unsigned seed = 1; seed <= 150; ++seed) {
+    for (unsigned seed = 1; seed <= testsupport::randomInputs(150); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         const testsupport::LibsetGuard guard;
         RandomNetlists random(seed);
