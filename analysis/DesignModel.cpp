@@ -7,6 +7,7 @@
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 #include <netlistdb/analysis/ClockMap.h>
 
 #include <algorithm>
@@ -162,7 +163,7 @@ std::string DesignModel::nameOf(const Place &place) const
 {
     std::string name = pathOf(place.context);
     const IVDBNet *const item = itemOf(place);
-    return name.append(name.empty() ? "" : "/").append(item != nullptr ? item->getName() : std::string());
+    return name.append(name.empty() ? "" : "/").append(item != nullptr ? nameText(*item) : std::string_view());
 }
 
 Place DesignModel::rootOf(std::uint32_t clock) const

@@ -8,6 +8,7 @@
 
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 
 #include <algorithm>
 #include <charconv>
@@ -53,8 +54,7 @@ std::string CrossingEnds::nameOf(Node node)
 {
     const std::uint32_t context = m_design.contextOf(node);
     const IVDBNet *const item = m_design.itemOf(node);
-    return below(pathOf(context),
-                 item != nullptr ? std::string_view(item->getName()) : textOf(m_design.netAt(node).Name()));
+    return below(pathOf(context), item != nullptr ? nameText(*item) : textOf(m_design.netAt(node).Name()));
 }
 
 void CrossingEnds::nameAfter(CrossingEnd &end, Node node)

@@ -7,6 +7,7 @@
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 
 #include <algorithm>
 #include <optional>
@@ -53,7 +54,7 @@ class Wanted {
     {
         if (!m_name) {
             const std::string path = m_inst.getPath();
-            m_name = hashOfPath(path + (path.empty() ? "" : "/") + m_net.getName());
+            m_name = hashOfPath((path + (path.empty() ? "" : "/")).append(nameText(m_net)));
         }
         return *m_name;
     }

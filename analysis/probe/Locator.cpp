@@ -7,6 +7,7 @@
 #include <netlistdb/DesignDatabase.h>
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -53,12 +54,12 @@ void Locator::orderNets()
         }
         std::stable_partition(first, last, [&](std::uint32_t net) {
             const IVDBNet *const item = netItem(placeOf(net));
-            return item != nullptr && !item->getName().empty() && item->getName().front() != '$';
+            return item != nullptr && !nameText(*item).empty() && nameText(*item).front() != '$';
         });
         for (auto net = first; net != last; ++net) {
             const NetPlace place = placeOf(*net);
             const IVDBNet *const item = netItem(place);
-            m_nameHashes.push_back(hashOfPath(item != nullptr ? item->getName() : "", prefixes[place.occurrence]));
+            m_nameHashes.push_back(hashOfPath(item != nullptr ? nameText(*item) : "", prefixes[place.occurrence]));
         }
     }
 }

@@ -25,7 +25,9 @@ class NETLISTDB_EXPORT IVDBItem {
   public:
     virtual ~IVDBItem();
     /// The item's own name, one level, unchanged from the netlist (a clock domain's: with its path). May be empty.
-    /// Lives as long as the item.
+    /// Lives as long as the item. Nets, buses and instances make the string when they are asked for it first; that may
+    /// be done from several threads. nameText() reads millions of names without making them strings.
+    /// @throws std::bad_alloc
     virtual const std::string &getName() const = 0;
     /// Exactly one bit of ItemType, a constant of the class.
     virtual std::uint32_t getItemType() const = 0;

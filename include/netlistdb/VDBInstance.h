@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 namespace Verific {
 class Instance;
@@ -13,7 +14,7 @@ class Instance;
 namespace kvr::netlistdb {
 
 class InstanceTraits;
-struct SharedString;
+class NameBlock;
 
 /// An instance of the unfolded tree.
 class NETLISTDB_EXPORT VDBInstance : public PooledItem<IVDBInstance> {
@@ -40,6 +41,9 @@ class NETLISTDB_EXPORT VDBInstance : public PooledItem<IVDBInstance> {
     bool addSubInstance(IVDBInstance *child) override;
     std::uint32_t getParameterCount() const override;
 
+    /// The text of getName(), NUL-terminated, without the string that getName() makes when it is called first.
+    std::string_view nameText() const;
+
     /// Makes room for @p count children in all, for builders that know the number.
     void reserveSubInstances(std::size_t count);
 
@@ -53,7 +57,7 @@ class NETLISTDB_EXPORT VDBInstance : public PooledItem<IVDBInstance> {
     void deleteSubInstances();
 
     unsigned long long m_depth = 0;
-    SharedString *m_name = nullptr; ///< shared with the other occurrences of the instance; null: empty
+    NameBlock *m_name = nullptr; ///< shared with the other occurrences of the instance; null: empty
     IVDBInstance *m_owner;
     IVDBNetlist *m_module;
     std::unique_ptr<std::vector<IVDBInstance *>> m_subInstances; ///< made with the first

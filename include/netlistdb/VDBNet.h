@@ -4,6 +4,7 @@
 #include <netlistdb/PooledItem.h>
 
 #include <memory>
+#include <string_view>
 
 namespace Verific {
 class Net;
@@ -11,6 +12,7 @@ class Net;
 
 namespace kvr::netlistdb {
 
+class NameBlock;
 class SourcePaths;
 
 /// A net made from a net of the netlist database.
@@ -40,13 +42,16 @@ class NETLISTDB_EXPORT VDBNet : public PooledItem<IVDBNet> {
     bool isGnd() const override;
     bool isMultipleDriven() const override;
 
+    /// The text of getName(), NUL-terminated, without the string that getName() makes when it is called first.
+    std::string_view nameText() const;
+
   private:
     friend class ModuleBuilder;
 
     /// Shares the path of its source position with other items made with the same @p paths; null: shares with none.
     __attribute__((visibility("hidden"))) VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net, SourcePaths *paths);
 
-    std::string m_name;
+    NameBlock *m_name = nullptr; ///< null: empty
     unsigned long long m_width = 0;
     std::unique_ptr<IVDBLineInfo> m_lineInfo;
     IVDBNetBus *m_ownerBus;

@@ -5,12 +5,16 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 namespace Verific {
 class NetBus;
 }
 
 namespace kvr::netlistdb {
+
+class NameBlock;
+class SourcePaths;
 
 /// A net bus, either declared in the netlist database or made up by the import from bit nets.
 class NETLISTDB_EXPORT VDBNetBus : public PooledItem<IVDBNetBus> {
@@ -44,9 +48,16 @@ class NETLISTDB_EXPORT VDBNetBus : public PooledItem<IVDBNetBus> {
 
     /// Makes room for @p count members in all, for builders that know the number.
     void reserveNets(std::size_t count);
+    /// The text of getName(), NUL-terminated, without the string that getName() makes when it is called first.
+    std::string_view nameText() const;
 
   private:
-    std::string m_name;
+    friend class ModuleBuilder;
+
+    /// Shares the path of its source position with other items made with the same @p paths; null: shares with none.
+    __attribute__((visibility("hidden"))) VDBNetBus(const Verific::NetBus *netBus, SourcePaths *paths);
+
+    NameBlock *m_name = nullptr; ///< null: empty
     unsigned long long m_width = 0;
     std::unique_ptr<IVDBLineInfo> m_lineInfo;
     bool m_excluded = false;

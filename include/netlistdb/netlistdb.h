@@ -16,6 +16,7 @@
 #include <netlistdb/IVDBPort.h>
 #include <netlistdb/IVDBResultSet.h>
 #include <netlistdb/IWidth.h>
+#include <netlistdb/NameText.h>
 #include <netlistdb/PooledItem.h>
 #include <netlistdb/SearchResults.h>
 #include <netlistdb/TreeIterator.h>

@@ -34,7 +34,7 @@ py::object nextOfWalk(Walk &self)
 py::str nameOf(const InstanceHandle &self)
 {
     self.origin.check();
-    return text(self.instance->getName());
+    return text(nameText(*self.instance));
 }
 
 /// An instance or module as the netlist has it.

@@ -22,7 +22,7 @@ tool::ModuleNames &namesOf(const Origin &origin, const IVDBInstance &instance)
 std::string nameOf(const NetHandle &self)
 {
     self.origin.check();
-    return self.net != nullptr ? self.net->getName() : self.signal->bitName(self.position);
+    return self.net != nullptr ? std::string(nameText(*self.net)) : self.signal->bitName(self.position);
 }
 
 std::string nameOf(const BusHandle &self)
@@ -89,7 +89,7 @@ std::size_t widthOf(const BusHandle &self)
 template <class Handle> py::str nameTextOf(const Handle &self)
 {
     const IVDBNetBase *const item = itemOf(self);
-    return item != nullptr ? text(item->getName()) : text(nameOf(self));
+    return item != nullptr ? text(nameText(*item)) : text(nameOf(self));
 }
 
 /// What nets and buses have in common.

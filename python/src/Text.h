@@ -2,12 +2,13 @@
 
 #include <pybind11/pybind11.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvr::netlistdb::python {
 
 /// A name as Python sees it. Names are bytes: those that are no UTF-8 become lone surrogates, and back (PEP 383).
-inline pybind11::str text(const std::string &bytes)
+inline pybind11::str text(std::string_view bytes)
 {
     PyObject *const result =
         PyUnicode_DecodeUTF8(bytes.data(), static_cast<Py_ssize_t>(bytes.size()), "surrogateescape");
@@ -18,7 +19,7 @@ inline pybind11::str text(const std::string &bytes)
 }
 
 /// The same; None for an empty one.
-inline pybind11::object textOrNone(const std::string &bytes)
+inline pybind11::object textOrNone(std::string_view bytes)
 {
     return bytes.empty() ? pybind11::object(pybind11::none()) : text(bytes);
 }

@@ -2,6 +2,7 @@
 
 #include "clock/ItemLookup.h"
 
+#include <netlistdb/NameText.h>
 #include <netlistdb/VDBInstance.h>
 
 #include <algorithm>
@@ -30,7 +31,7 @@ bool isChildOf(const IVDBInstance *parent, const IVDBInstance *child, const Item
 IVDBInstance *firstByWalking(const std::vector<IVDBInstance *> &children, std::string_view name)
 {
     const auto found = std::find_if(children.begin(), children.end(), [name](const IVDBInstance *child) {
-        return child != nullptr && child->getName() == name;
+        return child != nullptr && nameText(*child) == name;
     });
     return found != children.end() ? *found : nullptr;
 }
@@ -55,7 +56,7 @@ IVDBInstance *FirstChild::find(const IVDBInstance *parent, std::string_view name
     if (place != table->second.places.end() && place->second < children.size()) {
         IVDBInstance *const child = children[place->second];
         // An import makes children in the order of the module, so that what holds for one of its parents holds for all.
-        if (parent == table->second.parent || (isChildOf(parent, child, items) && child->getName() == name)) {
+        if (parent == table->second.parent || (isChildOf(parent, child, items) && nameText(*child) == name)) {
             return child;
         }
     }
@@ -67,7 +68,7 @@ FirstChild::NameTable::NameTable(const IVDBInstance *of, const ItemLookup &items
     const std::vector<IVDBInstance *> &children = parent->getSubInstances();
     places.reserve(children.size());
     for (std::size_t place = 0; place < children.size() && isImported(children[place], items); ++place) {
-        places.try_emplace(children[place]->getName(), place);
+        places.try_emplace(nameText(*children[place]), place);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 
 #include <stdexcept>
 
@@ -19,7 +20,7 @@ VDBClockDomain::VDBClockDomain(IVDBNet *net, IVDBInstance *inst) : m_instance(in
     if (!m_name.empty()) {
         m_name += '/';
     }
-    m_name += net->getName();
+    m_name += nameText(*net);
 }
 
 VDBClockDomain::~VDBClockDomain()

@@ -3,6 +3,7 @@
 #include "database/DatabaseState.h"
 
 #include <netlistdb/IVDBNet.h>
+#include <netlistdb/NameText.h>
 #include <netlistdb/VDBInstance.h>
 
 #include <chrono>
@@ -24,7 +25,7 @@ void askForPath(const IVDBInstance &instance)
 void askForNames(const IVDBInstance &instance, const IVDBNet &net)
 {
     askForPath(instance);
-    static_cast<void>(net.getName());
+    static_cast<void>(nameText(net));
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include <memory>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace kvr::netlistdb {
 
@@ -53,13 +54,18 @@ class ModuleBuilder {
         Verific::MapIter buses;
         const Verific::NetBus *netBus = nullptr;
         FOREACH_NETBUS_OF_NETLIST (m_netlist, buses, netBus) {
-            m_bus = std::make_unique<VDBNetBus>(netBus);
+            m_bus.reset(new VDBNetBus(netBus, &m_paths));
+            m_members.clear();
             Verific::MapIter nets;
             Verific::Net *net = nullptr;
             FOREACH_NET_OF_NETBUS (netBus, nets, net) {
                 if (net != nullptr) {
-                    addMember(net);
+                    m_members.push_back(net);
                 }
+            }
+            m_bus->reserveNets(m_members.size());
+            for (const Verific::Net *member : m_members) {
+                addMember(member);
             }
             finishBus();
         }
@@ -156,7 +162,8 @@ class ModuleBuilder {
     const Verific::Netlist *m_netlist;
     std::unique_ptr<VDBNetlist> m_module;
     SourcePaths m_paths;
-    std::unique_ptr<VDBNetBus> m_bus; ///< the one being filled
+    std::unique_ptr<VDBNetBus> m_bus;            ///< the one being filled
+    std::vector<const Verific::Net *> m_members; ///< of that bus
 };
 
 IVDBNetlist *DesignDatabase::buildNetlist(Verific::Netlist *netlist, bool elaborated, const std::string &cellName,

@@ -2,7 +2,10 @@
 
 #include "model/InstanceTraits.h"
 #include "model/LiveItems.h"
+#include "model/NameBlock.h"
 #include "netlist/verific_queries.h"
+
+#include <netlistdb/NameText.h>
 
 #include <DataBase.h>
 
@@ -14,7 +17,6 @@ namespace kvr::netlistdb {
 namespace {
 
 // Never destroyed: instances may be used and deleted at any time while the process ends.
-const std::string &NO_NAME = *new std::string;
 const std::vector<IVDBInstance *> &NO_SUB_INSTANCES = *new std::vector<IVDBInstance *>;
 
 /// The instance as a VDBInstance when it is exactly that, whose behaviour is known; null for a class derived from it.
@@ -67,7 +69,7 @@ VDBInstance::VDBInstance(IVDBNetlist *module, IVDBInstance *owner, const Instanc
 VDBInstance::~VDBInstance()
 {
     deleteSubInstances();
-    release(m_name);
+    NameBlock::release(m_name);
     uncountItem(LiveItem::Instance);
 }
 
@@ -116,7 +118,12 @@ void VDBInstance::deleteSubInstances()
 
 const std::string &VDBInstance::getName() const
 {
-    return m_name != nullptr ? m_name->text : NO_NAME;
+    return NameBlock::string(m_name);
+}
+
+std::string_view VDBInstance::nameText() const
+{
+    return NameBlock::text(m_name);
 }
 
 std::uint32_t VDBInstance::getItemType() const
@@ -141,22 +148,23 @@ IVDBNetlist *VDBInstance::getModule() const
 
 std::string VDBInstance::getPath() const
 {
-    std::vector<const std::string *> names;
-    std::size_t length = getName().size();
+    std::vector<std::string_view> names;
+    const std::string_view own = netlistdb::nameText(*this);
+    std::size_t length = own.size();
     for (const IVDBInstance *ancestor = m_owner; ancestor != nullptr; ancestor = ancestor->getOwnerInstance()) {
-        const std::string &name = ancestor->getName();
+        const std::string_view name = netlistdb::nameText(*ancestor);
         if (!name.empty()) {
-            names.push_back(&name);
+            names.push_back(name);
             length += name.size() + 1;
         }
     }
     std::string path;
     path.reserve(length);
     for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        path += **name;
+        path += *name;
         path += '/';
     }
-    path += getName();
+    path += own;
     return path;
 }
 

@@ -1,6 +1,7 @@
 #include <netlistdb/VDBNet.h>
 
 #include "model/LiveItems.h"
+#include "model/NameBlock.h"
 #include "model/SourcePosition.h"
 #include "netlist/verific_queries.h"
 
@@ -21,9 +22,6 @@ VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net, SourcePaths *paths
     if (net == nullptr) {
         throw std::invalid_argument("net is nullptr");
     }
-    if (const char *name = net->Name()) {
-        m_name = name;
-    }
     m_width = verific_queries::widthOf(*net);
     m_power = net->IsPwr() != 0;
     m_ground = net->IsGnd() != 0;
@@ -31,17 +29,24 @@ VDBNet::VDBNet(IVDBNetBus *ownerBus, const Verific::Net *net, SourcePaths *paths
     m_lineInfo = sourcePosition(*net, paths);
     m_excluded = verific_queries::mustNotBeProbed(*net);
     m_protected = net->IsProtected() != 0;
+    m_name = NameBlock::make(net->Name()); // the last that may throw: no destructor frees it before
     countItem(LiveItem::Net);
 }
 
 VDBNet::~VDBNet()
 {
+    NameBlock::release(m_name);
     uncountItem(LiveItem::Net);
 }
 
 const std::string &VDBNet::getName() const
 {
-    return m_name;
+    return NameBlock::string(m_name);
+}
+
+std::string_view VDBNet::nameText() const
+{
+    return NameBlock::text(m_name);
 }
 
 std::uint32_t VDBNet::getItemType() const

@@ -9,20 +9,19 @@ void FullNameExpression::enter(const IVDBInstance &instance)
     m_instance = &instance;
 }
 
-bool FullNameExpression::operator()(const std::string &name)
+bool FullNameExpression::operator()(std::string_view name)
 {
     if (m_instance != nullptr) {
         m_buffer = netNamePrefix(m_instance);
         m_prefixSize = m_buffer.size();
         m_instance = nullptr;
     }
-    const std::string *fullName = &name;
-    if (m_prefixSize != 0) {
-        m_buffer.resize(m_prefixSize);
-        m_buffer += name;
-        fullName = &m_buffer;
+    if (m_prefixSize == 0) {
+        return m_expression.isFoundIn(name);
     }
-    return m_expression.isFoundIn(*fullName);
+    m_buffer.resize(m_prefixSize);
+    m_buffer += name;
+    return m_expression.isFoundIn(m_buffer);
 }
 
 } // namespace kvr::netlistdb

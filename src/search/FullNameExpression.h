@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <regex>
 #include <string>
+#include <string_view>
 
 namespace kvr::netlistdb {
 
@@ -20,7 +21,7 @@ class FullNameExpression {
     /// The names that follow belong to nets of @p instance, which must live as long as they come.
     void enter(const IVDBInstance &instance);
     /// True when std::regex_search finds the expression in the full name of the net called @p name.
-    bool operator()(const std::string &name);
+    bool operator()(std::string_view name);
 
   private:
     BoundedExpression m_expression;

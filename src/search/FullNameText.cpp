@@ -20,7 +20,7 @@ void FullNameText::enter(const IVDBInstance &instance)
     m_isInPrefix = false;
 }
 
-bool FullNameText::operator()(const std::string &name)
+bool FullNameText::operator()(std::string_view name)
 {
     if (m_isInPrefix) {
         return true;
@@ -36,7 +36,7 @@ bool FullNameText::operator()(const std::string &name)
     return m_isInPrefix || crossesInto(searched);
 }
 
-std::string_view FullNameText::folded(const std::string &text)
+std::string_view FullNameText::folded(std::string_view text)
 {
     if (!m_fold) {
         return text;

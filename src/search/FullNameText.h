@@ -25,10 +25,10 @@ class FullNameText {
     /// The names that follow belong to nets of @p instance, which must live as long as they come.
     void enter(const IVDBInstance &instance);
     /// True when the text lies in the full name of the net called @p name. An empty text lies in every name.
-    bool operator()(const std::string &name);
+    bool operator()(std::string_view name);
 
   private:
-    std::string_view folded(const std::string &text);
+    std::string_view folded(std::string_view text);
     void readPrefix();
     bool crossesInto(std::string_view name);
 

@@ -3,6 +3,7 @@
 #include "search/NaturalOrder.h"
 
 #include <netlistdb/IVDBNetBase.h>
+#include <netlistdb/NameText.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -43,7 +44,7 @@ void orderMembers(std::vector<IVDBNetBase *> &members, SortOrder byName, SortOrd
 {
     if (byName != SORT_NONE) {
         sortBy(
-            members, byName, [](const IVDBNetBase *member) { return member->getName().c_str(); },
+            members, byName, [](const IVDBNetBase *member) { return nameText(*member).data(); },
             [](const char *a, const char *b) { return naturalCompareNoCase(a, b) < 0; });
     }
     if (byWidth != SORT_NONE) {

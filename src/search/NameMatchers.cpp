@@ -7,9 +7,11 @@
 #include <netlistdb/IVDBInstance.h>
 #include <netlistdb/IVDBNetlist.h>
 #include <netlistdb/IVDBPort.h>
+#include <netlistdb/NameText.h>
 #include <netlistdb/TreeIterator.h>
 
 #include <stdexcept>
+#include <string_view>
 
 namespace kvr::netlistdb {
 
@@ -22,7 +24,7 @@ template <typename Kind, typename Hit> bool matchName(TreeIterator &iterator, Hi
         if (item == nullptr) {
             throw std::runtime_error("Unknown item iterated");
         }
-        if (hit(item->getName())) {
+        if (hit(nameText(*item))) {
             return true;
         }
     }
@@ -32,13 +34,13 @@ template <typename Kind, typename Hit> bool matchName(TreeIterator &iterator, Hi
 template <typename Kind> bool matchPart(TreeIterator &iterator, const std::string &pattern)
 {
     return matchName<Kind>(iterator,
-                           [&pattern](const std::string &name) { return name.find(pattern) != std::string::npos; });
+                           [&pattern](std::string_view name) { return name.find(pattern) != std::string_view::npos; });
 }
 
 template <typename Kind> bool matchWhole(TreeIterator &iterator, const std::regex &expression)
 {
     BoundedExpression bounded(expression);
-    return matchName<Kind>(iterator, [&bounded](const std::string &name) { return bounded.matches(name); });
+    return matchName<Kind>(iterator, [&bounded](std::string_view name) { return bounded.matches(name); });
 }
 
 } // namespace

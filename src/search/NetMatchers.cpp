@@ -9,6 +9,7 @@
 #include "search/RequiredText.h"
 #include "search/WalkCursor.h"
 
+#include <netlistdb/NameText.h>
 #include <netlistdb/TreeIterator.h>
 #include <netlistdb/VDBInstance.h>
 #include <netlistdb/VDBNet.h>
@@ -18,6 +19,7 @@
 #include <locale>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <typeinfo>
 
 namespace kvr::netlistdb {
@@ -67,7 +69,7 @@ bool matchFromNet(Cursor cursor, const Arguments &...arguments)
             test.enter(notNull(itemCast<IVDBInstance, VDBInstance>(context), "Unknown item saved in context"));
             entered = context;
         }
-        if (test(net.getName())) {
+        if (test(nameText(net))) {
             return true;
         }
         cursor.next();
@@ -127,7 +129,7 @@ class ScreenedExpression {
         m_expression.enter(instance);
     }
 
-    bool operator()(const std::string &name) { return m_text(name) && m_expression(name); }
+    bool operator()(std::string_view name) { return m_text(name) && m_expression(name); }
 
   private:
     FullNameExpression m_expression;

@@ -3,6 +3,7 @@
 #include "search/FullName.h"
 
 #include <netlistdb/IVDBNetBase.h>
+#include <netlistdb/NameText.h>
 #include <netlistdb/TreeIterator.h>
 
 namespace kvr::netlistdb {
@@ -18,7 +19,9 @@ bool VDBHelper::matchAll(TreeIterator *iterator)
 
 std::string VDBHelper::getNetFullName(IVDBNetBase *net, IVDBInstance *instance)
 {
-    return netNamePrefix(instance) + net->getName();
+    std::string fullName = netNamePrefix(instance);
+    fullName += nameText(*net);
+    return fullName;
 }
 
 } // namespace kvr::netlistdb

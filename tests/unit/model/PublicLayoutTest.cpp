@@ -38,8 +38,8 @@ TEST(PublicLayout, OfTheInterfacesIsFixed)
 
 TEST(PublicLayout, OfTheItemsIsFixed)
 {
-    EXPECT_LAYOUT(VDBNet, 80);
-    EXPECT_LAYOUT(VDBNetBus, 112);
+    EXPECT_LAYOUT(VDBNet, 56);
+    EXPECT_LAYOUT(VDBNetBus, 88);
     EXPECT_LAYOUT(VDBPort, 56);
     EXPECT_LAYOUT(VDBNetlist, 152);
     EXPECT_LAYOUT(VDBInstance, 56);

@@ -1,6 +1,7 @@
 #include "design/InstanceWalk.h"
 
 #include <netlistdb/IVDBNetlist.h>
+#include <netlistdb/NameText.h>
 
 namespace kvr::netlistdb::tool {
 
@@ -44,7 +45,7 @@ void InstanceWalk::skip()
 void InstanceWalk::push(IVDBInstance *instance)
 {
     m_stack.push_back({instance, nextVisible(*instance, 0), m_path.size()});
-    const std::string &name = instance->getName();
+    const std::string_view name = nameText(*instance);
     if (!name.empty()) {
         m_path += m_path.empty() ? "" : "/";
         m_path += name;

@@ -63,7 +63,7 @@ ItemFacts factsOf(ModuleNames &names, const OtherSignal &signal)
     if (signal.kind == OtherSignal::Kind::Split) {
         for (std::size_t position = 0; position < signal.bits.size(); ++position) {
             const IVDBNet *net = signal.bits[position].net;
-            if (net != nullptr && net->getName() == signal.bitName(position)) {
+            if (net != nullptr && nameText(*net) == signal.bitName(position)) {
                 placeLike(facts, names, net);
             }
         }

@@ -90,7 +90,7 @@ NameSearch::Step NameSearch::meet(IVDBItem &item)
         return Step::Passed;
     }
     auto &net = static_cast<IVDBNetBase &>(item);
-    m_name.assign(m_prefix).append(net.getName());
+    m_name.assign(m_prefix).append(nameText(net));
     if (!m_pattern.matches(m_name) || m_others.covers(net)) {
         return Step::Passed;
     }

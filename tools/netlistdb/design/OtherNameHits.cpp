@@ -103,7 +103,7 @@ void OtherNameHits::findBits(IVDBNetBus &bus, std::vector<OtherNameHit> &hits)
         return;
     }
     for (IVDBNet *net : bus.getNets()) {
-        if (matches(net->getName()) && (!m_declaredOnly || net->isUserDeclared())) {
+        if (matches(nameText(*net)) && (!m_declaredOnly || net->isUserDeclared())) {
             OtherNameHit hit;
             hit.item = net;
             hits.push_back(std::move(hit));
@@ -141,7 +141,7 @@ void OtherNameHits::addVector(const OtherSignal &vector)
 /// Adds a net or bus that @p name names, unless the search finds it by its own name.
 void OtherNameHits::addItem(IVDBNetBase &item, const std::string &name)
 {
-    if ((m_declaredOnly && !item.isUserDeclared()) || matches(item.getName())) {
+    if ((m_declaredOnly && !item.isUserDeclared()) || matches(nameText(item))) {
         return;
     }
     if (m_items.insert(&item).second) {
@@ -152,7 +152,7 @@ void OtherNameHits::addItem(IVDBNetBase &item, const std::string &name)
     }
 }
 
-bool OtherNameHits::matches(const std::string &name)
+bool OtherNameHits::matches(std::string_view name)
 {
     m_fullName = m_prefix;
     m_fullName += name;

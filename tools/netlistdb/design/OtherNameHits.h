@@ -47,7 +47,7 @@ class OtherNameHits {
     bool isFoundAsNamed(const OtherSignal &other);
     void addVector(const OtherSignal &vector);
     void addItem(IVDBNetBase &item, const std::string &name);
-    bool matches(const std::string &name);
+    bool matches(std::string_view name);
 
     Design &m_design;
     const NamePattern &m_pattern;

@@ -28,8 +28,8 @@ const PathResolver::Children &PathResolver::childrenOf(IVDBInstance &instance)
     const auto [place, isNew] = m_children.try_emplace(&instance);
     if (isNew) {
         for (IVDBInstance *child : instance.getSubInstances()) {
-            place->second.byName[child->getName()].push_back(child);
-            place->second.longestName = std::max(place->second.longestName, child->getName().size());
+            place->second.byName[nameText(*child)].push_back(child);
+            place->second.longestName = std::max(place->second.longestName, nameText(*child).size());
         }
     }
     return place->second;
@@ -266,7 +266,7 @@ std::vector<std::string> PathResolver::elsewhere(std::string_view name, bool ins
 {
     std::vector<std::string> paths;
     for (InstanceWalk walk(m_design.root()); walk.instance() != nullptr && paths.size() < MOST_PROPOSALS; walk.next()) {
-        if (walk.instance()->getName() == name) {
+        if (nameText(*walk.instance()) == name) {
             paths.push_back(walk.path());
         }
         if (!instancesOnly) {

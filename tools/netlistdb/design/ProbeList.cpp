@@ -46,7 +46,7 @@ class Lister {
              const IVDBLineInfo *source)
     {
         Probe probe;
-        probe.name = item.getName();
+        probe.name = nameText(item);
         probe.item = &item;
         probe.isBus = isBus;
         probe.width = item.getWidth();
@@ -96,7 +96,7 @@ class Lister {
         std::vector<IVDBNet *> own;
         for (std::size_t position = 0; position < vector.bits.size(); ++position) {
             IVDBNet *net = vector.bits[position].net;
-            if (net != nullptr && net->getName() == vector.bitName(position)) {
+            if (net != nullptr && nameText(*net) == vector.bitName(position)) {
                 own.push_back(net);
             }
         }

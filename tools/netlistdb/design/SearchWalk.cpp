@@ -66,7 +66,8 @@ void SearchWalk::write(ResultWriter &writer)
 {
     const OtherNameHit &hit = m_search.hit();
     const std::string &prefix = m_search.prefix();
-    const std::string path = prefix + (hit.item != nullptr ? hit.item->getName() : hit.signal->name);
+    std::string path = prefix;
+    path += hit.item != nullptr ? nameText(*hit.item) : hit.signal->name;
     const std::string matched = hit.matched.empty() ? "" : prefix + hit.matched;
     const std::string shown = matched.empty() ? path : path + " (= " + matched + ")";
     ItemFacts facts;

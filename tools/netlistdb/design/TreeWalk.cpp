@@ -10,13 +10,13 @@ namespace kvr::netlistdb::tool {
 namespace {
 
 /// Name of an instance as the tree of a table draws it.
-std::string drawn(const InstanceWalk &walk, const std::string &name)
+std::string drawn(const InstanceWalk &walk, std::string_view name)
 {
     std::vector<bool> isLast;
     for (std::size_t level = 1; level <= walk.depth(); ++level) {
         isLast.push_back(walk.isLast(level));
     }
-    return treeDrawing(isLast) + name;
+    return treeDrawing(isLast).append(name);
 }
 
 /// Names of the nets that begin a clock, by the instance they lie in.
@@ -70,15 +70,15 @@ bool TreeWalk::step(ResultWriter &writer)
     }
     IVDBInstance &instance = *m_walk.instance();
     IVDBNetlist &module = *instance.getModule();
-    const std::string &shown = m_walk.path().empty() ? m_design.nameOf(module)
-                               : m_walk.depth() == 0 ? m_walk.path()
-                                                     : instance.getName();
+    const std::string_view shown = m_walk.path().empty() ? std::string_view(m_design.nameOf(module))
+                                   : m_walk.depth() == 0 ? std::string_view(m_walk.path())
+                                                         : nameText(instance);
     const std::string drawing = writer.isTable() ? drawn(m_walk, shown) : std::string();
     const ItemFacts facts = writer.isTable() ? ItemFacts() : m_design.factsOf(instance);
     Row row = {std::uint64_t(m_walk.depth()),
                std::string_view(drawing),
                std::string_view(m_walk.path()),
-               std::string_view(instance.getName()),
+               nameText(instance),
                std::string_view(module.getName()),
                std::string_view(m_design.nameOf(module)),
                std::string_view(module.GetLibName()),

@@ -77,7 +77,7 @@ class ModuleWriter {
         const std::size_t count = m_module.netCount();
         writeList("nets", count, [&](std::size_t net) {
             const IVDBNet *const item = m_page.model().hierarchy.items[m_module.firstNet + net];
-            return item != nullptr ? item->getName() : std::string();
+            return item != nullptr ? std::string(nameText(*item)) : std::string();
         });
         writeList("launch", count, [&](std::size_t net) { return sets.launch[net].set; });
         writeList("distance", count, [&](std::size_t net) { return sets.launch[net].distance; });
@@ -116,7 +116,7 @@ class ModuleWriter {
         writeList("signals", probes.size(), [&](std::size_t at) {
             const Probe &probe = probes[at];
             const bool isNet = probe.bits.size() == 1 && probe.bits.front() != nullptr &&
-                               numberOf(probe.bits.front()) >= 0 && probe.bits.front()->getName() == probe.name;
+                               numberOf(probe.bits.front()) >= 0 && nameText(*probe.bits.front()) == probe.name;
             return isNet ? Json(0) : Json(probe.name);
         });
         writeList("bits", probes.size(), [&](std::size_t at) {
