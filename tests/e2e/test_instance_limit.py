@@ -5,9 +5,7 @@ import signal
 import subprocess
 import unittest
 
-from program import ELABORATED, POST_MAP, PROGRAM, ProgramTest, bit_module, netlist
-
-SANITIZED = bool(os.environ.get("SANITIZED"))
+from program import ELABORATED, POST_MAP, PROGRAM, SANITIZED, ProgramTest, bit_module, netlist
 
 
 def instance(module):

@@ -11,14 +11,14 @@ import re
 import unittest
 
 from names_rtl import declaration_of, rtl_declarations
-from program import DESIGNS, ELABORATED, REPOSITORY, ProgramTest, bit_module, net, netlist, run
+from program import DESIGNS, ELABORATED, FLOW_FILES, REPOSITORY, ProgramTest, bit_module, net, netlist, run
 
 NAMES = "designs/names"
 FLOWS = sorted(
     os.path.relpath(path, REPOSITORY) for path in glob.glob(os.path.join(REPOSITORY, NAMES, "netlists", "*.json"))
 )
 FAMILIES = sorted(
-    os.path.relpath(path, REPOSITORY) for path in glob.glob(os.path.join(REPOSITORY, "designs/families/*_*.json"))
+    os.path.relpath(path, REPOSITORY) for path in glob.glob(os.path.join(REPOSITORY, FLOW_FILES))
 )
 ROUTED = f"{NAMES}/netlists/ice40_routed.json"
 
