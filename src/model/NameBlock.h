@@ -43,7 +43,7 @@ class NameBlock {
     /// The characters of @p block, NUL-terminated; empty for null.
     static std::string_view text(const NameBlock *block)
     {
-        return block != nullptr ? std::string_view(block->characters(), block->m_length) : std::string_view("", 0);
+        return block != nullptr ? std::string_view(block->characters(), block->m_length) : "";
     }
     /// The name as a string that lives as long as the block; an empty one for null.
     /// @throws std::bad_alloc when nobody asked before
