@@ -20,8 +20,11 @@ template <typename Element> class SlabAllocator {
     SlabAllocator() = default;
     template <typename Other> SlabAllocator(const SlabAllocator<Other> & /*other*/) {}
 
-    Element *allocate(std::size_t count) { return static_cast<Element *>(allocateElements(count * sizeof(Element))); }
-    void deallocate(Element *elements, std::size_t count) noexcept { freeElements(elements, count * sizeof(Element)); }
+    Element *allocate(std::size_t count) { return static_cast<Element *>(allocateElements(count * SIZE)); }
+    void deallocate(Element *elements, std::size_t count) noexcept { freeElements(elements, count * SIZE); }
+
+  private:
+    static constexpr std::size_t SIZE = sizeof(Element); // NOLINT(bugprone-sizeof-expression): pointers are meant
 };
 
 template <typename A, typename B> bool operator==(const SlabAllocator<A> & /*a*/, const SlabAllocator<B> & /*b*/)
