@@ -2,6 +2,7 @@
 
 #include "memory/Sanitizers.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <sched.h>
@@ -48,53 +49,89 @@ void *mapSlab()
 
 } // namespace
 
-/// The head of a slab; its slots follow.
+/// The head of a slab. A word for each 64 slots follows, and after the room for that, the slots.
+///
+/// Free slots are marked in the words and not written to: objects that were made together go together, and most slots
+/// are given back to the system without having been used again.
 struct SlabPool::Slab {
-    /// What a free slot holds.
-    struct Slot {
-        Slot *next;
-    };
+    /// @p slotSize is a multiple of STEP.
+    explicit Slab(std::uint32_t slotSize) : slot(slotSize), inverse((std::uint64_t{1} << 32) / slotSize + 1)
+    {
+        constexpr std::size_t ALIGNMENT = alignof(std::max_align_t);
+        constexpr std::size_t HEADS = (PLACES - 1) * LINE + sizeof(Slab);
+        const std::size_t words = ((SLAB_SIZE - HEADS) / slot + WORD_BITS - 1) / WORD_BITS;
+        const std::size_t end = HEADS + words * sizeof(std::uint64_t);
+        first = static_cast<std::uint32_t>((end + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT);
+        slots = static_cast<std::uint32_t>((SLAB_SIZE - first) / slot);
+    }
 
-    explicit Slab(std::size_t slotSize) : slot(slotSize) {}
-
+    /// The head of the slab that @p object is in. Heads at the same offset of every slab would share a few lines of the
+    /// cache, and the slabs of many sizes are in use at once.
     static Slab *of(void *object)
     {
-        return reinterpret_cast<Slab *>(reinterpret_cast<std::uintptr_t>(object) & ~(SLAB_SIZE - 1));
+        const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(object) & ~(SLAB_SIZE - 1);
+        return reinterpret_cast<Slab *>(begin + begin / SLAB_SIZE % PLACES * LINE);
     }
-    bool full() const { return freed == nullptr && unused + slot > SLAB_SIZE; }
+    char *begin() { return reinterpret_cast<char *>(reinterpret_cast<std::uintptr_t>(this) & ~(SLAB_SIZE - 1)); }
+    bool full() const { return used == slots; }
     void *take()
     {
-        void *object = freed;
-        if (object != nullptr) {
-            unpoison(object, slot);
-            freed = freed->next;
-        } else {
-            object = reinterpret_cast<char *>(this) + unused;
-            unpoison(object, slot);
-            unused += slot;
-        }
+        const std::uint32_t at = used == begun ? begun++ : takeFreed();
         ++used;
+        void *const object = begin() + first + std::size_t{at} * slot;
+        unpoison(object, slot);
         return object;
     }
     void give(void *object)
     {
-        freed = new (object) Slot{freed};
         poison(object, slot);
+        const auto offset = static_cast<std::uint32_t>(static_cast<char *>(object) - begin()) - first;
+        // Division by the size of a slot. Exact: offsets are multiples of it, and far below 2^32.
+        const auto at = static_cast<std::uint32_t>(offset * inverse >> 32);
+        freed()[at / WORD_BITS] |= std::uint64_t{1} << at % WORD_BITS;
+        if (at / WORD_BITS < firstWord) {
+            firstWord = at / WORD_BITS;
+        }
         --used;
     }
-    /// Begins anew, without objects.
+    /// Begins anew, without objects, and gives most of the memory back to the system when much of it was in use.
     void restart()
     {
-        freed = nullptr;
-        unused = sizeof(Slab);
+        std::fill_n(freed(), (begun + WORD_BITS - 1) / WORD_BITS, std::uint64_t{0});
+        if (first + std::size_t{begun} * slot > KEPT) {
+            madvise(begin() + KEPT, SLAB_SIZE - KEPT, MADV_DONTNEED);
+        }
+        begun = 0;
+        firstWord = 0;
     }
 
     Slab *previous = nullptr;
     Slab *next = nullptr;
-    Slot *freed = nullptr;
-    std::size_t unused = sizeof(Slab); ///< offset of the slots that were never used
-    std::size_t used = 0;
-    std::size_t slot;
+    std::uint32_t used = 0;
+    std::uint32_t begun = 0; ///< slots from here on were never used
+    std::uint32_t slots;
+    std::uint32_t firstWord = 0; ///< no slot is free in the words before
+    std::uint32_t slot;          ///< size of each
+    std::uint32_t first;         ///< offset of the first
+    std::uint64_t inverse;       ///< of the size of a slot, times 2^32, rounded up
+
+  private:
+    static constexpr std::size_t KEPT = std::size_t{64} * 1024; ///< the head, all words and some slots
+    static constexpr std::uint32_t WORD_BITS = 64;
+    static constexpr std::size_t LINE = 64; ///< of the cache
+    static constexpr std::size_t PLACES = 16;
+
+    std::uint64_t *freed() { return reinterpret_cast<std::uint64_t *>(this + 1); }
+    std::uint32_t takeFreed()
+    {
+        while (freed()[firstWord] == 0) {
+            ++firstWord;
+        }
+        std::uint64_t &word = freed()[firstWord];
+        const auto bit = static_cast<std::uint32_t>(__builtin_ctzll(word));
+        word &= word - 1;
+        return firstWord * WORD_BITS + bit;
+    }
 };
 
 /// Keeps other threads out of a size class, where there are any.
@@ -134,7 +171,7 @@ void *SlabPool::allocate(std::size_t size)
     const Guard guard(sizeClass);
     Slab *slab = sizeClass.open;
     if (slab == nullptr) {
-        slab = addSlab(sizeClass, (size + STEP - 1) / STEP * STEP);
+        slab = addSlab(sizeClass, static_cast<std::uint32_t>((size + STEP - 1) / STEP * STEP));
     }
     void *const object = slab->take();
     if (slab->full()) {
@@ -171,7 +208,7 @@ void SlabPool::free(void *object, std::size_t size) noexcept
     }
 }
 
-SlabPool::Slab *SlabPool::addSlab(SizeClass &sizeClass, std::size_t slot)
+SlabPool::Slab *SlabPool::addSlab(SizeClass &sizeClass, std::uint32_t slot)
 {
     void *const memory = mapSlab();
     if (++sizeClass.slabs > SLABS_TO_FILL) {
@@ -180,8 +217,8 @@ SlabPool::Slab *SlabPool::addSlab(SizeClass &sizeClass, std::size_t slot)
 #endif
     }
     m_slabs.fetch_add(1, std::memory_order_relaxed);
-    auto *const slab = new (memory) Slab(slot);
-    poison(slab + 1, SLAB_SIZE - sizeof(Slab));
+    auto *const slab = new (Slab::of(memory)) Slab(slot);
+    poison(slab->begin() + slab->first, SLAB_SIZE - slab->first);
     sizeClass.open = slab;
     return slab;
 }
@@ -192,8 +229,9 @@ void SlabPool::removeSlab(SizeClass &sizeClass, Slab *slab) noexcept
     if (slab->next != nullptr) {
         slab->next->previous = slab->previous;
     }
-    unpoison(slab, SLAB_SIZE);
-    munmap(slab, SLAB_SIZE);
+    char *const begin = slab->begin();
+    unpoison(begin, SLAB_SIZE);
+    munmap(begin, SLAB_SIZE);
     --sizeClass.slabs;
     m_slabs.fetch_sub(1, std::memory_order_relaxed);
 }

@@ -3,16 +3,17 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 namespace kvr::memory {
 
 /// Memory for small objects that are made and deleted by the million: a slab allocator.
 ///
-/// Objects of one size lie side by side in slabs of 256 KiB, without a header of their own. A slab whose objects are
-/// all deleted goes back to the system, but for one of each size. Safe to use from several threads.
+/// Objects of one size lie side by side in slabs of 1 MiB, without a header of their own. A slab whose objects are
+/// all deleted goes back to the system, but for the first part of one of each size. Safe to use from several threads.
 class SlabPool {
   public:
-    static constexpr std::size_t SLAB_SIZE = std::size_t{256} * 1024;
+    static constexpr std::size_t SLAB_SIZE = std::size_t{1024} * 1024;
     /// Larger objects are not for slabs.
     static constexpr std::size_t LARGEST = 512;
 
@@ -44,7 +45,7 @@ class SlabPool {
     };
 
     SizeClass &classOf(std::size_t size) { return m_classes[(size - 1) / STEP]; }
-    Slab *addSlab(SizeClass &sizeClass, std::size_t slot);
+    Slab *addSlab(SizeClass &sizeClass, std::uint32_t slot);
     void removeSlab(SizeClass &sizeClass, Slab *slab) noexcept;
 
     std::array<SizeClass, LARGEST / STEP> m_classes;

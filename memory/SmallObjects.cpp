@@ -36,7 +36,11 @@ void freeObject(void *object, std::size_t size) noexcept
     if (isForSlabs(size)) {
         pool().free(object, size);
     } else {
+#ifdef __cpp_sized_deallocation
+        ::operator delete(object, size); // the address sanitizer compares the size
+#else
         ::operator delete(object);
+#endif
     }
 }
 

@@ -33,8 +33,13 @@ class NameBlock {
     /// Lets go of @p block, which may be null, and frees it when nobody else holds it.
     static void release(NameBlock *block)
     {
-        if (block != nullptr && --block->m_holders == 0) {
+        if (block == nullptr) {
+            return;
+        }
+        if (block->m_holders == 1) { // not counted down to 0: that would write to memory that is about to go
             destroy(block);
+        } else {
+            --block->m_holders;
         }
     }
     NameBlock(const NameBlock &) = delete;

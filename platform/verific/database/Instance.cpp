@@ -170,6 +170,7 @@ void Instance::reservePins(unsigned count)
     }
     if (count > room) {
         *end = PinBlock::make(count - room);
+        m_pinCapacity = room == 0 && count <= UINT16_MAX ? static_cast<std::uint16_t>(count) : std::uint16_t{0};
     }
 }
 
@@ -223,6 +224,7 @@ PortRef *Instance::spacePin()
 {
     if (m_pins == nullptr) {
         m_pins = PinBlock::make(std::clamp(m_view->m_ports.Size(), 1u, MOST_FIRST_PINS));
+        m_pinCapacity = static_cast<std::uint16_t>(m_pins->capacity);
         return m_pins->space();
     }
     PinBlock *block = m_pins;
@@ -248,6 +250,7 @@ PortRef *Instance::spacePin()
                 link = &each->next;
             }
         }
+        m_pinCapacity = 0;
         block->next = PinBlock::make(std::clamp(room, LEAST_MORE_PINS, MOST_MORE_PINS));
     }
     return block->next->space();
@@ -335,6 +338,9 @@ void Instance::dropPins()
 
 void Instance::freeBlocks()
 {
+    if (m_pins != nullptr && m_pinCapacity != 0) {
+        PinBlock::free(std::exchange(m_pins, nullptr), m_pinCapacity);
+    }
     while (m_pins != nullptr) {
         PinBlock::free(std::exchange(m_pins, m_pins->next));
     }

@@ -77,7 +77,8 @@ class VERIFIC_EXPORT Instance : public DesignObj {
     void freeBlocks();
     void indexPins() const;
 
-    bool m_pinsMixed = false; ///< some pin was connected after the pin of a later port
+    bool m_pinsMixed = false;        ///< some pin was connected after the pin of a later port
+    std::uint16_t m_pinCapacity = 0; ///< of the only block of pins, which is then freed unread; 0: the blocks tell
     Netlist *m_owner = nullptr;
     Netlist *m_view = nullptr;
     ParamTable *m_params = nullptr;         ///< shared between copies; null when there are none

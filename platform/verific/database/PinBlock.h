@@ -20,9 +20,11 @@ class PinBlock {
     static void free(PinBlock *block)
     {
         if (block != nullptr) {
-            kvr::memory::freeObject(block, sizeOf(block->capacity));
+            free(block, block->capacity);
         }
     }
+    /// The same for a block of that capacity, which is not read.
+    static void free(PinBlock *block, unsigned capacity) { kvr::memory::freeObject(block, sizeOf(capacity)); }
 
     PortRef *pins() { return reinterpret_cast<PortRef *>(this + 1); }
     /// Makes the place after the pins in use a disconnected pin, without counting it.

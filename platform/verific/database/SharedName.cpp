@@ -57,8 +57,10 @@ SharedName::~SharedName()
         return;
     }
     Head *const head = headOf(m_text);
-    if (--head->holders == 0) {
+    if (head->holders == 1) { // not counted down to 0: that would write to memory that is about to go
         kvr::memory::freeObject(head, head->size());
+    } else {
+        --head->holders;
     }
 }
 

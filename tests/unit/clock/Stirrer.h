@@ -2,8 +2,11 @@
 
 // For programs that are run several times, to show that their output does not depend on where items lie in memory.
 
+#include "memory/Sanitizers.h"
+#include "memory/SlabPool.h"
 #include "tests/unit/clock/ClockTest.h"
 
+#include <netlistdb/VDBInstance.h>
 #include <netlistdb/VDBNet.h>
 
 #include <DataBase.h>
@@ -19,10 +22,19 @@ namespace clock_test {
 /// Leaves the heap, and the slabs of items and of netlist objects, with holes of all sizes in no order.
 class Stirrer {
   public:
-    explicit Stirrer(unsigned seed) : m_random(seed) {}
+    explicit Stirrer(unsigned seed)
+        : m_random(seed), m_netSlabs(sizeof(kvr::netlistdb::VDBNet), m_random),
+          m_instanceSlabs(sizeof(kvr::netlistdb::VDBInstance), m_random), m_dbNetSlabs(sizeof(Verific::Net), m_random),
+          m_dbInstanceSlabs(sizeof(Verific::Instance), m_random)
+    {
+    }
 
     void stir()
     {
+        m_netSlabs.open();
+        m_instanceSlabs.open();
+        m_dbNetSlabs.open();
+        m_dbInstanceSlabs.open();
         for (int each = 0; each < 4000; ++each) {
             m_heap.push_back(std::make_unique<char[]>(someSize()));
             m_items.push_back(std::make_unique<Block<kvr::netlistdb::VDBNet>>(someSize()));
@@ -47,6 +59,26 @@ class Stirrer {
         void *m_memory;
     };
 
+    /// Full slabs of one size. Each slab takes its places from front to back, so that single holes in many slabs are
+    /// what makes the order of objects uneven.
+    template <typename Class> class FullSlabs {
+      public:
+        FullSlabs(std::size_t size, std::mt19937 &random)
+        {
+            // Builds with a sanitizer have no slabs.
+            m_blocks.resize(kvr::memory::IS_SANITIZED ? 0 : 16 * kvr::memory::SlabPool::SLAB_SIZE / size);
+            for (std::unique_ptr<Block<Class>> &block : m_blocks) {
+                block = std::make_unique<Block<Class>>(size);
+            }
+            std::shuffle(m_blocks.begin(), m_blocks.end(), random);
+        }
+        /// Makes some more holes.
+        void open() { m_blocks.resize(m_blocks.size() - std::min<std::size_t>(m_blocks.size(), 150)); }
+
+      private:
+        std::vector<std::unique_ptr<Block<Class>>> m_blocks;
+    };
+
     std::size_t someSize() { return 16 + m_random() % 300; }
     template <typename Blocks> void halve(Blocks &blocks)
     {
@@ -55,6 +87,10 @@ class Stirrer {
     }
 
     std::mt19937 m_random;
+    FullSlabs<kvr::netlistdb::VDBNet> m_netSlabs;
+    FullSlabs<kvr::netlistdb::VDBInstance> m_instanceSlabs;
+    FullSlabs<Verific::Net> m_dbNetSlabs;
+    FullSlabs<Verific::Instance> m_dbInstanceSlabs;
     std::vector<std::unique_ptr<char[]>> m_heap;
     std::vector<std::unique_ptr<Block<kvr::netlistdb::VDBNet>>> m_items;
     std::vector<std::unique_ptr<Block<Verific::DesignObj>>> m_objects;

@@ -10,7 +10,9 @@
 #include <cstring>
 #include <random>
 #include <set>
+#include <sys/mman.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace kvr::memory {
@@ -122,6 +124,47 @@ TEST(SlabPool, UsesFreedMemoryAgain)
     }
 }
 
+TEST(SlabPool, FillsEveryPlaceOfASlabAgainWhateverTheSize)
+{
+    std::mt19937 random(3);
+    for (std::size_t size = 8; size <= SlabPool::LARGEST; size += 8) {
+        SlabPool pool;
+        std::vector<unsigned char *> objects;
+        const auto make = [&] {
+            objects.push_back(static_cast<unsigned char *>(pool.allocate(size)));
+            std::memset(objects.back(), 0xA5, size); // the head is not where an object is
+        };
+        make();
+        while (pool.mapped() == SlabPool::SLAB_SIZE) {
+            make();
+        }
+        EXPECT_GT((objects.size() - 1) * size, SlabPool::SLAB_SIZE * 95 / 100) << size;
+        const std::set<unsigned char *> all(objects.begin(), objects.end());
+        EXPECT_EQ(all.size(), objects.size()) << size;
+        const auto *const other = objects.back();
+        objects.pop_back();
+        for (const std::size_t kept : {objects.size() / 2, std::size_t{1}, std::size_t{0}}) {
+            const std::size_t before = objects.size();
+            std::shuffle(objects.begin(), objects.end(), random);
+            while (objects.size() > kept) {
+                pool.free(objects.back(), size);
+                objects.pop_back();
+            }
+            while (objects.size() < before) {
+                make();
+            }
+            std::set<unsigned char *> again(objects.begin(), objects.end());
+            again.insert(const_cast<unsigned char *>(other));
+            EXPECT_EQ(again.size(), all.size()) << size;
+            EXPECT_EQ(pool.mapped(), 2 * SlabPool::SLAB_SIZE) << size;
+        }
+        objects.push_back(const_cast<unsigned char *>(other));
+        for (unsigned char *object : objects) {
+            pool.free(object, size);
+        }
+    }
+}
+
 TEST(SlabPool, GivesMemoryBackWhenAllObjectsAreGone)
 {
     SlabPool pool;
@@ -138,6 +181,32 @@ TEST(SlabPool, GivesMemoryBackWhenAllObjectsAreGone)
             pool.free(object, 96);
         }
         EXPECT_LE(pool.mapped(), 2 * SlabPool::SLAB_SIZE);
+    }
+}
+
+TEST(SlabPool, GivesMostOfTheKeptSlabBackToo)
+{
+    const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const auto isResident = [&](void *object) {
+        unsigned char state = 0;
+        const std::uintptr_t page = reinterpret_cast<std::uintptr_t>(object) / pageSize * pageSize;
+        EXPECT_EQ(mincore(reinterpret_cast<void *>(page), pageSize, &state), 0);
+        return (state & 1) != 0;
+    };
+    SlabPool pool;
+    for (int round = 0; round < 2; ++round) {
+        std::vector<void *> objects;
+        for (std::size_t taken = 0; taken < SlabPool::SLAB_SIZE * 9 / 10; taken += 96) {
+            objects.push_back(pool.allocate(96));
+            std::memset(objects.back(), 0xA5, 96);
+        }
+        ASSERT_EQ(pool.mapped(), SlabPool::SLAB_SIZE);
+        EXPECT_TRUE(isResident(objects.back()));
+        for (void *object : objects) {
+            pool.free(object, 96);
+        }
+        EXPECT_EQ(pool.mapped(), SlabPool::SLAB_SIZE);
+        EXPECT_FALSE(isResident(objects.back()));
     }
 }
 
