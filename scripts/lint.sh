@@ -18,6 +18,12 @@ tracked '*.h' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
 # the Python module has compiled beforehand.
 build_preset lint platform/verific/generated/saved_netlist.capnp.h \
     python/CMakeFiles/netlistdb_python.dir/cmake_pch.hxx.pch
-tracked 'memory/*.cpp' 'src/*.cpp' 'analysis/*.cpp' 'platform/*.cpp' 'frontend/*.cpp' 'python/src/*.cpp' 'tools/*.cpp' |
-    xargs -0 -P "$jobs" -n 4 clang-tidy-14 -p build/lint --quiet 2>&1 |
+
+# Sources of a target are looked at several together: most of the time goes into the headers that they share.
+together=$(sed -nE 's:^ *"file"\: ".*/(build/lint/(src|analysis|platform|frontend|python|tools)/.*/Unity/.*)".*:\1:p' \
+    build/lint/compile_commands.json)
+alone=$(comm -23 \
+    <(tracked {memory,src,analysis,platform,frontend,python/src,tools}/'*.cpp' | tr '\0' '\n' | sort) \
+    <(xargs sed -n "s:^#include \"$root/\(.*\)\"\$:\1:p" <<<"$together" | sort -u))
+printf '%s\n' "$together" "$alone" | xargs -P "$jobs" -n 1 clang-tidy-14 -p build/lint --quiet 2>&1 |
     { grep -vE '^[0-9]+ warnings? generated\.$' || true; }
