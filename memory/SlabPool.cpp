@@ -69,10 +69,10 @@ struct SlabPool::Slab {
     /// cache, and the slabs of many sizes are in use at once.
     static Slab *of(void *object)
     {
-        const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(object) & ~(SLAB_SIZE - 1);
+        const std::uintptr_t begin = beginOf(object);
         return reinterpret_cast<Slab *>(begin + begin / SLAB_SIZE % PLACES * LINE);
     }
-    char *begin() { return reinterpret_cast<char *>(reinterpret_cast<std::uintptr_t>(this) & ~(SLAB_SIZE - 1)); }
+    char *begin() { return reinterpret_cast<char *>(beginOf(this)); }
     bool full() const { return used == slots; }
     void *take()
     {
@@ -121,6 +121,10 @@ struct SlabPool::Slab {
     static constexpr std::size_t LINE = 64; ///< of the cache
     static constexpr std::size_t PLACES = 16;
 
+    static std::uintptr_t beginOf(const void *place)
+    {
+        return reinterpret_cast<std::uintptr_t>(place) & ~(SLAB_SIZE - 1);
+    }
     std::uint64_t *freed() { return reinterpret_cast<std::uint64_t *>(this + 1); }
     std::uint32_t takeFreed()
     {

@@ -20,7 +20,7 @@ build_preset lint platform/verific/generated/saved_netlist.capnp.h \
     python/CMakeFiles/netlistdb_python.dir/cmake_pch.hxx.pch
 
 # Sources of a target are looked at several together: most of the time goes into the headers that they share.
-together=$(sed -nE 's:^ *"file"\: ".*/(build/lint/(src|analysis|platform|frontend|python|tools)/.*/Unity/.*)".*:\1:p' \
+together=$(sed -nE 's,^ *"file": ".*/(build/lint/(src|analysis|platform|frontend|python|tools)/.*/Unity/.*)".*,\1,p' \
     build/lint/compile_commands.json)
 alone=$(comm -23 \
     <(tracked {memory,src,analysis,platform,frontend,python/src,tools}/'*.cpp' | tr '\0' '\n' | sort) \

@@ -23,9 +23,8 @@ namespace clock_test {
 class Stirrer {
   public:
     explicit Stirrer(unsigned seed)
-        : m_random(seed), m_netSlabs(sizeof(kvr::netlistdb::VDBNet), m_random),
-          m_instanceSlabs(sizeof(kvr::netlistdb::VDBInstance), m_random), m_dbNetSlabs(sizeof(Verific::Net), m_random),
-          m_dbInstanceSlabs(sizeof(Verific::Instance), m_random)
+        : m_random(seed), m_netSlabs(m_random), m_instanceSlabs(m_random), m_dbNetSlabs(m_random),
+          m_dbInstanceSlabs(m_random)
     {
     }
 
@@ -59,16 +58,16 @@ class Stirrer {
         void *m_memory;
     };
 
-    /// Full slabs of one size. Each slab takes its places from front to back, so that single holes in many slabs are
-    /// what makes the order of objects uneven.
+    /// Full slabs of the size of @p Class. Each slab takes its places from front to back, so that single holes in many
+    /// slabs are what makes the order of objects uneven.
     template <typename Class> class FullSlabs {
       public:
-        FullSlabs(std::size_t size, std::mt19937 &random)
+        explicit FullSlabs(std::mt19937 &random)
         {
             // Builds with a sanitizer have no slabs.
-            m_blocks.resize(kvr::memory::IS_SANITIZED ? 0 : 16 * kvr::memory::SlabPool::SLAB_SIZE / size);
+            m_blocks.resize(kvr::memory::IS_SANITIZED ? 0 : 16 * kvr::memory::SlabPool::SLAB_SIZE / sizeof(Class));
             for (std::unique_ptr<Block<Class>> &block : m_blocks) {
-                block = std::make_unique<Block<Class>>(size);
+                block = std::make_unique<Block<Class>>(sizeof(Class));
             }
             std::shuffle(m_blocks.begin(), m_blocks.end(), random);
         }

@@ -142,7 +142,7 @@ TEST(SlabPool, FillsEveryPlaceOfASlabAgainWhateverTheSize)
         EXPECT_GT((objects.size() - 1) * size, SlabPool::SLAB_SIZE * 95 / 100) << size;
         const std::set<unsigned char *> all(objects.begin(), objects.end());
         EXPECT_EQ(all.size(), objects.size()) << size;
-        const auto *const other = objects.back();
+        unsigned char *const other = objects.back();
         objects.pop_back();
         for (const std::size_t kept : {objects.size() / 2, std::size_t{1}, std::size_t{0}}) {
             const std::size_t before = objects.size();
@@ -155,11 +155,11 @@ TEST(SlabPool, FillsEveryPlaceOfASlabAgainWhateverTheSize)
                 make();
             }
             std::set<unsigned char *> again(objects.begin(), objects.end());
-            again.insert(const_cast<unsigned char *>(other));
+            again.insert(other);
             EXPECT_EQ(again.size(), all.size()) << size;
             EXPECT_EQ(pool.mapped(), 2 * SlabPool::SLAB_SIZE) << size;
         }
-        objects.push_back(const_cast<unsigned char *>(other));
+        objects.push_back(other);
         for (unsigned char *object : objects) {
             pool.free(object, size);
         }
