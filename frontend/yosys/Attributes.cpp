@@ -112,6 +112,7 @@ void AttributeReader::applyParameters(json::object &parameters, Verific::Instanc
 {
     std::string_view written;
     check(parameters.raw_json().get(written));
+    m_written.resize(REMEMBERED);
     WrittenParameters &known = m_written[std::hash<std::string_view>()(written) % REMEMBERED];
     if (known.inst != nullptr && known.text == written) {
         inst.ShareParams(*known.inst);
@@ -122,7 +123,8 @@ void AttributeReader::applyParameters(json::object &parameters, Verific::Instanc
         const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "a parameter");
         addParameter(inst, m_key.of(m_text.text(raw, m_keyBuffer)), m_value.of(text));
     });
-    known = {written, &inst};
+    known.text = written;
+    known.inst = &inst;
 }
 
 } // namespace kvr::netlistdb::yosys

@@ -64,11 +64,11 @@ class AttributeReader {
     /// Carries parameters over to an instance. Instances with parameters that are written alike share them: in a
     /// netlist of device cells, these are most.
     void applyParameters(json::object &parameters, Verific::Instance &inst);
-    /// Calls @p visit(key, value) for every parameter; the texts live as long as the document.
+    /// Calls @p visit(key, value) for every parameter; the texts live as long as what they are read from.
     template <typename Visit> void eachParameter(json::object &parameters, Visit &&visit)
     {
         eachField(parameters, [&](std::string_view raw, json::value &value) {
-            const std::string_view text = m_text.attributeValue(value, m_valueBuffer, "a parameter");
+            const std::string_view text = m_text.attributeValue(value, "a parameter");
             visit(m_text.text(raw), text);
         });
     }
@@ -76,7 +76,7 @@ class AttributeReader {
   private:
     /// Parameters as they are written, and an instance that has them.
     struct WrittenParameters {
-        std::string_view text;
+        std::string text;
         const Verific::Instance *inst = nullptr;
     };
     /// So many texts of parameters are remembered.
@@ -91,7 +91,7 @@ class AttributeReader {
     TextBuffer m_valueBuffer;
     CText m_key;
     CText m_value;
-    std::vector<WrittenParameters> m_written{REMEMBERED}; ///< by hash of the text; a later one replaces it
+    std::vector<WrittenParameters> m_written; ///< by hash of the text; a later one replaces it
     // Of the object whose attributes are being read.
     std::string m_src;
     std::string m_hdlName;

@@ -1,5 +1,7 @@
 #include "JsonText.h"
 
+#include "memory/Sanitizers.h"
+
 #include <algorithm>
 #include <limits>
 #include <new>
@@ -46,6 +48,13 @@ char *TextBuffer::keep(std::size_t size)
     return place;
 }
 
+std::string_view TextBuffer::copy(std::string_view text)
+{
+    char *const place = keep(text.size() + simdjson::SIMDJSON_PADDING);
+    trim(std::copy(text.begin(), text.end(), place));
+    return {place, text.size()};
+}
+
 void TextBuffer::trim(const char *end)
 {
     m_room += static_cast<std::size_t>(m_at - end);
@@ -61,7 +70,7 @@ char *TextBuffer::reuse(std::size_t size)
     return m_reused.get();
 }
 
-JsonText::JsonText(const JsonInput &input, const ReadFault &fault) : m_input(input), m_fault(fault)
+JsonText::JsonText(const JsonInput &input, ReadFault &fault) : m_input(input), m_fault(fault)
 {
     // Escapes are read with it, whether or not a document is open.
     const simdjson::error_code error = m_part.allocate(simdjson::SIMDJSON_PADDING);
@@ -72,7 +81,7 @@ JsonText::JsonText(const JsonInput &input, const ReadFault &fault) : m_input(inp
 
 json::document &JsonText::open()
 {
-    return iterate(m_input.data, m_input.size);
+    return iterate(m_input.data, m_input.size, m_input.capacity);
 }
 
 void JsonText::close()
@@ -81,28 +90,46 @@ void JsonText::close()
     m_parser = json::parser();
 }
 
+void JsonText::finish() const
+{
+    if (m_input.shortened != nullptr &&
+        (m_longSections != m_input.shortened->sections().size() || !m_input.shortened->file().isUnchanged())) {
+        m_fault.fail("the file is indented in another way than it seems, or was written to");
+    }
+}
+
 Section JsonText::section(json::value &value, const char *what)
 {
     Section section;
-    // The text belongs to the caller, who lets it be written to.
-    section.m_begin = m_input.data + (value.raw_json_token().data() - m_input.data);
+    const char *const begin = value.raw_json_token().data();
+    const auto place = static_cast<std::size_t>(begin - m_input.data);
     json::object fields = object(value, what);
-    const char *windowBegin = section.m_begin;
+    if (m_input.shortened != nullptr) {
+        if (const LongSection *found = m_input.shortened->sectionAt(place)) {
+            ++m_longSections;
+            section.m_isInFile = true;
+            section.m_begin = found->begin;
+            section.m_end = found->end;
+            section.m_borders = found->borders;
+            return section;
+        }
+    }
+    section.m_begin = place;
+    const char *windowBegin = begin;
     bool isFirst = true;
     eachField(fields, [&](std::string_view raw, json::value &) {
         if (!isFirst && static_cast<std::size_t>(raw.data() - windowBegin) > m_input.window) {
             // Between the quote of the key and the comma before it is only white space.
-            char *border = m_input.data + (raw.data() - m_input.data) - 2;
+            const char *border = raw.data() - 2;
             while (*border != ',') {
                 --border;
             }
-            section.m_borders.push_back(border);
+            section.m_borders.push_back(static_cast<std::uint64_t>(border - m_input.data));
             windowBegin = border;
         }
         isFirst = false;
     });
-    const std::string_view text = objectFrom(section.m_begin);
-    section.m_end = section.m_begin + text.size();
+    section.m_end = section.m_begin + objectFrom(begin).size();
     return section;
 }
 
@@ -110,25 +137,34 @@ std::string_view JsonText::objectFrom(const char *begin)
 {
     const char *next = nullptr;
     if (m_document->current_location().get(next) != simdjson::SUCCESS) {
-        next = m_input.data + m_input.size;
+        next = m_end;
     }
     return withoutTrailingSpace({begin, static_cast<std::size_t>(next - begin)});
 }
 
 JsonText::Window::Window(JsonText &text, const Section &section, std::size_t number)
-    : m_before(number == 0 ? nullptr : section.m_borders[number - 1]),
-      m_after(number == section.m_borders.size() ? nullptr : section.m_borders[number])
 {
-    char *const begin = m_before != nullptr ? m_before : section.m_begin;
-    const char *const end = m_after != nullptr ? m_after + 1 : section.m_end;
-    if (m_before != nullptr) {
-        *m_before = '{';
+    const bool isFirst = number == 0;
+    const bool isLast = number == section.m_borders.size();
+    const std::uint64_t begin = isFirst ? section.m_begin : section.m_borders[number - 1];
+    const std::uint64_t end = isLast ? section.m_end : section.m_borders[number] + 1;
+    const auto size = static_cast<std::size_t>(end - begin);
+    // The text belongs to the caller, who lets it be written to.
+    char *const at = section.m_isInFile ? text.load(begin, end) : text.m_input.data + begin;
+    text.m_windowBegin = at;
+    text.m_windowPlace = begin;
+    if (!isFirst) {
+        *at = '{';
     }
-    if (m_after != nullptr) {
-        *m_after = '}';
+    if (!isLast) {
+        at[size - 1] = '}';
+    }
+    if (!section.m_isInFile) {
+        m_before = isFirst ? nullptr : at;
+        m_after = isLast ? nullptr : at + size - 1;
     }
     try {
-        text.iterate(begin, static_cast<std::size_t>(end - begin));
+        text.iterate(at, size, section.m_isInFile ? size + simdjson::SIMDJSON_PADDING : text.m_input.capacity - begin);
     } catch (const simdjson::simdjson_error &) {
         restore();
         throw;
@@ -149,7 +185,7 @@ void JsonText::Window::restore()
     }
 }
 
-std::string JsonText::place(const std::function<std::size_t(std::size_t line)> &missing)
+std::string JsonText::place()
 {
     const std::string_view text(m_input.data, m_input.size);
     const char *at = nullptr;
@@ -158,24 +194,39 @@ std::string JsonText::place(const std::function<std::size_t(std::size_t line)> &
         return " at its end";
     }
     const std::string_view before = text.substr(0, static_cast<std::size_t>(at - text.data()));
-    const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
+    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
     const std::size_t lineStart = before.rfind('\n') + 1; // npos + 1 is 0
-    const std::size_t column = before.size() - lineStart + 1 + (missing ? missing(line) : 0);
-    return " at line " + std::to_string(line) + ", column " + std::to_string(column);
+    return " at line " + std::to_string(line) + ", column " + std::to_string(before.size() - lineStart + 1);
 }
 
-json::document &JsonText::iterate(const char *begin, std::size_t size)
+json::document &JsonText::iterate(const char *begin, std::size_t size, std::size_t capacity)
 {
     m_document.reset();
     json::document document;
-    check(m_parser.iterate(padded(begin, size)).get(document));
+    check(m_parser.iterate(simdjson::padded_string_view(begin, size, capacity)).get(document));
+    m_end = begin + size;
     return m_document.emplace(std::move(document));
 }
 
-simdjson::padded_string_view JsonText::padded(const char *begin, std::size_t size) const
+char *JsonText::load(std::uint64_t begin, std::uint64_t end)
 {
-    const std::size_t capacity = m_input.capacity - static_cast<std::size_t>(begin - m_input.data);
-    return simdjson::padded_string_view(begin, size, capacity);
+    m_fault.leaveItem(); // its name is in the window before
+    const auto size = static_cast<std::size_t>(end - begin);
+    if constexpr (memory::IS_SANITIZED) {
+        m_loaded = TextBuffer(); // so that texts of other windows are at other places
+    }
+    char *const text = m_loaded.reuse(size + simdjson::SIMDJSON_PADDING);
+    m_input.shortened->file().read(begin, size, text);
+    std::fill_n(text + size, simdjson::SIMDJSON_PADDING, '\0');
+    return text;
+}
+
+void JsonText::requireEnd()
+{
+    const char *rest = nullptr;
+    if (m_document->current_location().get(rest) == simdjson::SUCCESS) {
+        check(simdjson::TRAILING_CONTENT);
+    }
 }
 
 json::object JsonText::object(json::value &value, const char *what) const
@@ -244,12 +295,23 @@ bool JsonText::flag(json::value &value, const char *what) const
     return number != 0;
 }
 
+std::string_view JsonText::attributeValue(json::value &value, const char *what)
+{
+    return attributeValueBy(value, what, [this](std::string_view raw) { return text(raw); });
+}
+
 std::string_view JsonText::attributeValue(json::value &value, TextBuffer &scratch, const char *what) const
+{
+    return attributeValueBy(value, what, [&](std::string_view raw) { return text(raw, scratch); });
+}
+
+template <typename Unescaped>
+std::string_view JsonText::attributeValueBy(json::value &value, const char *what, Unescaped &&unescaped) const
 {
     json::json_type type;
     check(value.type().get(type));
     if (type == json::json_type::string) {
-        return withoutMarkingBlank(text(rawString(value, what), scratch));
+        return withoutMarkingBlank(unescaped(rawString(value, what)));
     }
     if (type != json::json_type::number) {
         wrongType(what, "a text or a number");

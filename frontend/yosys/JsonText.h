@@ -2,11 +2,12 @@
 
 #include "JsonInput.h"
 #include "ReadFault.h"
+#include "ShortText.h"
 
 #include <simdjson.h>
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,11 +59,14 @@ template <typename Visit> void eachElement(json::array &array, Visit &&visit)
     }
 }
 
-/// A buffer that texts without their escapes are written to, one after the other or over each other.
+/// A buffer that texts are copied to, one after the other or over each other.
 class TextBuffer {
   public:
     /// Room for @p size bytes that stay in place for the life of the buffer.
     char *keep(std::size_t size);
+    /// A copy of @p text that stays in place for the life of the buffer, with the bytes behind it that the parser
+    /// needs.
+    std::string_view copy(std::string_view text);
     /// Gives back what the latest keep() handed out from @p end on.
     void trim(const char *end);
     /// Room for @p size bytes until the next call.
@@ -78,30 +82,40 @@ class TextBuffer {
 
 /// An object of a document whose fields are read later.
 class Section {
+  public:
+    /// Bytes of the object.
+    std::uint64_t size() const { return m_end - m_begin; }
+
   private:
     friend class JsonText;
-    char *m_begin = nullptr;
-    char *m_end = nullptr;
-    std::vector<char *> m_borders; ///< commas between fields that end a window
+    bool m_isInFile = false; ///< all places are those of the file, otherwise those of the text in memory
+    std::uint64_t m_begin = 0;
+    std::uint64_t m_end = 0;
+    std::vector<std::uint64_t> m_borders; ///< commas between fields that end a window
 };
 
 /// Typed access to the values of one JSON document, with errors that say what was expected.
 ///
 /// The parser needs an index of the text that is half as large. That of the whole document is held until close();
-/// sections are indexed window by window after that.
+/// sections are indexed window by window after that. Those of a file that are not in its ShortText are read into memory
+/// at the same time.
 class JsonText {
   public:
     /// Both must outlive the object.
-    JsonText(const JsonInput &input, const ReadFault &fault);
+    JsonText(const JsonInput &input, ReadFault &fault);
 
     /// Opens the whole document.
     json::document &open();
     /// Ends the reading of the whole document; what was read of it, other than sections and texts, ends with it.
     void close();
+    /// Call when all is read.
+    /// @throws ReadError  when the empty objects of a ShortText did not stand for what was read of its file
+    void finish() const;
 
     /// The section that is the object @p value of the whole document.
     Section section(json::value &value, const char *what);
-    /// Calls @p visit(rawKey, value) for every field of @p section, in order, once the whole document is closed.
+    /// Calls @p visit(rawKey, value) for every field of @p section, in order, once the whole document is closed. The
+    /// texts of a section live until the next field is visited.
     template <typename Visit> void eachFieldOf(const Section &section, Visit &&visit)
     {
         for (std::size_t number = 0; number <= section.m_borders.size(); ++number) {
@@ -109,23 +123,31 @@ class JsonText {
             json::object object;
             check(m_document->get_object().get(object));
             eachField(object, visit);
+            requireEnd();
         }
+    }
+    /// The place of @p at, which is in the window that is being read, among the bytes of its section's text.
+    std::uint64_t placeOf(const char *at) const
+    {
+        return m_windowPlace + static_cast<std::uint64_t>(at - m_windowBegin);
     }
 
     /// The text of the object that has just been read to its end; it began at @p begin.
     std::string_view objectFrom(const char *begin);
-    /// Reads the fields of @p text, which objectFrom() returned.
+    /// Reads the fields of @p text, a copy() of what objectFrom() returned.
     template <typename Read> void readObject(std::string_view text, Read &&read)
     {
         json::object object;
-        check(m_part.iterate(padded(text.data(), text.size())).get(m_partDocument));
+        const simdjson::padded_string_view padded(text.data(), text.size(), text.size() + simdjson::SIMDJSON_PADDING);
+        check(m_part.iterate(padded).get(m_partDocument));
         check(m_partDocument.get_object().get(object));
         read(object);
     }
 
+    /// Throws when something follows the object that was read.
+    void requireEnd();
     /// Where in the text the parser is: " at line 3, column 14".
-    /// @param missing  the bytes that the text lacks at the start of a line; may be empty
-    std::string place(const std::function<std::size_t(std::size_t line)> &missing);
+    std::string place();
 
     /// @p value as an object, array, or text between its quotes; @p what names it in the error.
     json::object object(json::value &value, const char *what) const;
@@ -135,7 +157,8 @@ class JsonText {
     int integer(json::value &value, const char *what) const;
     bool flag(json::value &value, const char *what) const;
 
-    /// @p raw, a text between its quotes, without escapes. Lives as long as the document and this object.
+    /// @p raw, a text between its quotes, without escapes. Lives as long as what it was read from, the whole document
+    /// or a field of a section.
     std::string_view text(std::string_view raw)
     {
         if (isPlain(raw)) {
@@ -151,15 +174,21 @@ class JsonText {
         return isPlain(raw) ? raw : unescape(raw, scratch.reuse(raw.size() + simdjson::SIMDJSON_PADDING));
     }
 
+    /// A copy of @p text that lives as long as this object.
+    std::string_view keep(std::string_view text) { return m_buffer.copy(text); }
+
     /// The value of an attribute or a parameter as text: texts as written, without the blank that yosys puts behind
     /// texts that look like bits; numbers as they are written.
+    std::string_view attributeValue(json::value &value, const char *what);
+    /// The same; lives until @p scratch is used again.
     std::string_view attributeValue(json::value &value, TextBuffer &scratch, const char *what) const;
 
     /// Reads over @p value, of which nothing is wanted but that it is well formed.
     void passOver(json::value &value, unsigned depth = 0);
 
   private:
-    /// Opens the window of a section with this number. Its borders are braces meanwhile.
+    /// Opens the window of a section with this number. Its borders are braces meanwhile; those in the file are left as
+    /// they are.
     class Window {
       public:
         Window(JsonText &text, const Section &section, std::size_t number);
@@ -170,21 +199,30 @@ class JsonText {
       private:
         void restore();
 
-        char *m_before;
-        char *m_after;
+        char *m_before = nullptr;
+        char *m_after = nullptr;
     };
 
-    json::document &iterate(const char *begin, std::size_t size);
-    simdjson::padded_string_view padded(const char *begin, std::size_t size) const;
+    json::document &iterate(const char *begin, std::size_t size, std::size_t capacity);
+    /// The text in memory from @p begin to @p end of the file.
+    char *load(std::uint64_t begin, std::uint64_t end);
     static bool isPlain(std::string_view raw) { return raw.find('\\') == std::string_view::npos; }
     std::string_view unescape(std::string_view raw, char *to) const;
+    /// The value of an attribute; @p unescaped(raw) is the text of one.
+    template <typename Unescaped>
+    std::string_view attributeValueBy(json::value &value, const char *what, Unescaped &&unescaped) const;
     [[noreturn]] void wrongType(const char *what, const char *expected) const;
 
     const JsonInput &m_input;
-    const ReadFault &m_fault;
+    ReadFault &m_fault;
     json::parser m_parser;
     std::optional<json::document> m_document; ///< none when nothing is open
-    json::parser m_part;                      ///< of objects that are read once more
+    const char *m_end = nullptr;              ///< of what is open
+    TextBuffer m_loaded;                      ///< the latest window that came from the file
+    const char *m_windowBegin = nullptr;
+    std::uint64_t m_windowPlace = 0; ///< of m_windowBegin
+    std::size_t m_longSections = 0;  ///< of the ShortText: those that were met
+    json::parser m_part;             ///< of objects that are read once more
     json::document m_partDocument;
     TextBuffer m_buffer;
     TextBuffer m_passed;

@@ -71,17 +71,18 @@ void ModuleReader::readMemories(const Section &memories)
 
 void ModuleReader::readCells(const Section &cells)
 {
-    const char *end = nullptr;
+    std::optional<std::uint64_t> end;
     m_text.eachFieldOf(cells, [&](std::string_view raw, json::value &value) {
-        if (end == nullptr) {
-            m_progress.begin(raw.data());
+        const std::uint64_t place = m_text.placeOf(raw.data());
+        if (!end) {
+            m_progress.begin(place);
         }
-        end = raw.data();
-        m_progress.at(end);
+        end = place;
+        m_progress.at(place);
         readCell(raw, value);
     });
-    if (end != nullptr) {
-        m_progress.end(end);
+    if (end) {
+        m_progress.end(*end);
     }
     m_fault.leaveItem();
 }

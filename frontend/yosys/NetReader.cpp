@@ -27,6 +27,7 @@ void NetReader::read(Module &module)
     m_netlist = module.type.netlist();
     m_names.start(module.textSize);
     m_netAttributes.clear();
+    m_texts = TextBuffer();
     m_portNames.clear();
     m_reserved.clear();
     m_constantNets = {};
@@ -67,17 +68,18 @@ void NetReader::addPortNames()
 
 void NetReader::readNetNames(const Section &netNames)
 {
-    const char *end = nullptr;
+    std::optional<std::uint64_t> end;
     m_text.eachFieldOf(netNames, [&](std::string_view raw, json::value &value) {
-        if (end == nullptr) {
-            m_progress.begin(raw.data());
+        const std::uint64_t place = m_text.placeOf(raw.data());
+        if (!end) {
+            m_progress.begin(place);
         }
-        end = raw.data();
-        m_progress.at(end);
+        end = place;
+        m_progress.at(place);
         readNetName(raw, value);
     });
-    if (end != nullptr) {
-        m_progress.end(end);
+    if (end) {
+        m_progress.end(*end);
     }
     m_fault.leaveItem();
 }
@@ -93,7 +95,7 @@ NetNames::Rank NetReader::rankOf(std::string_view name, bool hidden, bool hasPos
 
 void NetReader::readNetName(std::string_view raw, json::value &value)
 {
-    const std::string_view text = m_text.text(raw);
+    const std::string_view text = m_text.text(raw, m_nameBuffer);
     m_fault.enterItem("net", text);
     json::object object = m_text.object(value, "a net");
     bool hidden = looksGenerated(text);
@@ -116,7 +118,7 @@ void NetReader::readNetName(std::string_view raw, json::value &value)
             summary = m_attributes.summarize(attributes);
             if (summary.any) {
                 attributeNumber = static_cast<std::uint32_t>(m_netAttributes.size());
-                m_netAttributes.push_back(m_text.objectFrom(begin));
+                m_netAttributes.push_back(m_texts.copy(m_text.objectFrom(begin)));
             }
         } else if (key == "hide_name") {
             hidden = m_text.flag(field, "\"hide_name\"");
@@ -147,7 +149,7 @@ void NetReader::readNetName(std::string_view raw, json::value &value)
         }
         m_names.dropPendingBits();
     } else {
-        name = &m_names.add(text, rankOf(text, hidden, !!summary.position), range);
+        name = &m_names.add(m_texts.copy(text), rankOf(text, hidden, !!summary.position), range);
         if (looksMadeUp(text)) {
             m_reserved.emplace(text);
         }

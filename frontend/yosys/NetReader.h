@@ -64,11 +64,13 @@ class NetReader {
     Progress &m_progress;
     DerivedNames m_derived;
     CText m_scratch;
+    TextBuffer m_nameBuffer;
 
     // Of the module that is being read.
     Module *m_module = nullptr;
     Verific::Netlist *m_netlist = nullptr;
     NetNames m_names;
+    TextBuffer m_texts;                                              ///< names and attributes
     std::vector<std::string_view> m_netAttributes;                   ///< as they are written
     std::unordered_map<std::string_view, std::uint32_t> m_portNames; ///< name of a port -> number of the name
     std::unordered_set<std::string> m_reserved;                      ///< names that look like ours

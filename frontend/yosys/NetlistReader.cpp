@@ -13,9 +13,10 @@ namespace {
 /// Reads one document. Keeps the texts that the ReadFault points at.
 class Reading {
   public:
-    Reading(const JsonInput &text, std::uint64_t fileSize, ReadFault &fault, const ReadOptions &options)
-        : m_fault(fault), m_options(options), m_progress(options, text.size, fileSize), m_text(text, fault),
-          m_attributes(m_text), m_devices(options.cellTables),
+    Reading(const JsonInput &text, ReadFault &fault, const ReadOptions &options)
+        : m_fault(fault), m_options(options),
+          m_progress(options, text.shortened != nullptr ? text.shortened->file().size() : text.size),
+          m_text(text, fault), m_attributes(m_text), m_devices(options.cellTables),
           m_modules(m_text, fault, m_attributes, m_design, m_devices),
           m_others(m_text, fault, m_attributes, m_design, m_devices), m_parts(m_design),
           m_reader(m_text, fault, m_attributes, m_modules, m_others, m_parts, m_progress)
@@ -42,12 +43,13 @@ class Reading {
         m_others.finish();
         m_devices.finish();
         m_parts.finish();
+        m_text.finish();
         m_progress.finish();
         m_design.attach();
         return top;
     }
 
-    std::string place(const TextFile &file) { return m_text.place(file.missing); }
+    std::string place() { return m_text.place(); }
 
   private:
     void findModules(json::document &document);
@@ -87,10 +89,7 @@ void Reading::findModules(json::document &document)
             m_text.passOver(value);
         }
     });
-    const char *rest = nullptr;
-    if (document.current_location().get(rest) == simdjson::SUCCESS) {
-        check(simdjson::TRAILING_CONTENT);
-    }
+    m_text.requireEnd();
     if (!found) {
         m_fault.fail("not a yosys netlist: it has no \"modules\"");
     }
@@ -100,14 +99,8 @@ void Reading::findModules(json::document &document)
 
 Verific::Netlist *readJsonText(const JsonInput &text, const std::string &name, const ReadOptions &options)
 {
-    return readJsonText(text, {text.size, {}}, name, options);
-}
-
-Verific::Netlist *readJsonText(const JsonInput &text, const TextFile &file, const std::string &name,
-                               const ReadOptions &options)
-{
     ReadFault fault(name);
-    Reading reading(text, file.size, fault, options);
+    Reading reading(text, fault, options);
     json::document *document = nullptr;
     try {
         document = &reading.open();
@@ -124,7 +117,7 @@ Verific::Netlist *readJsonText(const JsonInput &text, const TextFile &file, cons
         if (broken.error() == simdjson::MEMALLOC) {
             throw std::bad_alloc();
         }
-        fault.fail("not valid JSON" + reading.place(file) + ": " + broken.what());
+        fault.fail("not valid JSON" + reading.place() + ": " + broken.what());
     }
 }
 

@@ -33,18 +33,19 @@ CellType &OtherCellTypes::find(std::string_view raw, std::optional<json::object>
 CellType &OtherCellTypes::internal(std::string_view raw, std::optional<json::object> &parameters,
                                    std::optional<json::object> &directions, std::optional<json::object> &connections)
 {
-    Family &family = m_families[raw];
+    auto known = m_families.find(raw);
+    if (known == m_families.end()) {
+        known = m_families.emplace(m_text.keep(raw), Family{m_text.keep(m_text.text(raw)), {}, {}}).first;
+    }
+    Family &family = known->second;
     std::string_view text;
     if (parameters) {
         check(parameters->reset().error());
         check(parameters->raw_json().get(text));
     }
-    CellType *&sameText = family.byText[text];
-    if (sameText != nullptr) {
-        return *sameText;
-    }
-    if (family.name.data() == nullptr) {
-        family.name = m_text.text(raw);
+    const auto sameText = family.byText.find(text);
+    if (sameText != family.byText.end()) {
+        return *sameText->second;
     }
     std::vector<std::pair<std::string_view, std::string>> sorted;
     if (parameters) {
@@ -62,8 +63,8 @@ CellType &OtherCellTypes::internal(std::string_view raw, std::optional<json::obj
     if (sameParameters == nullptr) {
         sameParameters = &makeInternal(family, sorted, directions, connections);
     }
-    sameText = sameParameters;
-    return *sameText;
+    family.byText.emplace(m_text.keep(text), sameParameters);
+    return *sameParameters;
 }
 
 CellType &OtherCellTypes::makeInternal(Family &family,
@@ -92,13 +93,13 @@ CellType &OtherCellTypes::makeInternal(Family &family,
     } else if (connections) {
         check(connections->reset().error());
         eachField(*connections, [&](std::string_view raw, json::value &) {
-            const std::string_view name = m_text.text(raw);
+            const std::string_view name = m_text.keep(m_text.text(raw));
             m_fault.enterPort(name);
             const unsigned direction = directionOf(family.name, name);
             if (direction == Verific::DIR_NONE) {
                 m_fault.fail("cell of unknown type '" + std::string(family.name) + "' without \"port_directions\"");
             }
-            type.declare(raw, name, direction);
+            type.declare(m_text.keep(raw), name, direction);
             m_fault.leavePort();
         });
     }
@@ -107,15 +108,15 @@ CellType &OtherCellTypes::makeInternal(Family &family,
 
 CellType &OtherCellTypes::blackBox(std::string_view raw, std::optional<json::object> &directions)
 {
-    CellType *&sameText = m_blackBoxes[raw];
-    if (sameText != nullptr) {
+    const auto sameText = m_blackBoxes.find(raw);
+    if (sameText != m_blackBoxes.end()) {
         // Cells need not tell the ports that they leave open.
         if (directions) {
-            addDirections(*sameText, *directions);
+            addDirections(*sameText->second, *directions);
         }
-        return *sameText;
+        return *sameText->second;
     }
-    const std::string_view name = m_text.text(raw);
+    const std::string_view name = m_text.keep(m_text.text(raw));
     if (!directions) {
         m_fault.fail("cell of unknown type '" + std::string(name) + "' without \"port_directions\"");
     }
@@ -124,8 +125,8 @@ CellType &OtherCellTypes::blackBox(std::string_view raw, std::optional<json::obj
         sameName = &makeBlackBox(name, *directions);
     }
     addDirections(*sameName, *directions);
-    sameText = sameName;
-    return *sameText;
+    m_blackBoxes.emplace(m_text.keep(raw), sameName);
+    return *sameName;
 }
 
 CellType &OtherCellTypes::makeBlackBox(std::string_view name, json::object &directions)
@@ -155,7 +156,7 @@ void OtherCellTypes::addDirections(CellType &type, json::object &directions)
         const unsigned direction = readDirection(value, m_text, m_fault);
         const CellType::Group *known = type.findByName(name);
         if (known == nullptr) {
-            type.declare(raw, name, direction);
+            type.declare(m_text.keep(raw), m_text.keep(name), direction);
         } else if (known->direction != direction) {
             m_fault.fail("the port has another direction here than before");
         }

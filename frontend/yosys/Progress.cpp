@@ -4,22 +4,21 @@
 
 namespace kvr::netlistdb::yosys {
 
-Progress::Progress(const ReadOptions &options, std::uint64_t textSize, std::uint64_t fileSize)
-    : m_options(options), m_total(textSize), m_fileSize(fileSize), m_step(std::max<std::uint64_t>(textSize / 100, 1)),
-      m_due(m_step)
+Progress::Progress(const ReadOptions &options, std::uint64_t total)
+    : m_options(options), m_total(total), m_step(std::max<std::uint64_t>(total / 100, 1)), m_due(m_step)
 {
     report(0);
 }
 
-void Progress::begin(const char *place)
+void Progress::begin(std::uint64_t place)
 {
     m_start = place;
     m_next = place + (m_due > m_before ? m_due - m_before : 0);
 }
 
-void Progress::end(const char *place)
+void Progress::end(std::uint64_t place)
 {
-    m_before = std::min(m_before + static_cast<std::uint64_t>(place - m_start), m_total);
+    m_before = std::min(m_before + place - m_start, m_total);
 }
 
 void Progress::finish()
@@ -27,9 +26,9 @@ void Progress::finish()
     report(m_total);
 }
 
-void Progress::tell(const char *place)
+void Progress::tell(std::uint64_t place)
 {
-    const std::uint64_t done = std::min(m_before + static_cast<std::uint64_t>(place - m_start), m_total);
+    const std::uint64_t done = std::min(m_before + place - m_start, m_total);
     report(done);
     m_due = done + m_step;
     m_next = m_start + (m_due - m_before);
@@ -37,8 +36,7 @@ void Progress::tell(const char *place)
 
 void Progress::report(std::uint64_t done)
 {
-    const std::uint64_t inFile = m_total != 0 ? done * m_fileSize / m_total : m_fileSize;
-    if (m_options.progress && !m_options.progress(inFile, m_fileSize)) {
+    if (m_options.progress && !m_options.progress(done, m_total)) {
         throw ReadCancelled("reading was stopped");
     }
 }

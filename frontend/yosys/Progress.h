@@ -11,36 +11,34 @@ namespace kvr::netlistdb::yosys {
 class Progress {
   public:
     /// @p options must outlive the object.
-    /// @param textSize  bytes of the text that is read, at most 4 GiB
-    /// @param fileSize  bytes of its file, in which the progress counts, at most 4 GiB
-    Progress(const ReadOptions &options, std::uint64_t textSize, std::uint64_t fileSize);
+    /// @param total  bytes of the file
+    Progress(const ReadOptions &options, std::uint64_t total);
 
     /// Starts to count a part of the file at @p place.
-    void begin(const char *place);
+    void begin(std::uint64_t place);
     /// Reading has come to @p place of the part. Throws ReadCancelled when the caller wants no more.
-    void at(const char *place)
+    void at(std::uint64_t place)
     {
         if (place >= m_next) {
             tell(place);
         }
     }
     /// The part ends at @p place.
-    void end(const char *place);
+    void end(std::uint64_t place);
     /// All is read.
     void finish();
 
   private:
-    void tell(const char *place);
+    void tell(std::uint64_t place);
     void report(std::uint64_t done);
 
     const ReadOptions &m_options;
     std::uint64_t m_total;
-    std::uint64_t m_fileSize;
     std::uint64_t m_step;
     std::uint64_t m_before = 0; ///< bytes of the finished parts
     std::uint64_t m_due;        ///< the next report
-    const char *m_start = nullptr;
-    const char *m_next = nullptr;
+    std::uint64_t m_start = 0;
+    std::uint64_t m_next = 0;
 };
 
 } // namespace kvr::netlistdb::yosys

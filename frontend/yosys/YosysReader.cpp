@@ -1,36 +1,70 @@
 #include "YosysReader.h"
 
-#include "FileText.h"
+#include "JsonFile.h"
 #include "NetlistReader.h"
 #include "ReadFault.h"
+#include "ShortText.h"
 
-#include <filesystem>
-#include <simdjson.h>
+#include <algorithm>
+#include <utility>
 
 namespace kvr::netlistdb::yosys {
 
-Verific::Netlist *readJson(const std::string &path, const ReadOptions &options)
+namespace {
+
+/// The progress of a file that may be read twice: it never falls.
+class RisingProgress {
+  public:
+    explicit RisingProgress(const ReadOptions &options) : m_options(options)
+    {
+        if (options.progress) {
+            m_options.progress = [this, told = options.progress](std::uint64_t done, std::uint64_t total) {
+                m_done = std::max(m_done, done);
+                m_isTelling = true;
+                const bool goOn = told(m_done, total);
+                m_isTelling = false;
+                return goOn;
+            };
+        }
+    }
+    RisingProgress(const RisingProgress &) = delete;
+    RisingProgress &operator=(const RisingProgress &) = delete;
+
+    /// Options with this progress; end with the object.
+    const ReadOptions &options() const { return m_options; }
+    /// True when the caller's function threw.
+    bool hasThrown() const { return m_isTelling; }
+
+  private:
+    ReadOptions m_options;
+    std::uint64_t m_done = 0;
+    bool m_isTelling = false;
+};
+
+} // namespace
+
+Verific::Netlist *readJsonFile(const std::string &path, const ShortText::Sizes &sizes, const ReadOptions &options)
 {
     const ReadFault fault(path);
-    std::error_code failed;
-    const std::filesystem::file_status status = std::filesystem::status(path, failed);
-    if (failed) {
-        fault.fail("cannot read the file: " + failed.message());
+    const JsonFile file(path, fault);
+    RisingProgress progress(options);
+    {
+        const ShortText text(file, sizes);
+        try {
+            return readJsonText(text.input(), path, progress.options());
+        } catch (const ReadError &) {
+            if (text.sections().empty() || progress.hasThrown()) {
+                throw;
+            }
+        }
     }
-    if (!std::filesystem::is_regular_file(status)) {
-        fault.fail(std::filesystem::is_directory(status) ? "cannot read the file: it is a directory"
-                                                         : "cannot read the file: it is no regular file");
-    }
-    const std::uintmax_t size = std::filesystem::file_size(path, failed);
-    if (failed) {
-        fault.fail("cannot read the file: " + failed.message());
-    }
-    if (size > simdjson::SIMDJSON_MAXSIZE_BYTES) {
-        fault.fail("the file is larger than 4 GiB");
-    }
-    const FileText text(path, size, fault);
-    const TextFile file{size, [&text](std::size_t line) { return text.blanksOf(line); }};
-    return readJsonText(text.input(), file, path, options);
+    // The text is damaged, or indented in another way than it seems: the whole of it tells which, and where.
+    return readJsonText(ShortText(file, ShortText::WHOLE).input(), path, progress.options());
+}
+
+Verific::Netlist *readJson(const std::string &path, const ReadOptions &options)
+{
+    return readJsonFile(path, ShortText::Sizes(), options);
 }
 
 } // namespace kvr::netlistdb::yosys

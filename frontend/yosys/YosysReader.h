@@ -74,7 +74,9 @@ struct ReadOptions {
 ///   net bus are on the bus alone. A net that has other names gets the attribute of theirs that keeps flip-flops where
 ///   the designer put them (`async_reg`, `keep`, …).
 ///
-/// Reads in time proportional to the file, at most 4 GiB, whose text is held in memory meanwhile, and no index of it.
+/// Reads in time proportional to the file, at most 4 GiB. Of a file that is indented as yosys does it, long lists of
+/// cells, memories and names of nets are read twice and never held in memory; the whole of any other is, with an index
+/// half as large until its modules are found. The same happens when the file is damaged or written to meanwhile.
 /// @throws ReadError when the file cannot be read or is not such a netlist, ReadCancelled when stopped,
 ///         std::bad_alloc; the global libset is then as it was before.
 Verific::Netlist *readJson(const std::string &path, const ReadOptions &options = {});

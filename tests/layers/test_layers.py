@@ -20,7 +20,7 @@ LAYERS = {
     "src/search": {"memory", "src/model"},
     "src/database": {"platform/verific", "src/netlist", "src/model", "src/clock", "src/search"},
     "analysis": {"platform/names", "platform/verific", "library"},
-    "frontend/yosys": {"platform/names", "platform/verific"},
+    "frontend/yosys": {"memory", "platform/names", "platform/verific"},
     "tools/netlistdb/base": {"memory"},
     "tools/netlistdb/output": {"tools/netlistdb/base"},
     "tools/netlistdb/design": {"tools/netlistdb/base", "tools/netlistdb/output", "library", "analysis",

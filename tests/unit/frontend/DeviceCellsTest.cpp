@@ -113,6 +113,20 @@ TEST_F(DeviceCells, AMemoryOnTwoClocksIsOneInstanceForEach)
               "u:CLKB: Primitives/DP16KD:netlist_2 (CLKB=$bit$3, DOB0=$bit$5) {KVR_ATTRIBUTE_CELL_NAME=KVR_FF}\n");
 }
 
+TEST_F(DeviceCells, ParametersMayBeWrittenWithEscapes)
+{
+    const auto clocksOf = [](const char *mode, const char *other) {
+        readCell(cell("CC_BRAM_20K", std::string("\"RAM_MODE\": \"") + mode + "\", \"OTHER\": \"" + other + "\"",
+                      R"("A_CLK": [2], "B_CLK": [3])", R"("A_DO": [4], "B_DO": [5])"));
+        const std::string text = linesOf(netlistOf("work", "top"), "u");
+        Verific::Libset::Reset();
+        return text.substr(0, text.find('{'));
+    };
+    EXPECT_EQ(clocksOf("\\u0053DP", "\\u0054DP"), clocksOf("SDP", "TDP"));
+    EXPECT_EQ(clocksOf("\\u0054DP", "\\u0053DP"), clocksOf("TDP", "SDP"));
+    EXPECT_NE(clocksOf("SDP", "TDP"), clocksOf("TDP", "SDP"));
+}
+
 TEST_F(DeviceCells, AMemoryOnOneClockStaysWhole)
 {
     const Verific::Netlist *top =

@@ -2,6 +2,8 @@
 
 #include "ReaderTest.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -10,15 +12,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <yosys/FileText.h>
+#include <yosys/NetlistReader.h>
 
 namespace yosystest {
 namespace {
 
+using kvr::netlistdb::yosys::JsonFile;
 using kvr::netlistdb::yosys::ReadCancelled;
 using kvr::netlistdb::yosys::ReadError;
+using kvr::netlistdb::yosys::ReadFault;
 using kvr::netlistdb::yosys::readJson;
 using kvr::netlistdb::yosys::ReadOptions;
+using kvr::netlistdb::yosys::ShortText;
+
+constexpr int CELLS = 6000;
 
 class YosysFiles : public FilesTest {
   protected:
@@ -87,21 +94,65 @@ TEST_F(YosysFiles, LargerThanTheParserCanTakeAreRefused)
 
 TEST_F(YosysFiles, ThatBecomeShorterWhileTheyAreReadAreRefused)
 {
-    using kvr::netlistdb::yosys::FileText;
-    const std::string file = write("short.json", "{\n  \"modules\": {}}");
-    const kvr::netlistdb::yosys::ReadFault fault(file);
-    try {
-        const FileText text(file, std::filesystem::file_size(file) + 1, fault);
-        FAIL() << "no error";
-    } catch (const ReadError &error) {
-        EXPECT_EQ(error.what(), file + ": cannot read the file: it became shorter meanwhile");
+    const std::string path = write("short.json", "{\n  \"modules\": {}}");
+    const ReadFault fault(path);
+    const JsonFile file(path, fault);
+    std::filesystem::resize_file(path, 5);
+    EXPECT_FALSE(file.isUnchanged());
+    for (const ShortText::Sizes &sizes : {ShortText::Sizes(), ShortText::WHOLE}) {
+        try {
+            const ShortText text(file, sizes);
+            FAIL() << "no error";
+        } catch (const ReadError &error) {
+            EXPECT_EQ(error.what(), path + ": cannot read the file: it became shorter meanwhile");
+        }
     }
-    const FileText text(file, std::filesystem::file_size(file), fault);
-    EXPECT_EQ(text.blanksOf(1), 0u);
-    EXPECT_EQ(text.blanksOf(2), 2u);
-    EXPECT_EQ(text.blanksOf(3), 0u);
-    std::filesystem::remove(file);
-    EXPECT_EQ(text.blanksOf(2), 0u);
+}
+
+/// Cells that are indented as yosys does it, so that they stay in the file; from number @p misleading on, only their
+/// fields are.
+std::string indentedCells(int misleading)
+{
+    std::string text = "{\n  \"modules\": {\n    \"top\": {\n      \"cells\": {\n";
+    for (int i = 0; i < CELLS; ++i) {
+        const std::string name = "        \"u" + std::to_string(i) + "\": {\n";
+        const std::string connections =
+            "\"connections\": {\n            \"A\": [ " + std::to_string(i + 2) + " ]\n          }";
+        if (i < misleading) {
+            text += name + "          \"type\": \"$not\",\n          " + connections + "\n        }";
+        } else {
+            text += name + "\"type\": \"$not\", \"note\": {\n        },\n        " + connections + "}";
+        }
+        text += i == CELLS - 1 ? "\n" : i < misleading ? ",\n" : ",";
+    }
+    return text + "      }\n    }\n  }\n}\n";
+}
+
+TEST_F(YosysFiles, AreReadOnceMoreWhenTheyWereWrittenToMeanwhile)
+{
+    const std::string path = write("cells.json", indentedCells(CELLS));
+    const ReadFault fault(path);
+    const JsonFile file(path, fault);
+    const ShortText text(file, {});
+    ASSERT_EQ(text.sections().size(), 1u);
+    EXPECT_GT(text.sections().front().end - text.sections().front().begin, 100000u);
+    EXPECT_NE(kvr::netlistdb::yosys::readJsonText(text.input(), path, {}), nullptr);
+    Verific::Libset::Reset();
+    std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::seconds(1));
+    EXPECT_FALSE(file.isUnchanged());
+    EXPECT_THROW(kvr::netlistdb::yosys::readJsonText(text.input(), path, {}), ReadError);
+    EXPECT_EQ(dumpLibset(), "");
+    ReadOptions options;
+    bool isTouched = false;
+    options.progress = [&](std::uint64_t done, std::uint64_t) {
+        if (done > 0 && !isTouched) {
+            isTouched = true;
+            std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::seconds(1));
+        }
+        return true;
+    };
+    EXPECT_EQ(readJson(path, options)->GetInsts()->Size(), static_cast<unsigned>(CELLS));
+    EXPECT_TRUE(isTouched);
 }
 
 TEST_F(YosysFiles, ReportProgressUpToTheirSize)
@@ -124,6 +175,44 @@ TEST_F(YosysFiles, ReportProgressUpToTheirSize)
         EXPECT_LE(done[i - 1], done[i]);
         EXPECT_LE(done[i] - done[i - 1], size / 50);
     }
+}
+
+TEST_F(YosysFiles, ReportRisingProgressWhenTheyAreReadTwice)
+{
+    for (const int misleading : {CELLS, CELLS / 2}) {
+        const std::string text = indentedCells(misleading);
+        std::vector<std::uint64_t> done;
+        ReadOptions options;
+        options.progress = [&](std::uint64_t bytes, std::uint64_t total) {
+            EXPECT_EQ(total, text.size());
+            done.push_back(bytes);
+            return true;
+        };
+        EXPECT_EQ(readJson(write("cells.json", text), options)->GetInsts()->Size(), static_cast<unsigned>(CELLS));
+        EXPECT_EQ(done.size() > 110, misleading < CELLS) << done.size();
+        EXPECT_EQ(done.back(), text.size());
+        EXPECT_TRUE(std::is_sorted(done.begin(), done.end()));
+    }
+}
+
+TEST_F(YosysFiles, PassOnReadErrorsOfTheProgressCallback)
+{
+    unsigned calls = 0;
+    ReadOptions options;
+    options.progress = [&](std::uint64_t done, std::uint64_t) -> bool {
+        ++calls;
+        if (done > 0) {
+            throw ReadError("mine");
+        }
+        return true;
+    };
+    try {
+        readJson(write("cells.json", indentedCells(CELLS)), options);
+        FAIL() << "no error";
+    } catch (const ReadError &error) {
+        EXPECT_STREQ(error.what(), "mine");
+    }
+    EXPECT_EQ(calls, 2u);
 }
 
 TEST_F(YosysFiles, StopBeingReadWhenTheCallerWantsNoMore)
