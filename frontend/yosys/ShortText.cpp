@@ -151,8 +151,8 @@ class ShortText::Scan {
         for (bool isOpen = true; isOpen;) {
             const std::string_view block = load();
             if (border.empty()) {
-                const std::string between = "\n" + std::string(indentOf(block.substr(1)));
-                border = between + "}," + between + "\"";
+                const std::string_view between = block.substr(0, 1 + indentOf(block.substr(1)).size());
+                border.append(between).append("},").append(between).append("\"");
             }
             const std::size_t closing = findClosing(block, indent);
             isOpen = closing == NOWHERE;
