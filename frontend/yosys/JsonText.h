@@ -83,8 +83,8 @@ class TextBuffer {
 /// An object of a document whose fields are read later.
 class Section {
   public:
-    /// Bytes of the object.
-    std::uint64_t size() const { return m_end - m_begin; }
+    /// Bytes of the object that are not in the text in memory.
+    std::uint64_t sizeInFile() const { return m_isInFile ? m_end - m_begin : 0; }
 
   private:
     friend class JsonText;

@@ -24,7 +24,7 @@ struct Module {
     std::optional<Section> netNames;
     std::optional<Section> memories;
     std::optional<Section> cells;
-    std::size_t textSize = 0; ///< bytes of the module in the file at least, twice as many at most
+    std::size_t textSize = 0; ///< bytes of the module in the file
     bool blackBox = false;
     bool markedTop = false;
     bool instantiated = false;

@@ -6,7 +6,6 @@
 #include "ShortText.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace kvr::netlistdb::yosys {
 

@@ -1,5 +1,6 @@
 // Whatever the text, the reader of Yosys JSON returns a netlist or throws a ReadError of one line, and after an error
-// the global libset is empty as before. A file with the text comes to the same, however much of it is left in the file.
+// the global libset is empty as before. Windows of other lengths come to the same netlist, or to an error, and a file
+// with the text to the same netlist or error, however much of it is left in the file.
 
 #include "tests/support/NetlistDump.h"
 
@@ -19,21 +20,25 @@
 
 namespace {
 
-/// What comes of @p read(): the netlist, or the error.
-template <typename Read> std::string outcome(Read &&read)
+struct Outcome {
+    bool isRead = false;
+    std::string text; ///< the netlist, or the error
+};
+
+template <typename Read> Outcome outcome(Read &&read)
 {
-    std::string result;
+    Outcome result;
     try {
         const Verific::Netlist *top = read();
         if (top == nullptr || top->Owner() == nullptr) {
             std::abort();
         }
-        result = testsupport::dumpHierarchy(top);
+        result = {true, testsupport::dumpHierarchy(top)};
     } catch (const kvr::netlistdb::yosys::ReadError &error) {
         if (std::strchr(error.what(), '\n') != nullptr || Verific::Libset::Global()->GetLibraries()->Size() != 0) {
             std::abort();
         }
-        result = error.what();
+        result = {false, error.what()};
     }
     Verific::Libset::Reset();
     Verific::LineFile::DeleteAllLineFiles();
@@ -65,14 +70,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const MemoryFile file(data, size);
     simdjson::padded_string text(std::string_view(reinterpret_cast<const char *>(data), size));
-    // Windows of all lengths, so that short texts are read in several.
-    const std::size_t window = size % 64;
-    const kvr::netlistdb::yosys::JsonInput input{text.data(), size, size + simdjson::SIMDJSON_PADDING, window};
-    const std::string ofText = outcome([&] { return kvr::netlistdb::yosys::readJsonText(input, file.path(), {}); });
-    const std::string ofFile = outcome([&] {
-        return kvr::netlistdb::yosys::readJsonFile(file.path(), {size % 5 * 30, window}, {});
+    kvr::netlistdb::yosys::JsonInput input{text.data(), size, size + simdjson::SIMDJSON_PADDING};
+    const auto ofText = [&] {
+        return outcome([&] { return kvr::netlistdb::yosys::readJsonText(input, file.path(), {}); });
+    };
+    const Outcome whole = ofText();
+    // Windows of all lengths, so that short texts are read in several. Which of several faults is met first may differ.
+    input.window = size % 64;
+    const Outcome windows = ofText();
+    if (windows.isRead != whole.isRead || (whole.isRead && windows.text != whole.text)) {
+        std::abort();
+    }
+    const Outcome ofFile = outcome([&] {
+        return kvr::netlistdb::yosys::readJsonFile(file.path(), {size % 5 * 30, input.window}, {});
     });
-    if (ofText != ofFile) {
+    if (ofFile.text != whole.text) {
         std::abort();
     }
     return 0;

@@ -1,5 +1,5 @@
 // Long objects are read window by window, those of indented files straight from the file. Neither shows: not in the
-// netlist, and not in what is said about damaged texts or about texts whose lines are indented to mislead.
+// netlist, and hardly in what is said about damaged texts: which of several faults is met first may differ.
 
 #include "ReaderTest.h"
 #include "tests/support/RandomInputs.h"
