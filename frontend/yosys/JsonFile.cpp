@@ -18,36 +18,30 @@ bool isSameTime(const timespec &left, const timespec &right)
 
 } // namespace
 
-JsonFile::JsonFile(const std::string &path, const ReadFault &fault) : m_fault(fault)
+// The object is complete when the other constructor ends: from then on an exception closes the file.
+JsonFile::JsonFile(const std::string &path, const ReadFault &fault) : JsonFile(fault)
 {
     // Opening a device may do something to it, and a pipe without a writer would never open.
-    if (::stat(path.c_str(), &m_opened) != 0) {
+    if (::stat(path.c_str(), &m_status) != 0) {
         fail(std::strerror(errno));
     }
-    if (!S_ISREG(m_opened.st_mode)) {
-        fail(S_ISDIR(m_opened.st_mode) ? "it is a directory" : "it is no regular file");
+    if (!S_ISREG(m_status.st_mode)) {
+        fail(S_ISDIR(m_status.st_mode) ? "it is a directory" : "it is no regular file");
     }
     m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (m_descriptor < 0) {
+    if (m_descriptor < 0 || ::fstat(m_descriptor, &m_status) != 0) {
         fail(std::strerror(errno));
     }
-    try {
-        if (::fstat(m_descriptor, &m_opened) != 0) {
-            fail(std::strerror(errno));
-        }
-        m_size = static_cast<std::uint64_t>(m_opened.st_size);
-        if (m_size > simdjson::SIMDJSON_MAXSIZE_BYTES) {
-            m_fault.fail("the file is larger than 4 GiB");
-        }
-    } catch (...) {
-        ::close(m_descriptor);
-        throw;
+    if (size() > simdjson::SIMDJSON_MAXSIZE_BYTES) {
+        m_fault.fail("the file is larger than 4 GiB");
     }
 }
 
 JsonFile::~JsonFile()
 {
-    ::close(m_descriptor);
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
 }
 
 void JsonFile::read(std::uint64_t begin, std::size_t size, char *to) const
@@ -71,8 +65,8 @@ void JsonFile::read(std::uint64_t begin, std::size_t size, char *to) const
 bool JsonFile::isUnchanged() const
 {
     struct stat now {};
-    return ::fstat(m_descriptor, &now) == 0 && now.st_size == m_opened.st_size &&
-           isSameTime(now.st_mtim, m_opened.st_mtim) && isSameTime(now.st_ctim, m_opened.st_ctim);
+    return ::fstat(m_descriptor, &now) == 0 && now.st_size == m_status.st_size &&
+           isSameTime(now.st_mtim, m_status.st_mtim) && isSameTime(now.st_ctim, m_status.st_ctim);
 }
 
 void JsonFile::fail(const std::string &reason) const

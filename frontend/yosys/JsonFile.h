@@ -20,7 +20,7 @@ class JsonFile {
     JsonFile(const JsonFile &) = delete;
     JsonFile &operator=(const JsonFile &) = delete;
 
-    std::uint64_t size() const { return m_size; }
+    std::uint64_t size() const { return static_cast<std::uint64_t>(m_status.st_size); }
     /// Copies the @p size bytes from @p begin on to @p to.
     /// @throws ReadError  when they cannot be read
     void read(std::uint64_t begin, std::size_t size, char *to) const;
@@ -28,12 +28,13 @@ class JsonFile {
     bool isUnchanged() const;
 
   private:
+    /// A file that is not open yet.
+    explicit JsonFile(const ReadFault &fault) : m_fault(fault) {}
     [[noreturn]] void fail(const std::string &reason) const;
 
     const ReadFault &m_fault;
     int m_descriptor = -1;
-    struct stat m_opened {};
-    std::uint64_t m_size = 0;
+    struct stat m_status {}; ///< when it was opened
 };
 
 } // namespace kvr::netlistdb::yosys

@@ -100,21 +100,18 @@ void JsonText::finish() const
 
 Section JsonText::section(json::value &value, const char *what)
 {
-    Section section;
     const char *const begin = value.raw_json_token().data();
     const auto place = static_cast<std::size_t>(begin - m_input.data);
     json::object fields = object(value, what);
     if (m_input.shortened != nullptr) {
-        if (const LongSection *found = m_input.shortened->sectionAt(place)) {
+        const auto found = m_input.shortened->sections().find(place);
+        if (found != m_input.shortened->sections().end()) {
             ++m_longSections;
-            section.m_isInFile = true;
-            section.m_begin = found->begin;
-            section.m_end = found->end;
-            section.m_borders = found->borders;
-            return section;
+            return found->second;
         }
     }
-    section.m_begin = place;
+    Section section;
+    section.begin = place;
     const char *windowBegin = begin;
     bool isFirst = true;
     eachField(fields, [&](std::string_view raw, json::value &) {
@@ -124,12 +121,12 @@ Section JsonText::section(json::value &value, const char *what)
             while (*border != ',') {
                 --border;
             }
-            section.m_borders.push_back(static_cast<std::uint64_t>(border - m_input.data));
+            section.borders.push_back(static_cast<std::uint64_t>(border - m_input.data));
             windowBegin = border;
         }
         isFirst = false;
     });
-    section.m_end = section.m_begin + objectFrom(begin).size();
+    section.end = section.begin + objectFrom(begin).size();
     return section;
 }
 
@@ -145,12 +142,12 @@ std::string_view JsonText::objectFrom(const char *begin)
 JsonText::Window::Window(JsonText &text, const Section &section, std::size_t number)
 {
     const bool isFirst = number == 0;
-    const bool isLast = number == section.m_borders.size();
-    const std::uint64_t begin = isFirst ? section.m_begin : section.m_borders[number - 1];
-    const std::uint64_t end = isLast ? section.m_end : section.m_borders[number] + 1;
+    const bool isLast = number == section.borders.size();
+    const std::uint64_t begin = isFirst ? section.begin : section.borders[number - 1];
+    const std::uint64_t end = isLast ? section.end : section.borders[number] + 1;
     const auto size = static_cast<std::size_t>(end - begin);
     // The text belongs to the caller, who lets it be written to.
-    char *const at = section.m_isInFile ? text.load(begin, end) : text.m_input.data + begin;
+    char *const at = section.isInFile ? text.load(begin, end) : text.m_input.data + begin;
     text.m_windowBegin = at;
     text.m_windowPlace = begin;
     if (!isFirst) {
@@ -159,12 +156,12 @@ JsonText::Window::Window(JsonText &text, const Section &section, std::size_t num
     if (!isLast) {
         at[size - 1] = '}';
     }
-    if (!section.m_isInFile) {
+    if (!section.isInFile) {
         m_before = isFirst ? nullptr : at;
         m_after = isLast ? nullptr : at + size - 1;
     }
     try {
-        text.iterate(at, size, section.m_isInFile ? size + simdjson::SIMDJSON_PADDING : text.m_input.capacity - begin);
+        text.iterate(at, size, section.isInFile ? size + simdjson::SIMDJSON_PADDING : text.m_input.capacity - begin);
     } catch (const simdjson::simdjson_error &) {
         restore();
         throw;

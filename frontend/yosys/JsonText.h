@@ -80,20 +80,6 @@ class TextBuffer {
     std::size_t m_reusedSize = 0;
 };
 
-/// An object of a document whose fields are read later.
-class Section {
-  public:
-    /// Bytes of the object that are not in the text in memory.
-    std::uint64_t sizeInFile() const { return m_isInFile ? m_end - m_begin : 0; }
-
-  private:
-    friend class JsonText;
-    bool m_isInFile = false; ///< all places are those of the file, otherwise those of the text in memory
-    std::uint64_t m_begin = 0;
-    std::uint64_t m_end = 0;
-    std::vector<std::uint64_t> m_borders; ///< commas between fields that end a window
-};
-
 /// Typed access to the values of one JSON document, with errors that say what was expected.
 ///
 /// The parser needs an index of the text that is half as large. That of the whole document is held until close();
@@ -118,7 +104,7 @@ class JsonText {
     /// texts of a section live until the next field is visited.
     template <typename Visit> void eachFieldOf(const Section &section, Visit &&visit)
     {
-        for (std::size_t number = 0; number <= section.m_borders.size(); ++number) {
+        for (std::size_t number = 0; number <= section.borders.size(); ++number) {
             const Window window(*this, section, number);
             json::object object;
             check(m_document->get_object().get(object));

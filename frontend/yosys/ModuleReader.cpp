@@ -71,19 +71,7 @@ void ModuleReader::readMemories(const Section &memories)
 
 void ModuleReader::readCells(const Section &cells)
 {
-    std::optional<std::uint64_t> end;
-    m_text.eachFieldOf(cells, [&](std::string_view raw, json::value &value) {
-        const std::uint64_t place = m_text.placeOf(raw.data());
-        if (!end) {
-            m_progress.begin(place);
-        }
-        end = place;
-        m_progress.at(place);
-        readCell(raw, value);
-    });
-    if (end) {
-        m_progress.end(*end);
-    }
+    m_progress.eachFieldOf(m_text, cells, [&](std::string_view raw, json::value &value) { readCell(raw, value); });
     m_fault.leaveItem();
 }
 

@@ -45,7 +45,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
     const char *end = raw.data();
     bool portsRead = false;
     std::vector<std::pair<std::string, std::string>> parameters;
-    std::uint64_t sizeInFile = 0;
+    std::size_t sizeInFile = 0;
     const auto once = [&](std::optional<Section> &part, json::value &field, const char *what) {
         if (part) {
             m_fault.fail(std::string(what) + " appears in the module twice");
@@ -85,7 +85,7 @@ void ModuleTable::readModule(std::string_view raw, json::value &value)
             m_text.passOver(field);
         }
     });
-    module.textSize = static_cast<std::size_t>(end - raw.data()) + static_cast<std::size_t>(sizeInFile);
+    module.textSize = static_cast<std::size_t>(end - raw.data()) + sizeInFile;
     if (module.blackBox) {
         netlist->MakeBlackBox();
     }

@@ -68,19 +68,8 @@ void NetReader::addPortNames()
 
 void NetReader::readNetNames(const Section &netNames)
 {
-    std::optional<std::uint64_t> end;
-    m_text.eachFieldOf(netNames, [&](std::string_view raw, json::value &value) {
-        const std::uint64_t place = m_text.placeOf(raw.data());
-        if (!end) {
-            m_progress.begin(place);
-        }
-        end = place;
-        m_progress.at(place);
-        readNetName(raw, value);
-    });
-    if (end) {
-        m_progress.end(*end);
-    }
+    m_progress.eachFieldOf(m_text, netNames,
+                           [&](std::string_view raw, json::value &value) { readNetName(raw, value); });
     m_fault.leaveItem();
 }
 

@@ -16,9 +16,9 @@ void Progress::begin(std::uint64_t place)
     m_next = place + (m_due > m_before ? m_due - m_before : 0);
 }
 
-void Progress::end(std::uint64_t place)
+void Progress::finishPart(std::uint64_t end)
 {
-    m_before = std::min(m_before + place - m_start, m_total);
+    m_before = std::min(m_before + end - m_start, m_total);
 }
 
 void Progress::finish()

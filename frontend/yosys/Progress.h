@@ -1,9 +1,11 @@
 #pragma once
 
+#include "JsonText.h"
 #include "YosysReader.h"
 
-#include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace kvr::netlistdb::yosys {
 
@@ -14,21 +16,31 @@ class Progress {
     /// @param total  bytes of the file
     Progress(const ReadOptions &options, std::uint64_t total);
 
-    /// Starts to count a part of the file at @p place.
-    void begin(std::uint64_t place);
-    /// Reading has come to @p place of the part. Throws ReadCancelled when the caller wants no more.
-    void at(std::uint64_t place)
+    /// JsonText::eachFieldOf() for a part of the file that counts. Throws ReadCancelled when the caller wants no more.
+    template <typename Visit> void eachFieldOf(JsonText &text, const Section &section, Visit &&visit)
     {
-        if (place >= m_next) {
-            tell(place);
+        std::optional<std::uint64_t> end;
+        text.eachFieldOf(section, [&](std::string_view raw, json::value &value) {
+            const std::uint64_t place = text.placeOf(raw.data());
+            if (!end) {
+                begin(place);
+            }
+            end = place;
+            if (place >= m_next) {
+                tell(place);
+            }
+            visit(raw, value);
+        });
+        if (end) {
+            finishPart(*end);
         }
     }
-    /// The part ends at @p place.
-    void end(std::uint64_t place);
     /// All is read.
     void finish();
 
   private:
+    void begin(std::uint64_t place);
+    void finishPart(std::uint64_t end);
     void tell(std::uint64_t place);
     void report(std::uint64_t done);
 

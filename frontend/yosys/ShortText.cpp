@@ -5,6 +5,7 @@
 #include <simdjson.h>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kvr::netlistdb::yosys {
 
@@ -143,9 +144,10 @@ class ShortText::Scan {
     /// before its closing line when that is still to be copied. Returns false when it has no end.
     bool passSection(const std::string &indent)
     {
-        LongSection section;
+        Section section;
+        section.isInFile = true;
         section.begin = m_at - 1;
-        section.place = m_text.m_size - 1;
+        const std::size_t place = m_text.m_size - 1;
         bool isLong = false;
         std::string border;
         for (bool isOpen = true; isOpen;) {
@@ -171,15 +173,15 @@ class ShortText::Scan {
         if (isLong) {
             section.end = m_at + 1 + indent.size() + 1;
             m_at = section.end;
-            m_text.m_size = section.place + 1;
+            m_text.m_size = place + 1;
             append("}");
-            m_text.m_sections.push_back(std::move(section));
+            m_text.m_sections.emplace(place, std::move(section));
         }
         return true;
     }
 
     /// Adds the borders in @p text, which is at @p place of the file.
-    void addBorders(LongSection &section, std::uint64_t place, std::string_view text, const std::string &border) const
+    void addBorders(Section &section, std::uint64_t place, std::string_view text, const std::string &border) const
     {
         for (;;) {
             const std::uint64_t latest = section.borders.empty() ? section.begin : section.borders.back();
@@ -212,14 +214,6 @@ ShortText::ShortText(const JsonFile &file, const Sizes &sizes)
         file.read(0, m_size, m_data.get());
     }
     std::memset(m_data.get() + m_size, 0, simdjson::SIMDJSON_PADDING);
-}
-
-const LongSection *ShortText::sectionAt(std::size_t place) const
-{
-    const auto found =
-        std::lower_bound(m_sections.begin(), m_sections.end(), place,
-                         [](const LongSection &section, std::size_t sought) { return section.place < sought; });
-    return found != m_sections.end() && found->place == place ? &*found : nullptr;
 }
 
 JsonInput ShortText::input() const

@@ -6,17 +6,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <memory>
 #include <vector>
 
 namespace kvr::netlistdb::yosys {
 
-/// An object of a file that is no part of its ShortText.
-struct LongSection {
-    std::size_t place = 0;   ///< in the text: of the empty object that stands for it
-    std::uint64_t begin = 0; ///< in the file
+/// An object of a document whose fields are read later.
+struct Section {
+    bool isInFile = false; ///< all places are those of the file, otherwise those of the text in memory
+    std::uint64_t begin = 0;
     std::uint64_t end = 0;
-    std::vector<std::uint64_t> borders; ///< in the file: commas between its fields
+    std::vector<std::uint64_t> borders; ///< commas between fields that end a window
+
+    /// Bytes of the object that are not in the text in memory.
+    std::size_t sizeInFile() const { return isInFile ? static_cast<std::size_t>(end - begin) : 0; }
 };
 
 /// The text of a file without the long lists of cells, memories and names of nets, which are read from the file when
@@ -41,10 +45,8 @@ class ShortText {
     ShortText(const JsonFile &file, const Sizes &sizes);
 
     const JsonFile &file() const { return m_file; }
-    /// In the order of the text.
-    const std::vector<LongSection> &sections() const { return m_sections; }
-    /// The one whose empty object is at @p place of the text; null when there is none.
-    const LongSection *sectionAt(std::size_t place) const;
+    /// The sections that stayed in the file, by the place in the text of the empty object that stands for each.
+    const std::map<std::size_t, Section> &sections() const { return m_sections; }
     JsonInput input() const;
 
   private:
@@ -54,7 +56,7 @@ class ShortText {
     std::size_t m_capacity;
     std::unique_ptr<char[]> m_data; ///< pages behind the text are not touched
     std::size_t m_size = 0;
-    std::vector<LongSection> m_sections;
+    std::map<std::size_t, Section> m_sections;
 };
 
 } // namespace kvr::netlistdb::yosys

@@ -135,7 +135,7 @@ TEST_F(YosysFiles, AreReadOnceMoreWhenTheyWereWrittenToMeanwhile)
     const JsonFile file(path, fault);
     const ShortText text(file, {});
     ASSERT_EQ(text.sections().size(), 1u);
-    EXPECT_GT(text.sections().front().end - text.sections().front().begin, 100000u);
+    EXPECT_GT(text.sections().begin()->second.sizeInFile(), 100000u);
     EXPECT_NE(kvr::netlistdb::yosys::readJsonText(text.input(), path, {}), nullptr);
     Verific::Libset::Reset();
     std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::seconds(1));
